@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "base/date.hpp"
+
+namespace korvo {
+
+// Texts of moments and spans in the user's locale and time zone (ICU's defaults, taken from
+// LANG / LC_ALL and TZ or /etc/localtime).
+
+// The time of day in the locale's short style: "1:44 AM" in en_US.
+std::string shortTime(Date moment);
+// The locale's medium date and short time: "Nov 15, 2026, 1:44 AM" in en_US.
+std::string abbreviatedDateShortTime(Date moment);
+
+// The age of `dataMoment` at `now` as a short measure: "12 sec", "5 min", "2 hr, 5 min", "2 hr",
+// "3 days, 4 hr". A negative age is shown by its magnitude; a non-finite one gives "".
+std::string relativeSpan(Date dataMoment, Date now);
+// The first moment after `now` at which relativeSpan(dataMoment, ·) shows another text, so a host
+// repaints only then. A non-finite age never changes (infinitely far date).
+Date nextRelativeSpanChange(Date dataMoment, Date now);
+
+}  // namespace korvo

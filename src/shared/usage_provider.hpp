@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "shared/raw_value.hpp"
+#include "shared/url.hpp"
+
+namespace korvo {
+
+// An AI subscription whose usage the host application polls, in the order the widgets list them.
+enum class UsageProvider { codex, claude };
+
+// The serialised form: "codex", "claude" (also the provider's key in the shared file).
+std::string_view rawValue(UsageProvider provider);
+// "OpenAI · Codex", "Anthropic · Claude".
+std::string displayName(UsageProvider provider);
+// "Codex", "Claude".
+std::string shortName(UsageProvider provider);
+// The provider's web page of usage settings (https).
+Url usagePageURL(UsageProvider provider);
+
+template <>
+std::optional<UsageProvider> fromRaw<UsageProvider>(std::string_view raw);
+
+template <>
+constexpr auto allCases<UsageProvider>() {
+  return std::array{UsageProvider::codex, UsageProvider::claude};
+}
+
+}  // namespace korvo
+
+// Hashes as its raw value string does.
+template <>
+struct std::hash<korvo::UsageProvider> {
+  std::size_t operator()(korvo::UsageProvider provider) const noexcept {
+    return std::hash<std::string_view>{}(korvo::rawValue(provider));
+  }
+};
