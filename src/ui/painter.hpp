@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "ui/color.hpp"
+#include "ui/widget_layout.hpp"
+
+// Cairo's context type, declared here so that users of the painter need not include Cairo.
+using cairo_t = struct _cairo;
+
+namespace korvo::ui {
+
+struct PaintOptions {
+  double scale = 2;               // device pixels per point
+  Color accent = Color::white();  // accented rendering: the accent group's colour
+};
+
+// Paints the card (clipped to its rounded rectangle) onto `cr` at the context's current origin.
+// The context's transformation must already map points to device pixels; `options.scale` only
+// tells the text backend which pixel grid to hint for.
+void paintWidget(cairo_t* cr, const WidgetLayout& widget, const PaintOptions& options);
+
+// The card as PNG bytes, width × scale by height × scale pixels (rounded up); nothing on failure.
+std::string renderPNG(const WidgetLayout& widget, const PaintOptions& options);
+
+// The card as an SVG document at `options.scale` (1 = points as SVG user units).
+std::string renderSVG(const WidgetLayout& widget, const PaintOptions& options);
+
+}  // namespace korvo::ui
