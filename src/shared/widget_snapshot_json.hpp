@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,10 +8,6 @@
 #include "shared/widget_snapshot.hpp"
 
 namespace korvo {
-
-// Deepest nesting of arrays and objects a decoder accepts; deeper input is refused before it can
-// exhaust the stack.
-inline constexpr std::size_t maxJsonNestingDepth = 512;
 
 // The shared file's bytes for a snapshot, as the host writes them: one compact line, keys in
 // field order, absent optionals left out, integral numbers below 2^53 without a fraction. None

@@ -1,0 +1,56 @@
+#include "shared/widget_snapshot_json.hpp"
+
+#include "shared/json_reader.hpp"
+#include "shared/usage_json_parts.hpp"
+
+namespace korvo {
+
+std::optional<std::string> encodeWidgetSnapshot(const WidgetSnapshot& snapshot) {
+  JsonWriter writer;
+  writer.beginObject();
+  writer.key("date");
+  writer.number(snapshot.date.secondsSinceReferenceDate);
+  if (snapshot.temperature) {
+    writer.key("temperature");
+    writer.number(*snapshot.temperature);
+  }
+  if (snapshot.temperatureDate) {
+    writer.key("temperatureDate");
+    writer.number(snapshot.temperatureDate->secondsSinceReferenceDate);
+  }
+  writer.key("temperatureEnabled");
+  writer.boolean(snapshot.temperatureEnabled);
+  writer.key("codex");
+  usage_json::write(writer, snapshot.codex);
+  writer.key("claude");
+  usage_json::write(writer, snapshot.claude);
+  writer.endObject();
+  return std::move(writer).finish();
+}
+
+Decoded<WidgetSnapshot> decodeWidgetSnapshot(std::string_view json) {
+  using namespace json_reader;
+  auto document = parse(json);
+  if (auto* failure = std::get_if<DecodeFailure>(&document)) return *failure;
+  const nlohmann::json& root = std::get<nlohmann::json>(document);
+  try {
+    expectObject(root, "");
+    WidgetSnapshot snapshot;
+    snapshot.date = readDate(required(root, "", "date"), "date");
+    if (const auto* temperature = optional(root, "temperature")) {
+      snapshot.temperature = readNumber(*temperature, "temperature");
+    }
+    if (const auto* temperatureDate = optional(root, "temperatureDate")) {
+      snapshot.temperatureDate = readDate(*temperatureDate, "temperatureDate");
+    }
+    snapshot.temperatureEnabled =
+        readBoolean(required(root, "", "temperatureEnabled"), "temperatureEnabled");
+    snapshot.codex = usage_json::readState(required(root, "", "codex"), "codex");
+    snapshot.claude = usage_json::readState(required(root, "", "claude"), "claude");
+    return snapshot;
+  } catch (const Failure& failure) {
+    return DecodeFailure{failure.reason};
+  }
+}
+
+}  // namespace korvo
