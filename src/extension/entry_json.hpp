@@ -1,0 +1,22 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "extension/entries/memory_entry.hpp"
+#include "extension/entries/monitor_entry.hpp"
+#include "extension/reload_policy.hpp"
+
+namespace korvo {
+
+// Dates as the system counts them (seconds since 2001-01-01 UTC): integral values as integers,
+// every other value in its shortest form that reads back to the same double.
+nlohmann::ordered_json dateJSON(Date date);
+
+// {"date": …, "memory": the reading with used, available and usedFraction | null}.
+nlohmann::ordered_json entryJSON(const MemoryEntry& entry);
+// {"date": …, "snapshot": the shared file's own JSON form | null}.
+nlohmann::ordered_json entryJSON(const MonitorEntry& entry);
+// {"policy": "after", "date": …} or {"policy": "never"}.
+nlohmann::ordered_json reloadJSON(const ReloadPolicy& policy);
+
+}  // namespace korvo
