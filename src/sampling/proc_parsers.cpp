@@ -80,6 +80,7 @@ std::optional<Meminfo> parse_meminfo(std::string_view text) {
       "MemTotal",    "MemFree",      "Active",       "Inactive", "Active(file)", "Inactive(file)",
       "Unevictable", "KReclaimable", "SReclaimable", "Zswap",    "SwapTotal",    "SwapFree"};
   std::array<std::optional<std::uint64_t>, lineCount> figures;
+  std::array<bool, lineCount> seen{};
 
   while (!text.empty()) {
     const std::string_view line = nextLine(text);
@@ -88,12 +89,15 @@ std::optional<Meminfo> parse_meminfo(std::string_view text) {
     const std::string_view name = line.substr(0, colon);
     for (std::size_t i = 0; i < names.size(); ++i) {
       if (name != names[i]) continue;
-      if (figures[i]) break;
+      if (seen[i]) break;
+      seen[i] = true;
       figures[i] = kilobytes(line.substr(colon + 1));
-      if (!figures[i]) return std::nullopt;
+      // A garbled swap line only costs the swap figure; every other figure feeds the page counts.
+      if (!figures[i] && i != swapTotal && i != swapFree) return std::nullopt;
       break;
     }
   }
+  if (!figures[swapTotal] || !figures[swapFree]) figures[swapTotal] = figures[swapFree] = {};
 
   for (const Line required :
        {memTotal, memFree, active, inactive, activeFile, inactiveFile, unevictable}) {

@@ -26,8 +26,9 @@ struct Meminfo {
 };
 
 // No value when a required line (MemTotal, MemFree, Active, Inactive, Active(file),
-// Inactive(file), Unevictable, and SReclaimable when KReclaimable is absent) is missing, a figure
-// of a line it reads is not a number, or a figure does not fit 64 bits once in bytes.
+// Inactive(file), Unevictable, and SReclaimable when KReclaimable is absent) is missing, or a line
+// it reads holds no kB number that fits 64 bits once in bytes. A garbled SwapTotal or SwapFree
+// leaves both swap figures absent instead.
 std::optional<Meminfo> parse_meminfo(std::string_view text);
 
 // MemTotal alone, bytes; no value when the line is missing or malformed.
