@@ -78,7 +78,7 @@ class Builder {
   bool parse_error(std::size_t position, const std::string&,
                    const nlohmann::detail::exception& error) {
     const std::string detail = withoutExceptionPrefix(error.what());
-    if (detail.find("expected end of input") != std::string::npos) {
+    if (detail.find("; expected end of input") != std::string::npos) {
       failure_ = "trailing data after the JSON value at byte " + std::to_string(position);
     } else if (detail.find("number overflow") != std::string::npos) {
       failure_ = "number out of range at byte " + std::to_string(position);
