@@ -30,7 +30,7 @@ struct Theme {
 
 // The named colours of one scheme, already resolved to concrete values.
 struct Palette {
-  Color teal;
+  Color teal{};
   Color orange;
   Color blue;
   Color red;
@@ -49,8 +49,10 @@ struct Environment {
   // True when the host paints the view's container background and applies content margins;
   // false for the legacy path, where the view pads itself and lays its backdrop behind.
   bool hostSuppliesContainerBackground = true;
-  Date now;     // the moment live relative texts count from
-  Theme theme;  // desktop theme colours, when known
+  Date now{};     // the moment live relative texts count from
+  Theme theme{};  // desktop theme colours, when known
+  // Accented rendering: the colour of the accent group (`--accent`); everything else is white.
+  Color accentColor = Color::white();
 
   Palette palette() const;
   friend bool operator==(const Environment&, const Environment&) = default;

@@ -11,8 +11,7 @@ using cairo_t = struct _cairo;
 namespace korvo::ui {
 
 struct PaintOptions {
-  double scale = 2;               // device pixels per point
-  Color accent = Color::white();  // accented rendering: the accent group's colour
+  double scale = 2;  // device pixels per point
 };
 
 // Paints the card (clipped to its rounded rectangle) onto `cr` at the context's current origin.

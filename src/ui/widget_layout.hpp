@@ -30,7 +30,9 @@ struct WidgetLayout {
 };
 
 // Lays `view` out in a card of `environment.family`'s size, then snaps every frame to the pixel
-// grid of `scale` (device pixels per point).
+// grid of `scale` (device pixels per point). In accented rendering the colours are resolved
+// here: the accent group takes `environment.accentColor`, everything else white, each at its
+// own alpha.
 WidgetLayout layoutWidget(std::string kind, const View& view, const Environment& environment,
                           TextMeasurer& measurer, double scale = 2);
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "ui/text_measurer.hpp"
+
+namespace korvo::ui {
+
+// Measures with Pango on fontconfig's fonts: Inter for the system design, the rounded family for
+// the rounded one, "Material Icons" for symbols. Metrics are unhinted, so they scale with the
+// font size and match what the painter draws at any output scale. Results are cached by (text,
+// font, tracking, width) for the life of the measurer.
+class PangoTextMeasurer final : public TextMeasurer {
+ public:
+  PangoTextMeasurer();
+  ~PangoTextMeasurer() override;
+  PangoTextMeasurer(const PangoTextMeasurer&) = delete;
+  PangoTextMeasurer& operator=(const PangoTextMeasurer&) = delete;
+
+  TextMetrics measure(std::string_view text, const Font& font, double tracking,
+                      double maxWidth) override;
+  TextMetrics measureSymbol(std::string_view name, const Font& font) override;
+
+  // The process-wide measurer the painter shares, so layout and painting see one font cache.
+  static PangoTextMeasurer& shared();
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace korvo::ui
