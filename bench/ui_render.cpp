@@ -1,0 +1,56 @@
+#include <benchmark/benchmark.h>
+#include <cairo.h>
+
+#include "sample_card.hpp"
+#include "ui/painter.hpp"
+#include "ui/pango_text_measurer.hpp"
+#include "ui/widget_layout.hpp"
+
+namespace {
+
+using namespace korvo;
+
+const ui::Environment environment{.family = ui::WidgetFamily::systemMedium,
+                                  .now = Date::fromUnixSeconds(1'800'000'000)};
+
+void layoutAndPaint(ui::TextMeasurer& measurer) {
+  const ui::View view = testing::sampleCard(environment);
+  const ui::WidgetLayout widget = ui::layoutWidget("bench", view, environment, measurer, 2);
+  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 728, 340);
+  cairo_t* cr = cairo_create(surface);
+  cairo_scale(cr, 2, 2);
+  ui::paintWidget(cr, widget, {.scale = 2});
+  cairo_destroy(cr);
+  cairo_surface_flush(surface);
+  benchmark::DoNotOptimize(cairo_image_surface_get_data(surface));
+  cairo_surface_destroy(surface);
+}
+
+// The first frame of the process: fontconfig, the font files and an empty measurement cache.
+void BM_MediumCardColdFirstFrame(benchmark::State& state) {
+  for (auto _ : state) {
+    ui::PangoTextMeasurer measurer;
+    layoutAndPaint(measurer);
+  }
+}
+BENCHMARK(BM_MediumCardColdFirstFrame)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// Every later frame: fonts loaded and measurements cached, as in the desktop host's redraws.
+void BM_MediumCardWarm(benchmark::State& state) {
+  ui::PangoTextMeasurer& measurer = ui::PangoTextMeasurer::shared();
+  layoutAndPaint(measurer);
+  for (auto _ : state) layoutAndPaint(measurer);
+}
+BENCHMARK(BM_MediumCardWarm)->Unit(benchmark::kMicrosecond);
+
+// Layout alone, warm, for the share layout takes of a frame.
+void BM_MediumCardLayoutWarm(benchmark::State& state) {
+  ui::PangoTextMeasurer& measurer = ui::PangoTextMeasurer::shared();
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(
+        ui::layoutWidget("bench", testing::sampleCard(environment), environment, measurer, 2));
+  }
+}
+BENCHMARK(BM_MediumCardLayoutWarm)->Unit(benchmark::kMicrosecond);
+
+}  // namespace

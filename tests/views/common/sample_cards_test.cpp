@@ -1,0 +1,37 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "png_pixels.hpp"
+#include "sample_card.hpp"
+#include "ui/painter.hpp"
+#include "ui/pango_text_measurer.hpp"
+#include "ui/widget_layout.hpp"
+
+namespace korvo {
+namespace {
+
+// Renders the sample card in both families and schemes into the build tree's samples folder,
+// where they can be looked at; each must be a whole card with its figure drawn.
+TEST(SampleCards, RenderInBothFamiliesAndSchemes) {
+  std::filesystem::create_directories(KORVO_SAMPLE_DIR);
+  for (auto family : {ui::WidgetFamily::systemSmall, ui::WidgetFamily::systemMedium}) {
+    for (auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
+      const ui::Environment environment{
+          .family = family, .colorScheme = scheme, .now = Date::fromUnixSeconds(1'800'000'000)};
+      const ui::WidgetLayout widget = ui::layoutWidget(
+          "sample", testing::sampleCard(environment), environment, ui::PangoTextMeasurer::shared());
+      const std::string png = ui::renderPNG(widget, {.scale = 2});
+      const ui::testing::PngPixels pixels(png);
+      ASSERT_TRUE(pixels.valid());
+      EXPECT_EQ(pixels.width(), static_cast<int>(ui::familySize(family).width * 2));
+      const std::string name = std::string(ui::familyName(family)) +
+                               (scheme == ui::ColorScheme::dark ? "-dark.png" : "-light.png");
+      std::ofstream(std::filesystem::path(KORVO_SAMPLE_DIR) / name, std::ios::binary) << png;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace korvo
