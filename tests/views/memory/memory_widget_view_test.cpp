@@ -29,8 +29,8 @@ using viewtest::texts;
 // 16 GiB with 1.7 M application pages, 250 k wired and 250 k compressed pages of 4 KiB:
 // 9,011,200,000 bytes used, 52 % of the total.
 MemorySnapshot sampleReading(MemoryPressure pressure = MemoryPressure::normal) {
-  return MemorySnapshot::fromPageCounts(17'179'869'184, 4096, 1'500'000, 500'000, 250'000,
-                                        250'000, 100'000, 200'000, std::nullopt, pressure);
+  return MemorySnapshot::fromPageCounts(17'179'869'184, 4096, 1'500'000, 500'000, 250'000, 250'000,
+                                        100'000, 200'000, std::nullopt, pressure);
 }
 
 MemoryEntry entryWith(std::optional<MemorySnapshot> memory) {
@@ -196,8 +196,7 @@ INSTANTIATE_TEST_SUITE_P(AllSurroundings, MemoryWidgetVariationTest,
                          [](const auto& info) { return viewtest::variationName(info.param); });
 
 TEST_F(MemoryWidgetTest, MeterCarriesItsAccessibilityLabelAndValue) {
-  const ui::WidgetLayout widget =
-      render(entryWith(sampleReading()), WidgetFamily::systemSmall);
+  const ui::WidgetLayout widget = render(entryWith(sampleReading()), WidgetFamily::systemSmall);
   const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
   ASSERT_NE(meter, nullptr);
   const ui::LayoutNode* labelled = nullptr;
@@ -236,15 +235,14 @@ TEST_P(MemoryPressureTest, TintsTheMeterAndNamesTheLevelUncoloured) {
 
 INSTANTIATE_TEST_SUITE_P(
     Levels, MemoryPressureTest,
-    testing::Values(
-        PressureCase{MemoryPressure::normal, "Normal pressure",
-                     [](const ui::Palette& p) { return p.teal; }},
-        PressureCase{MemoryPressure::warning, "Elevated pressure",
-                     [](const ui::Palette& p) { return p.orange; }},
-        PressureCase{MemoryPressure::critical, "High pressure",
-                     [](const ui::Palette& p) { return p.red; }},
-        PressureCase{MemoryPressure::unknown, "Pressure unavailable",
-                     [](const ui::Palette& p) { return p.teal; }}),
+    testing::Values(PressureCase{MemoryPressure::normal, "Normal pressure",
+                                 [](const ui::Palette& p) { return p.teal; }},
+                    PressureCase{MemoryPressure::warning, "Elevated pressure",
+                                 [](const ui::Palette& p) { return p.orange; }},
+                    PressureCase{MemoryPressure::critical, "High pressure",
+                                 [](const ui::Palette& p) { return p.red; }},
+                    PressureCase{MemoryPressure::unknown, "Pressure unavailable",
+                                 [](const ui::Palette& p) { return p.teal; }}),
     [](const auto& info) { return std::string(rawValue(info.param.pressure)); });
 
 TEST_F(MemoryWidgetTest, SmallWithoutReadingShowsUnavailableAndRetryHintButNoMeter) {
@@ -276,9 +274,9 @@ TEST_F(MemoryWidgetTest, SmallWithoutReadingShowsUnavailableAndRetryHintButNoMet
 
 TEST_F(MemoryWidgetTest, MediumWithoutReadingKeepsOnlyTheKeepAwakeLinkInTheDetailColumn) {
   const ui::WidgetLayout widget = render(entryWith(std::nullopt), WidgetFamily::systemMedium);
-  EXPECT_THAT(texts(widget.root), ElementsAre("MEMORY", "Unavailable", "Open Korvo to retry",
-                                              "Updated", shortTime(viewtest::testNow),
-                                              "Keep Awake"));
+  EXPECT_THAT(texts(widget.root),
+              ElementsAre("MEMORY", "Unavailable", "Open Korvo to retry", "Updated",
+                          shortTime(viewtest::testNow), "Keep Awake"));
   ASSERT_NE(viewtest::firstOfKind(widget.root, "divider"), nullptr);
   const std::vector<const ui::LayoutNode*> links = viewtest::nodesOfKind(widget.root, "link");
   ASSERT_EQ(links.size(), 1u);
@@ -314,10 +312,10 @@ TEST_F(MemoryWidgetTest, FooterShowsTheEntryDateNotTheReadingTime) {
 TEST_F(MemoryWidgetTest, ContentPicksTheDetailColumnByItsFamilyArgument) {
   const ui::Environment env = viewtest::environment(WidgetFamily::systemMedium);
   const MemoryEntry entry = entryWith(sampleReading());
-  const ui::WidgetLayout small = viewtest::layOut(
-      MemoryWidgetContent{entry, WidgetFamily::systemSmall}.body(env), env);
-  const ui::WidgetLayout medium = viewtest::layOut(
-      MemoryWidgetContent{entry, WidgetFamily::systemMedium}.body(env), env);
+  const ui::WidgetLayout small =
+      viewtest::layOut(MemoryWidgetContent{entry, WidgetFamily::systemSmall}.body(env), env);
+  const ui::WidgetLayout medium =
+      viewtest::layOut(MemoryWidgetContent{entry, WidgetFamily::systemMedium}.body(env), env);
   EXPECT_EQ(viewtest::firstOfKind(small.root, "divider"), nullptr);
   EXPECT_NE(viewtest::firstOfKind(medium.root, "divider"), nullptr);
   EXPECT_EQ(small.url, "korvo://resources");

@@ -30,8 +30,8 @@ bool drawsText(const ui::LayoutNode& node) {
 
 std::string describe(const ui::LayoutNode& node) {
   const std::string name = node.text ? "\"" + *node.text + "\"" : node.kind;
-  return name + cFormat(" (%g,%g %gx%g)", node.frame.x, node.frame.y, node.frame.width,
-                        node.frame.height);
+  return name +
+         cFormat(" (%g,%g %gx%g)", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
 }
 
 }  // namespace
@@ -152,12 +152,13 @@ std::vector<std::string> legibilityProblems(const ui::WidgetLayout& widget) {
     if (!contains(area, node->frame)) problems.push_back(describe(*node) + " leaves the content");
     if (!isText || !node->text) continue;
     for (const ui::TextLine& line : node->lines) {
-      if (line.content.find("…") != std::string::npos && node->text->find("…") == std::string::npos) {
+      if (line.content.find("…") != std::string::npos &&
+          node->text->find("…") == std::string::npos) {
         problems.push_back(describe(*node) + " is truncated");
       }
     }
-    const std::size_t hardBreaks = static_cast<std::size_t>(
-        std::count(node->text->begin(), node->text->end(), '\n'));
+    const std::size_t hardBreaks =
+        static_cast<std::size_t>(std::count(node->text->begin(), node->text->end(), '\n'));
     if (node->lines.size() > hardBreaks + 1) problems.push_back(describe(*node) + " wraps");
   }
   for (std::size_t i = 0; i < marks.size(); ++i) {
