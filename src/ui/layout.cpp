@@ -341,7 +341,7 @@ LayoutNode LayoutEngine::placeMeter(const Meter& meter, std::optional<double> wi
 // the frame takes the proposal clamped into [min or content, max or content], so an infinite
 // maximum takes all that is offered while an unspecified proposal hugs the content.
 LayoutNode LayoutEngine::placeFrame(const Frame& frame, int contextIndex, Proposal proposal) {
-  const FrameSpec& spec = frame.spec;
+  const FrameSpec& sizing = frame.sizing;
   auto childProposal = [](AxisProposal axis, std::optional<double> fixed,
                           std::optional<double> minimum, std::optional<double> maximum) {
     if (fixed) return AxisProposal::atMost(std::max(0.0, *fixed));
@@ -363,14 +363,14 @@ LayoutNode LayoutEngine::placeFrame(const Frame& frame, int contextIndex, Propos
   };
   LayoutNode child =
       place(frame.content, contextIndex,
-            {childProposal(proposal.width, spec.width, spec.minWidth, spec.maxWidth),
-             childProposal(proposal.height, spec.height, spec.minHeight, spec.maxHeight)});
+            {childProposal(proposal.width, sizing.width, sizing.minWidth, sizing.maxWidth),
+             childProposal(proposal.height, sizing.height, sizing.minHeight, sizing.maxHeight)});
   const double w =
-      ownLength(proposal.width, child.frame.width, spec.width, spec.minWidth, spec.maxWidth);
+      ownLength(proposal.width, child.frame.width, sizing.width, sizing.minWidth, sizing.maxWidth);
   const double h =
-      ownLength(proposal.height, child.frame.height, spec.height, spec.minHeight, spec.maxHeight);
-  translate(child, alignOffset(spec.alignment.horizontal, w, child.frame.width),
-            alignOffset(spec.alignment.vertical, h, child.frame.height));
+      ownLength(proposal.height, child.frame.height, sizing.height, sizing.minHeight, sizing.maxHeight);
+  translate(child, alignOffset(sizing.alignment.horizontal, w, child.frame.width),
+            alignOffset(sizing.alignment.vertical, h, child.frame.height));
   LayoutNode node{.kind = "frame", .frame = {0, 0, w, h}};
   node.children.push_back(std::move(child));
   return node;

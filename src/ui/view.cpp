@@ -20,8 +20,8 @@ View View::padding(EdgeInsets insets) const {
   return View(Node{Padding{insets, *this}});
 }
 
-View View::frame(const FrameSpec& spec) const {
-  return View(Node{Frame{spec, *this}});
+View View::frame(const FrameSpec& sizing) const {
+  return View(Node{Frame{sizing, *this}});
 }
 
 View View::background(View behind, Alignment alignment) const {

@@ -43,7 +43,7 @@ class View {
   // Modifiers; each returns a new view wrapping this one.
   View padding(double length) const;
   View padding(EdgeInsets insets) const;
-  View frame(const FrameSpec& spec) const;
+  View frame(const FrameSpec& sizing) const;
   View background(View behind, Alignment alignment = Alignment::center()) const;
   View foregroundStyle(Color color) const;  // default colour of texts, symbols and shapes inside
   View font(Font font) const;               // default font of texts and symbols inside
@@ -161,7 +161,7 @@ struct Padding {
 };
 
 struct Frame {
-  FrameSpec spec{};
+  FrameSpec sizing{};
   View content{};
   friend bool operator==(const Frame&, const Frame&) = default;
 };
