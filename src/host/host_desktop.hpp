@@ -1,0 +1,57 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "extension/widget_configuration.hpp"
+#include "host/host_appearance.hpp"
+#include "host/host_options.hpp"
+#include "host/host_placement.hpp"
+#include "host/host_window.hpp"
+
+namespace korvo::host {
+
+// The bundle's kinds and families, as placements look them up.
+KindLookup kindLookup(const std::vector<WidgetConfiguration>& widgets);
+
+// The desktop host: one window per placement, re-placed when the placements file changes or on
+// SIGHUP, repainted when the desktop's appearance changes. Runs GTK's main loop until SIGINT or
+// SIGTERM.
+class DesktopHost {
+ public:
+  // `widgets` must outlive the host; GTK must be initialised.
+  DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOptions options);
+  ~DesktopHost();
+  DesktopHost(const DesktopHost&) = delete;
+  DesktopHost& operator=(const DesktopHost&) = delete;
+
+  // Shows the widgets and runs until asked to stop.
+  void run();
+
+  // Reads the placements again (SIGHUP, file changes); a bad file keeps what is shown.
+  void reloadPlacements();
+  // Repositions every window (screen or work area changed).
+  void arrange();
+  // Writes every window's tree to the dump directory.
+  void dumpAll();
+  void appearanceChanged();
+
+ private:
+  void apply(std::vector<Placement> placements);
+  void watchPlacementsFile();
+
+  const std::vector<WidgetConfiguration>& widgets_;
+  HostOptions options_;
+  KindLookup lookup_;
+  std::unique_ptr<AppearanceWatch> appearance_;
+  std::optional<std::filesystem::path> placementsFile_;
+  std::vector<std::unique_ptr<WidgetWindow>> windows_;
+  GFileMonitor* monitor_ = nullptr;
+  std::vector<guint> signalSources_;
+};
+
+}  // namespace korvo::host
