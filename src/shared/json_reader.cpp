@@ -130,7 +130,9 @@ class Builder {
     std::string text;
     for (std::size_t level = 0; level + 1 < open_.size(); ++level) {
       if (open_[level]->is_array()) {
-        text += "[" + std::to_string(open_[level]->size() - 1) + "]";
+        text += '[';
+        text += std::to_string(open_[level]->size() - 1);
+        text += ']';
       } else {
         text = memberPath(text, keys_[level]);
       }

@@ -54,6 +54,14 @@ void write(JsonWriter& writer, const UsageState& state) {
   writer.endObject();
 }
 
+std::string elementPath(const std::string& array, std::size_t index) {
+  std::string path = array;
+  path += '[';
+  path += std::to_string(index);
+  path += ']';
+  return path;
+}
+
 UsageWindow readWindow(const json& value, const std::string& path) {
   expectObject(value, path);
   UsageWindow window;
@@ -74,8 +82,7 @@ UsageSnapshot readSnapshot(const json& value, const std::string& path) {
   expectArray(windows, windowsPath);
   snapshot.windows.reserve(windows.size());
   for (std::size_t index = 0; index < windows.size(); ++index) {
-    snapshot.windows.push_back(
-        readWindow(windows[index], windowsPath + "[" + std::to_string(index) + "]"));
+    snapshot.windows.push_back(readWindow(windows[index], elementPath(windowsPath, index)));
   }
   snapshot.fetchedAt = readDate(required(value, path, "fetchedAt"), memberPath(path, "fetchedAt"));
   if (const json* source = optional(value, "source")) {

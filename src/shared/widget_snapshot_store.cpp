@@ -38,7 +38,10 @@ bool writeAll(int fd, const std::string& bytes) {
 // one file system), reaches the disk, and only then replaces the target in one step: a reader
 // sees the old file or the new one, never a part.
 bool replaceAtomically(const std::filesystem::path& target, const std::string& bytes) {
-  std::string pattern = (target.parent_path() / ("." + target.filename().string() + ".XXXXXX"));
+  std::string name = ".";
+  name += target.filename().string();
+  name += ".XXXXXX";
+  std::string pattern = target.parent_path() / name;
   const int fd = ::mkostemp(pattern.data(), O_CLOEXEC);
   if (fd < 0) return false;
   const bool written = ::fchmod(fd, 0644) == 0 && writeAll(fd, bytes) && ::fsync(fd) == 0;
