@@ -78,7 +78,10 @@ TextFit fitText(const std::string& content, const Font& font, double tracking,
                                    : std::numeric_limits<std::size_t>::max();
   if (height && ideal.lineHeight > 0) {
     const double linesInHeight = std::floor(*height / ideal.lineHeight + tolerance);
-    maxLines = std::min(maxLines, static_cast<std::size_t>(std::max(1.0, linesInHeight)));
+    // Compared as doubles first: an unbounded height must not be converted to an integer.
+    if (linesInHeight < static_cast<double>(maxLines)) {
+      maxLines = static_cast<std::size_t>(std::max(1.0, linesInHeight));
+    }
   }
 
   if (fits(ideal, maxLines, maxWidth)) return fromMetrics(ideal, 1, maxWidth);
