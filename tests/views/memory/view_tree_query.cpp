@@ -157,9 +157,7 @@ std::vector<std::string> legibilityProblems(const ui::WidgetLayout& widget) {
         problems.push_back(describe(*node) + " is truncated");
       }
     }
-    const std::size_t hardBreaks =
-        static_cast<std::size_t>(std::count(node->text->begin(), node->text->end(), '\n'));
-    if (node->lines.size() > hardBreaks + 1) problems.push_back(describe(*node) + " wraps");
+    if (node->scale < 1) problems.push_back(describe(*node) + " had to shrink");
   }
   for (std::size_t i = 0; i < marks.size(); ++i) {
     for (std::size_t j = i + 1; j < marks.size(); ++j) {

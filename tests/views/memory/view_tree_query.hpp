@@ -57,9 +57,9 @@ ui::Rect contentArea(const ui::WidgetLayout& widget);
 bool contains(const ui::Rect& outer, const ui::Rect& inner);
 bool overlaps(const ui::Rect& a, const ui::Rect& b);
 
-// Whether the widget reads cleanly: every text drawn whole (no truncation, no wrap when it has
-// one line), inside the content area, and no two texts, symbols or meters overlapping. Returns
-// the problems found, empty when there are none.
+// Whether the widget reads cleanly: every text drawn whole at its own size (not truncated, not
+// shrunk), inside the content area, and no two texts, symbols or meters overlapping. Returns the
+// problems found, empty when there are none.
 std::vector<std::string> legibilityProblems(const ui::WidgetLayout& widget);
 
 }  // namespace korvo::viewtest
