@@ -236,7 +236,8 @@ void WidgetWindow::redraw() {
 
 void WidgetWindow::requestTimeline() {
   if (options_.logRequests) {
-    std::fprintf(stderr, "korvo-widgets: timeline request for %s\n", widget_.kind.c_str());
+    std::fprintf(stderr, "korvo-widgets: timeline request for %s at %.17g\n", widget_.kind.c_str(),
+                 clock::now().secondsSinceReferenceDate);
   }
   TimelineContext context;
   context.family = placement_.family;
