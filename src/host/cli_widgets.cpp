@@ -52,7 +52,7 @@ void pinClock(const std::string& moment) {
   if (!date) {
     throw UsageError("--now: cannot read \"" + moment +
                      "\"; valid forms: ISO 8601 with a zone (2026-11-15T01:45:00Z) or Unix "
-                     "seconds (1794620700)");
+                     "seconds (1794707100)");
   }
   clock::setFixed(*date);
 }

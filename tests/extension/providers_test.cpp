@@ -15,7 +15,7 @@ namespace {
 using testing::ScopedEnvironment;
 using testing::TempDir;
 
-const Date now = Date::fromUnixSeconds(1'794'620'700);  // 2026-11-15T01:45:00Z
+const Date now = Date::fromUnixSeconds(1'794'707'100);  // 2026-11-15T01:45:00Z
 const std::filesystem::path desktopRoot = std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram";
 const std::string sampleFile = std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json";
 

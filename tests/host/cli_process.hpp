@@ -1,0 +1,68 @@
+#pragma once
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+namespace korvo::testing {
+
+struct CliResult {
+  int exitCode = -1;
+  std::string out;  // standard output, byte for byte
+  std::string err;  // standard error
+};
+
+inline std::string slurp(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// Runs the built korvo-widgets with `args` in an environment of exactly `environment`, its output
+// and errors caught in files under `scratch`.
+inline CliResult runCli(const std::vector<std::string>& args,
+                        const std::map<std::string, std::string>& environment,
+                        const std::filesystem::path& scratch) {
+  const std::string outPath = (scratch / "stdout").string();
+  const std::string errPath = (scratch / "stderr").string();
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
+  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
+  posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+
+  std::vector<std::string> argStrings{KORVO_BINARY};
+  argStrings.insert(argStrings.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (auto& arg : argStrings) argv.push_back(arg.data());
+  argv.push_back(nullptr);
+  std::vector<std::string> envStrings;
+  for (const auto& [name, value] : environment) envStrings.push_back(name + "=" + value);
+  std::vector<char*> envp;
+  for (auto& entry : envStrings) envp.push_back(entry.data());
+  envp.push_back(nullptr);
+
+  CliResult result;
+  pid_t pid = 0;
+  if (posix_spawn(&pid, KORVO_BINARY, &actions, nullptr, argv.data(), envp.data()) == 0) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
+  posix_spawn_file_actions_destroy(&actions);
+  result.out = slurp(outPath);
+  result.err = slurp(errPath);
+  return result;
+}
+
+}  // namespace korvo::testing
