@@ -64,6 +64,9 @@ void run(const RunArguments& arguments) {
   if (options.warp != host::TimeWarp{}) {
     clock::setWarp(options.warp.offsetSeconds, options.warp.rate);
   }
+  // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
+  // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
+  g_setenv("GDK_GL", "disable", FALSE);
   if (!gtk_init_check(nullptr, nullptr)) {
     std::fprintf(stderr,
                  "korvo-widgets: cannot open the display (is DISPLAY or WAYLAND_DISPLAY set?)\n");
