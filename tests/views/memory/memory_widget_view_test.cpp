@@ -88,7 +88,8 @@ TEST_P(MemoryWidgetVariationTest, SmallReadingShowsHeaderPercentMeterGigabytesAn
   EXPECT_EQ(gigabytes->font, Font::caption2());
   EXPECT_EQ(gigabytes->color, drawn(palette.secondary, env));
 
-  for (const char* footerText : {"Updated", shortTime(viewtest::testNow).c_str()}) {
+  for (const std::string& footerText :
+       std::vector<std::string>{"Updated", shortTime(viewtest::testNow)}) {
     const ui::LayoutNode* footer = nodeWithText(widget.root, footerText);
     ASSERT_NE(footer, nullptr) << footerText;
     EXPECT_EQ(footer->font, Font::system(10));
