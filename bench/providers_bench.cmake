@@ -1,0 +1,1 @@
+korvo_add_benchmark(providers_bench SOURCES providers_bench.cpp LIBRARIES korvo_extension)
