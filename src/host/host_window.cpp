@@ -42,11 +42,11 @@ gboolean onUnmap(GtkWidget*, GdkEvent*, gpointer window) {
 }
 
 void onStyleUpdated(GtkWidget*, gpointer window) {
-  self(window).redraw();
+  self(window).appearanceChanged();
 }
 
 void onScaleFactor(GObject*, GParamSpec*, gpointer window) {
-  self(window).redraw();
+  self(window).appearanceChanged();
 }
 
 gboolean onTimelineDue(gpointer window) {
@@ -159,7 +159,7 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea) {
 }
 
 void WidgetWindow::appearanceChanged() {
-  relayout();
+  layoutStale_ = true;
   redraw();
 }
 
@@ -180,6 +180,7 @@ ui::Environment WidgetWindow::environment() const {
 }
 
 void WidgetWindow::relayout() {
+  layoutStale_ = false;
   if (!timeline_ || timeline_->entries.empty()) {
     layout_.reset();
     return;
@@ -195,7 +196,8 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
   cairo_set_source_rgba(cr, 0, 0, 0, 0);
   cairo_paint(cr);
   cairo_restore(cr);
-  relayout();
+  // Uncovering the window only repaints; the tree is laid out again when what it shows changed.
+  if (layoutStale_) relayout();
   if (!layout_) return TRUE;
   cairo_save(cr);
   cairo_scale(cr, options_.scale, options_.scale);
@@ -221,6 +223,7 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
 void WidgetWindow::mapped() {
   mapped_ = true;
   // Relative texts may have moved on while hidden.
+  layoutStale_ = true;
   redraw();
   scheduleLiveTimer();
 }
@@ -299,6 +302,7 @@ void WidgetWindow::scheduleLiveTimer() {
 
 gboolean WidgetWindow::liveTextDue() {
   liveTimer_ = 0;
+  layoutStale_ = true;
   redraw();
   scheduleLiveTimer();
   return G_SOURCE_REMOVE;

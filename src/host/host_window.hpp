@@ -65,6 +65,7 @@ class WidgetWindow {
   std::optional<AnyTimeline> timeline_;
   std::size_t entryIndex_ = 0;
   std::optional<ui::WidgetLayout> layout_;
+  bool layoutStale_ = true;  // the entry, appearance, scale or a live text changed since layout_
   bool mapped_ = false;
   bool pressed_ = false;
   bool layerShell_ = false;
