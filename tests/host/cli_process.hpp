@@ -48,14 +48,10 @@ inline CliResult runCli(const std::vector<std::string>& args,
   argv.push_back(nullptr);
   std::vector<std::string> envStrings;
   for (const auto& [name, value] : environment) envStrings.push_back(name + "=" + value);
-  // The sanitizer build's settings reach the child; fontconfig's never-freed cache is no leak of
-  // ours.
-  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
+  // The sanitizer build's settings, leak suppressions included, reach the child.
+  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
     if (const char* value = ::getenv(name)) envStrings.push_back(std::string(name) + "=" + value);
   }
-  const std::string suppressions = (scratch / "lsan.supp").string();
-  std::ofstream(suppressions) << "leak:libfontconfig.so\n";
-  envStrings.push_back("LSAN_OPTIONS=suppressions=" + suppressions);
   std::vector<char*> envp;
   for (auto& entry : envStrings) envp.push_back(entry.data());
   envp.push_back(nullptr);

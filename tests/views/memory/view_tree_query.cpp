@@ -170,9 +170,3 @@ std::vector<std::string> legibilityProblems(const ui::WidgetLayout& widget) {
 }
 
 }  // namespace korvo::viewtest
-
-// Fontconfig keeps its font sets for the life of the process once Pango has asked for a font;
-// the leak checker should not count them against the views.
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libfontconfig.so\n";
-}
