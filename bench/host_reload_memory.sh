@@ -67,7 +67,7 @@ sleep 5
 kill -0 "$host" || { echo "host_reload_memory: the host died" >&2; cat "$work/host.log" >&2; exit 1; }
 start_requests=$(requests)
 echo "after warm-up:  $(memory) timeline requests so far: $start_requests"
-sleep "$seconds"
+for ((step = 1; step <= 4; step++)); do sleep $((seconds / 4)); echo "  at $((step * seconds / 4)) s: $(memory) requests: $(requests)"; done
 kill -0 "$host" || { echo "host_reload_memory: the host died" >&2; tail "$work/host.log" >&2; exit 1; }
 end_requests=$(requests)
 echo "after ${seconds} s:    $(memory) timeline requests so far: $end_requests"
