@@ -12,20 +12,8 @@ binary=${1:-${KORVO_BINARY:-$root/build/release/src/host/korvo-widgets}}
 seconds=${2:-60}
 [[ -x $binary ]] || { echo "host_reload_memory: no korvo-widgets at $binary" >&2; exit 1; }
 
-work=$(mktemp -d /tmp/korvo-host-reload-XXXXXX)
-pids=()
-cleanup() {
-  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-  wait 2>/dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
-
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-pids+=($!)
-read -r number <"$work/display"
-export DISPLAY=":$number"
+source "$root/bench/xvfb_session.sh"
+xvfb_session host-reload
 
 container="$work/data/app-groups/group.com.tessmoor.Korvo"
 mkdir -p "$work/config" "$container"

@@ -14,21 +14,8 @@ settle=5
 [[ -x $binary ]] || { echo "host_vs_conky: no korvo-widgets at $binary (build the release preset)" >&2; exit 1; }
 command -v conky >/dev/null || { echo "host_vs_conky: conky is not installed (conky-std)" >&2; exit 1; }
 
-work=$(mktemp -d /tmp/korvo-host-bench-XXXXXX)
-pids=()
-cleanup() {
-  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-  wait 2>/dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
-
-# Xvfb picks a free display number itself and reports it on the given descriptor.
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-pids+=($!)
-read -r number <"$work/display"
-export DISPLAY=":$number"
+source "$root/bench/xvfb_session.sh"
+xvfb_session host-bench
 
 cat >"$work/conky.conf" <<'CONKY'
 conky.config = {
