@@ -1,5 +1,6 @@
 #include "extension/entry_json.hpp"
 
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 
@@ -7,6 +8,67 @@
 #include "shared/widget_snapshot_json.hpp"
 
 namespace korvo {
+
+namespace {
+
+void appendNumber(std::string& out, double value) {
+  if (!std::isfinite(value)) {
+    out += "null";
+    return;
+  }
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  const std::string_view text(buffer, static_cast<std::size_t>(result.ptr - buffer));
+  out += text;
+  // A float stays recognisable as one, as the library writes it.
+  if (text.find_first_of(".eE") == std::string_view::npos) out += ".0";
+}
+
+void appendValue(std::string& out, const nlohmann::ordered_json& value, int indent, int depth) {
+  const bool pretty = indent >= 0;
+  const auto newline = [&](int level) {
+    if (!pretty) return;
+    out += '\n';
+    out.append(static_cast<std::size_t>(indent * level), ' ');
+  };
+  if (value.is_number_float()) {
+    appendNumber(out, value.get<double>());
+  } else if (value.is_object() && !value.empty()) {
+    out += '{';
+    bool first = true;
+    for (const auto& [key, member] : value.items()) {
+      if (!first) out += ',';
+      first = false;
+      newline(depth + 1);
+      out += nlohmann::ordered_json(key).dump();
+      out += pretty ? ": " : ":";
+      appendValue(out, member, indent, depth + 1);
+    }
+    newline(depth);
+    out += '}';
+  } else if (value.is_array() && !value.empty()) {
+    out += '[';
+    bool first = true;
+    for (const auto& element : value) {
+      if (!first) out += ',';
+      first = false;
+      newline(depth + 1);
+      appendValue(out, element, indent, depth + 1);
+    }
+    newline(depth);
+    out += ']';
+  } else {
+    out += value.dump();
+  }
+}
+
+}  // namespace
+
+std::string documentText(const nlohmann::ordered_json& document, int indent) {
+  std::string out;
+  appendValue(out, document, indent, 0);
+  return out;
+}
 
 nlohmann::ordered_json dateJSON(Date date) {
   constexpr double exactIntegers = 9007199254740992.0;  // 2^53

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "extension/entries/memory_entry.hpp"
 #include "extension/entries/monitor_entry.hpp"
@@ -18,5 +19,9 @@ nlohmann::ordered_json entryJSON(const MemoryEntry& entry);
 nlohmann::ordered_json entryJSON(const MonitorEntry& entry);
 // {"policy": "after", "date": …} or {"policy": "never"}.
 nlohmann::ordered_json reloadJSON(const ReloadPolicy& policy);
+
+// The document as `dump(indent)` lays it out, but with every non-integral number in its shortest
+// form that reads back to the same double (the library's own writer is not always shortest).
+std::string documentText(const nlohmann::ordered_json& document, int indent = -1);
 
 }  // namespace korvo

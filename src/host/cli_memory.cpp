@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "base/c_format.hpp"
+#include "extension/entry_json.hpp"
 #include "host/cli_commands.hpp"
 #include "host/cli_moment.hpp"
 #include "sampling/memory_format.hpp"
@@ -26,7 +27,7 @@ void run(bool json, CommandOutcome& outcome) {
     return;
   }
   if (json) {
-    std::cout << toJson(*reading).dump(2) << '\n';
+    std::cout << documentText(toJson(*reading), 2) << '\n';
   } else {
     printFigure("total", reading->total);
     printFigure("app", reading->app);

@@ -19,12 +19,13 @@ struct TimelineOptions {
 void printText(const WidgetConfiguration& widget, const AnyEntry& placeholder,
                const AnyEntry& snapshot, const AnyTimeline& timeline) {
   std::cout << "widget " << widget.kind << '\n';
-  std::cout << "placeholder  " << isoMoment(placeholder.date) << "  " << placeholder.toJson().dump()
-            << '\n';
-  std::cout << "snapshot     " << isoMoment(snapshot.date) << "  " << snapshot.toJson().dump()
-            << '\n';
+  std::cout << "placeholder  " << isoMoment(placeholder.date) << "  "
+            << documentText(placeholder.toJson()) << '\n';
+  std::cout << "snapshot     " << isoMoment(snapshot.date) << "  "
+            << documentText(snapshot.toJson()) << '\n';
   for (const AnyEntry& entry : timeline.entries) {
-    std::cout << "timeline     " << isoMoment(entry.date) << "  " << entry.toJson().dump() << '\n';
+    std::cout << "timeline     " << isoMoment(entry.date) << "  " << documentText(entry.toJson())
+              << '\n';
   }
   std::cout << "reload       "
             << (timeline.policy.date ? "after " + isoMoment(*timeline.policy.date) : "never")
@@ -72,7 +73,7 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
       document["snapshot"] = snapshot->toJson();
       document["timeline"]["entries"] = entries;
       document["timeline"]["reload"] = reloadJSON(timeline->policy);
-      std::cout << document.dump(2) << '\n';
+      std::cout << documentText(document, 2) << '\n';
     } else {
       printText(widget, placeholder, *snapshot, *timeline);
     }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "extension/sample_data.hpp"
 #include "scoped_environment.hpp"
 #include "shared/widget_snapshot_json.hpp"
@@ -54,6 +56,42 @@ TEST(EntryJSON, ReloadPoliciesNameTheirKindAndOnlyAfterHasADate) {
   EXPECT_EQ(reloadJSON(ReloadPolicy::after(Date{816401700})).dump(),
             R"({"policy":"after","date":816401700})");
   EXPECT_EQ(reloadJSON(ReloadPolicy::never()).dump(), R"({"policy":"never"})");
+}
+
+TEST(EntryJSON, DocumentTextWritesEveryDateInItsShortestRoundTripForm) {
+  // The library's own writer gives 742502552.2800649 and 187891.79016439721 for these.
+  const struct {
+    double seconds;
+    const char* text;
+  } cases[] = {{742502552.280065, "742502552.280065"},
+               {187891.7901643972, "187891.7901643972"},
+               {816399900.5, "816399900.5"},
+               {1e300, "1e+300"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(documentText(dateJSON(Date{c.seconds})), c.text);
+    EXPECT_EQ(std::stod(documentText(dateJSON(Date{c.seconds}))), c.seconds);
+  }
+}
+
+TEST(EntryJSON, DocumentTextLaysOutLikeTheLibrarysDump) {
+  const auto document = nlohmann::ordered_json::parse(
+      R"({"widget":"com.tessmoor.Korvo.memory","none":null,"yes":true,"count":-3,)"
+      R"("big":17179869184,"half":0.5,"text":"a\"b\u00b7\n","empty":{},"list":[],)"
+      R"("nested":{"entries":[{"date":1.5},{"date":2}],"reload":{"policy":"never"}}})");
+  EXPECT_EQ(documentText(document), document.dump());
+  EXPECT_EQ(documentText(document, 2), document.dump(2));
+}
+
+TEST(EntryJSON, MonitorEntryDocumentKeepsTheSharedFilesNumbersExactly) {
+  const std::string bytes = R"({"date":742502552.280065,"temperature":187891.7901643972,)"
+                            R"("temperatureDate":742502552.280065,"temperatureEnabled":true,)"
+                            R"("codex":{"enabled":false,"isRefreshing":false},)"
+                            R"("claude":{"enabled":false,"isRefreshing":false}})";
+  const auto decoded = decodeWidgetSnapshot(bytes);
+  ASSERT_TRUE(std::holds_alternative<WidgetSnapshot>(decoded));
+  const auto json = entryJSON(
+      MonitorEntry{.date = Date{742502552.280065}, .snapshot = std::get<WidgetSnapshot>(decoded)});
+  EXPECT_EQ(documentText(json), R"({"date":742502552.280065,"snapshot":)" + bytes + "}");
 }
 
 }  // namespace

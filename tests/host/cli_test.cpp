@@ -101,6 +101,19 @@ TEST_F(Cli, TimelineJsonOfUsageCarriesTheSharedFileAsItIs) {
   EXPECT_EQ(document["timeline"]["reload"], json::parse(R"({"policy":"after","date":816400800})"));
 }
 
+TEST_F(Cli, TimelineJsonWritesDatesInTheirShortestRoundTripForm) {
+  // Doubles whose shortest form a generic JSON writer misses (it gives 742502552.2800649).
+  writeSharedFile(
+      R"({"date":742502552.280065,"temperature":54.5,"temperatureDate":742502552.280065,)"
+      R"("temperatureEnabled":true,"codex":{"enabled":false,"isRefreshing":false},)"
+      R"("claude":{"enabled":false,"isRefreshing":false}})");
+  const CliResult result = run({"timeline", "temperature", "--json", "--now", nowISO});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_NE(result.out.find(R"("date": 742502552.280065,)"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find(R"("temperatureDate": 742502552.280065,)"), std::string::npos);
+  EXPECT_EQ(result.out.find("742502552.2800649"), std::string::npos) << result.out;
+}
+
 TEST_F(Cli, TimelineJsonWithoutTheFileHasOneEntryWithANullSnapshot) {
   const CliResult result = run({"timeline", "temperature", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
