@@ -7,7 +7,7 @@ if(XGETTEXT_EXECUTABLE)
     COMMAND ${CMAKE_COMMAND} -E make_directory "${CMAKE_BINARY_DIR}/po"
     COMMAND ${XGETTEXT_EXECUTABLE} --language=C++ --from-code=UTF-8 --keyword=_
             --package-name=korvo-widgets --package-version=${PROJECT_VERSION}
-            --output="${CMAKE_BINARY_DIR}/po/korvo-widgets.pot" ${KORVO_TRANSLATABLE_SOURCES}
+            --output=${CMAKE_BINARY_DIR}/po/korvo-widgets.pot ${KORVO_TRANSLATABLE_SOURCES}
     WORKING_DIRECTORY "${CMAKE_SOURCE_DIR}"
     COMMENT "Extracting translatable texts into po/korvo-widgets.pot"
     VERBATIM)

@@ -82,9 +82,19 @@ ui::View primaryColumn(const MemoryEntry& entry, const ui::Environment& environm
   return ui::vstack(HorizontalAlignment::leading, 6, std::move(children));
 }
 
+// The level names are the levels' raw values, spelled out here so the text template carries them.
 std::string pressureLine(MemoryPressure pressure) {
-  if (pressure == MemoryPressure::unknown) return _("Pressure unavailable");
-  return _(std::string(rawValue(pressure)).c_str()) + _(" pressure");
+  switch (pressure) {
+    case MemoryPressure::normal:
+      return _("Normal") + _(" pressure");
+    case MemoryPressure::warning:
+      return _("Elevated") + _(" pressure");
+    case MemoryPressure::critical:
+      return _("High") + _(" pressure");
+    case MemoryPressure::unknown:
+      break;
+  }
+  return _("Pressure unavailable");
 }
 
 ui::View figureRow(std::string title, std::uint64_t bytes) {
