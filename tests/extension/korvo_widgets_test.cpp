@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "base/clock.hpp"
+#include "extension/sample_data.hpp"
+#include "extension/widget_content.hpp"
 #include "sampling/system_sampler.hpp"
 #include "scoped_environment.hpp"
 #include "shared/app_identity.hpp"
@@ -148,6 +150,15 @@ TEST_F(WidgetViews, MemoryConfigurationRendersTheMemoryWidgetViewOfItsEntry) {
 TEST_F(WidgetViews, AwakeConfigurationRendersTheShortcutWhateverTheEntry) {
   const AnyEntry entry = timelineEntry(KorvoAwakeWidget{}.body(), {});
   EXPECT_EQ(entry.view(small), AwakeShortcutView{}.body(small));
+}
+
+TEST_F(WidgetViews, AwakeContentIsTheSameCardForAnyDateAndEvenWithAReading) {
+  const MemoryEntry bare{.date = now, .memory = std::nullopt};
+  const MemoryEntry carrying{.date = now.addingSeconds(86400 * 40),
+                             .memory = SampleData::memoryReading(now)};
+  const ui::View card = AwakeShortcutView{}.body(small);
+  EXPECT_EQ(WidgetContent::awakeShortcut(bare).view(small), card);
+  EXPECT_EQ(WidgetContent::awakeShortcut(carrying).view(small), card);
 }
 
 // The usage and temperature widgets share the provider and the view; the flag is all that differs.
