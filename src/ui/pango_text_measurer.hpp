@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -10,10 +11,13 @@ namespace korvo::ui {
 // Measures with Pango on fontconfig's fonts: Inter for the system design, the rounded family for
 // the rounded one, "Material Icons" for symbols. Metrics are unhinted, so they scale with the
 // font size and match what the painter draws at any output scale. Results are cached by (text,
-// font, tracking, width) for the life of the measurer.
+// font, tracking, width), keeping the most recently used `capacity` of them, so a long-running
+// host whose texts keep changing ("3 days, 4 hr ago") holds a fixed amount of memory.
 class PangoTextMeasurer final : public TextMeasurer {
  public:
-  PangoTextMeasurer();
+  static constexpr std::size_t defaultCapacity = 512;  // cached measurements
+
+  explicit PangoTextMeasurer(std::size_t capacity = defaultCapacity);
   ~PangoTextMeasurer() override;
   PangoTextMeasurer(const PangoTextMeasurer&) = delete;
   PangoTextMeasurer& operator=(const PangoTextMeasurer&) = delete;
@@ -21,6 +25,9 @@ class PangoTextMeasurer final : public TextMeasurer {
   TextMetrics measure(std::string_view text, const Font& font, double tracking,
                       double maxWidth) override;
   TextMetrics measureSymbol(std::string_view name, const Font& font) override;
+
+  // Measurements currently cached, never more than the capacity.
+  std::size_t cachedCount() const;
 
   // The process-wide measurer the painter shares, so layout and painting see one font cache.
   static PangoTextMeasurer& shared();
