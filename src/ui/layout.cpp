@@ -131,6 +131,31 @@ LayoutNode LayoutEngine::layoutInContext(const View& view, int context, Proposal
 
 // Every node is laid out with its top-leading corner at (0, 0); parents translate children.
 LayoutNode LayoutEngine::place(const View& view, int contextIndex, Proposal proposal) {
+  // Texts are fitted once per context and proposal: fitting asks the measurer many times and a
+  // relative date formats its text, while stacks place each child repeatedly.
+  const Node* key = &view.node();
+  const bool textual = std::holds_alternative<Text>(key->value) ||
+                       std::holds_alternative<RelativeDate>(key->value) ||
+                       std::holds_alternative<Label>(key->value);
+  if (textual) {
+    for (const PlacedText& placed : placedTexts_[key]) {
+      if (placed.context == contextIndex && placed.proposal == proposal) return placed.node;
+    }
+  }
+  LayoutNode node = placeUncached(view, contextIndex, proposal);
+  if (textual) placedTexts_[key].push_back({contextIndex, proposal, node});
+  return node;
+}
+
+const std::string& LayoutEngine::relativeText(const Node* node, Date date) {
+  auto found = relativeTexts_.find(node);
+  if (found == relativeTexts_.end()) {
+    found = relativeTexts_.emplace(node, relativeSpan(date, environment_.now)).first;
+  }
+  return found->second;
+}
+
+LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Proposal proposal) {
   const Context context = contexts_[static_cast<std::size_t>(contextIndex)];
   const std::optional<double> width = offered(proposal.width);
   const std::optional<double> height = offered(proposal.height);
@@ -141,7 +166,7 @@ LayoutNode LayoutEngine::place(const View& view, int contextIndex, Proposal prop
           [&](const Stack& stack) { return placeStack(stack, contextIndex, proposal); },
           [&](const Text& text) { return placeText("text", text.content, context, width, height); },
           [&](const RelativeDate& date) {
-            LayoutNode node = placeText("relativeDate", relativeSpan(date.date, environment_.now),
+            LayoutNode node = placeText("relativeDate", relativeText(&view.node(), date.date),
                                         context, width, height);
             node.relativeTo = date.date;
             return node;
@@ -367,8 +392,8 @@ LayoutNode LayoutEngine::placeFrame(const Frame& frame, int contextIndex, Propos
              childProposal(proposal.height, sizing.height, sizing.minHeight, sizing.maxHeight)});
   const double w =
       ownLength(proposal.width, child.frame.width, sizing.width, sizing.minWidth, sizing.maxWidth);
-  const double h =
-      ownLength(proposal.height, child.frame.height, sizing.height, sizing.minHeight, sizing.maxHeight);
+  const double h = ownLength(proposal.height, child.frame.height, sizing.height, sizing.minHeight,
+                             sizing.maxHeight);
   translate(child, alignOffset(sizing.alignment.horizontal, w, child.frame.width),
             alignOffset(sizing.alignment.vertical, h, child.frame.height));
   LayoutNode node{.kind = "frame", .frame = {0, 0, w, h}};

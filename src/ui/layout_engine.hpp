@@ -56,11 +56,18 @@ class LayoutEngine {
     Proposal proposal;
     Measured measured;
   };
+  struct PlacedText {
+    int context = 0;
+    Proposal proposal;
+    LayoutNode node;
+  };
 
   int intern(const Context& context);
   Font resolvedFont(const Context& context) const;
   Measured measure(const View& view, int context, Proposal proposal);
   LayoutNode place(const View& view, int context, Proposal proposal);
+  LayoutNode placeUncached(const View& view, int context, Proposal proposal);
+  const std::string& relativeText(const Node* node, Date date);
   LayoutNode placeStack(const Stack& stack, int context, Proposal proposal);
   LayoutNode placeFrame(const Frame& frame, int context, Proposal proposal);
   LayoutNode placeText(const char* kind, const std::string& content, const Context& context,
@@ -77,6 +84,8 @@ class LayoutEngine {
   TextMeasurer& measurer_;
   std::vector<Context> contexts_;
   std::unordered_map<const Node*, std::vector<CacheEntry>> cache_;
+  std::unordered_map<const Node*, std::vector<PlacedText>> placedTexts_;
+  std::unordered_map<const Node*, std::string> relativeTexts_;  // relative dates' texts at `now`
   std::optional<std::string> widgetURL_;
   std::optional<PendingBackground> containerBackground_;
 };

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "base/date_text.hpp"
 #include "fake_text_measurer.hpp"
 #include "ui/layout.hpp"
 
@@ -199,6 +200,32 @@ TEST(TextLayout, InheritedStyleReachesNestedTexts) {
   const LayoutNode& leaf = root.children[0].children[0];
   EXPECT_EQ(leaf.font, Font::caption2().withMonospacedDigits());
   EXPECT_EQ(leaf.color, secondary);
+}
+
+// One text view may sit in a tree several times under different styles and offers; each place
+// lays it out for its own font and room.
+TEST(TextLayout, OneTextViewPlacedTwiceTakesEachPlacesFontAndRoom) {
+  const View word = text("abcdef");
+  const LayoutNode root =
+      lay(vstack(HorizontalAlignment::leading, 0,
+                 {word, word.font(Font::system(20)), word.lineLimit(1).frame({.width = 15})}),
+          atMost(200, 200));
+  ASSERT_EQ(root.children.size(), 3u);
+  EXPECT_EQ(root.children[0].frame, (Rect{0, 0, 30, 12}));
+  EXPECT_EQ(root.children[1].frame, (Rect{0, 12, 60, 24}));
+  EXPECT_EQ(root.children[2].children[0].lines[0].content, "ab\u2026");
+}
+
+TEST(TextLayout, OneRelativeDateShowsTheSameSpanWherever) {
+  const Date now = Date::fromUnixSeconds(1'800'000'000);
+  const View age = relativeDate(now.addingSeconds(-240));
+  testing::FakeTextMeasurer measurer;
+  const LayoutNode root = layout(hstack({age, age.font(Font::system(20))}).font(Font::system(10)),
+                                 atMost(300, 100), {0, 0}, Environment{.now = now}, measurer);
+  ASSERT_EQ(root.children.size(), 2u);
+  EXPECT_EQ(*root.children[0].text, relativeSpan(now.addingSeconds(-240), now));
+  EXPECT_EQ(root.children[1].text, root.children[0].text);
+  EXPECT_EQ(root.children[1].frame.width, 2 * root.children[0].frame.width);
 }
 
 TEST(TextLayout, DefaultColourIsThePrimaryOfTheScheme) {
