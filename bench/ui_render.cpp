@@ -53,4 +53,31 @@ void BM_MediumCardLayoutWarm(benchmark::State& state) {
 }
 BENCHMARK(BM_MediumCardLayoutWarm)->Unit(benchmark::kMicrosecond);
 
+// Passes every request on to the shared measurer, counting them.
+class CountingMeasurer final : public ui::TextMeasurer {
+ public:
+  ui::TextMetrics measure(std::string_view text, const ui::Font& font, double tracking,
+                          double maxWidth) override {
+    ++calls;
+    return ui::PangoTextMeasurer::shared().measure(text, font, tracking, maxWidth);
+  }
+  ui::TextMetrics measureSymbol(std::string_view name, const ui::Font& font) override {
+    ++calls;
+    return ui::PangoTextMeasurer::shared().measureSymbol(name, font);
+  }
+  long calls = 0;  // requests since construction
+};
+
+// How many measurements one layout asks for: each is a cache look-up once warm.
+void BM_MediumCardLayoutMeasureCalls(benchmark::State& state) {
+  CountingMeasurer measurer;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(
+        ui::layoutWidget("bench", testing::sampleCard(environment), environment, measurer, 2));
+  }
+  state.counters["measures_per_layout"] =
+      static_cast<double>(measurer.calls) / static_cast<double>(state.iterations());
+}
+BENCHMARK(BM_MediumCardLayoutMeasureCalls)->Unit(benchmark::kMicrosecond);
+
 }  // namespace
