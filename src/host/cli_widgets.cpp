@@ -16,12 +16,15 @@ const WidgetConfiguration& widgetNamed(std::string_view kind) {
   if (const WidgetConfiguration* widget = findWidget(widgets(), kind)) {
     return *widget;
   }
+  throw UsageError("unknown widget kind \"" + std::string(kind) + "\"; " + validKinds());
+}
+
+std::string validKinds() {
   std::string valid;
   for (const WidgetConfiguration& widget : widgets()) {
     valid += (valid.empty() ? "" : ", ") + widget.shortKind();
   }
-  throw UsageError("unknown widget kind \"" + std::string(kind) + "\"; valid kinds: " + valid +
-                   " (or the full kind, e.g. " + widgets().front().kind + ")");
+  return "valid kinds: " + valid + " (or the full kind, e.g. " + widgets().front().kind + ")";
 }
 
 std::string_view familyWord(ui::WidgetFamily family) {

@@ -18,6 +18,9 @@ const std::vector<WidgetConfiguration>& widgets();
 // otherwise.
 const WidgetConfiguration& widgetNamed(std::string_view kind);
 
+// "valid kinds: memory, awake, … (or the full kind, …)", for usage errors.
+std::string validKinds();
+
 // "small" / "medium" as the command line writes families.
 std::string_view familyWord(ui::WidgetFamily family);
 

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "host/cli_commands.hpp"
+#include "host/cli_widgets.hpp"
 #ifdef KORVO_DESKTOP_HOST
 #include "host/run_command.hpp"
 #endif
@@ -66,8 +67,12 @@ int main(int argc, char** argv) {
               << '\n';
     return korvo::cli::exitUsage;
   } catch (const CLI::RequiredError& error) {
-    std::cerr << "korvo-widgets: " << firstLine(error.what()) << "; valid: " << validNames(app)
-              << '\n';
+    const std::string problem = firstLine(error.what());
+    // A missing widget kind is answered with the kinds, anything else with the options.
+    const std::string valid = problem.find("KIND") != std::string::npos
+                                  ? korvo::cli::validKinds()
+                                  : "valid: " + validNames(app);
+    std::cerr << "korvo-widgets: " << problem << "; " << valid << '\n';
     return korvo::cli::exitUsage;
   } catch (const CLI::ParseError& error) {
     std::cerr << "korvo-widgets: " << firstLine(error.what()) << '\n';

@@ -334,6 +334,8 @@ TEST_F(Cli, UsageErrorsExitWith2AndOneLineNamingTheValidValues) {
   const UsageCase cases[] = {
       {{"render", "battery"}, {"memory", "awake", "usage", "temperature"}},
       {{"timeline", "Memory"}, {"memory", "awake", "usage", "temperature"}},
+      {{"timeline"}, {"memory", "awake", "usage", "temperature"}},
+      {{"render"}, {"memory", "awake", "usage", "temperature"}},
       {{"render", "awake", "--family", "medium"}, {"small"}},
       {{"render", "temperature", "--family", "medium"}, {"small"}},
       {{"render", "memory", "--family", "large"}, {"small", "medium"}},
