@@ -2,6 +2,7 @@
 # library so the headless commands never load GTK.
 add_library(korvo_desktop STATIC
   host_accessibility.cpp
+  host_card_shape.cpp
   host_appearance.cpp
   host_desktop.cpp
   host_notification.cpp

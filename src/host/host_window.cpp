@@ -6,6 +6,7 @@
 
 #include "base/clock.hpp"
 #include "host/host_accessibility.hpp"
+#include "host/host_card_shape.hpp"
 #include "host/host_schedule.hpp"
 #include "host/host_url_opener.hpp"
 #include "ui/painter.hpp"
@@ -47,6 +48,10 @@ void onStyleUpdated(GtkWidget*, gpointer window) {
 
 void onScaleFactor(GObject*, GParamSpec*, gpointer window) {
   self(window).appearanceChanged();
+}
+
+void onCompositedChanged(GdkScreen*, gpointer window) {
+  self(window).applyCardShape();
 }
 
 gboolean onTimelineDue(gpointer window) {
@@ -132,6 +137,9 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
   g_signal_connect(window_, "unmap-event", G_CALLBACK(onUnmap), this);
   g_signal_connect(window_, "style-updated", G_CALLBACK(onStyleUpdated), this);
   g_signal_connect(window_, "notify::scale-factor", G_CALLBACK(onScaleFactor), this);
+  g_signal_connect(gtk_widget_get_screen(window_), "composited-changed",
+                   G_CALLBACK(onCompositedChanged), this);
+  applyCardShape();
   requestTimeline();
 }
 
@@ -139,6 +147,7 @@ WidgetWindow::~WidgetWindow() {
   cancel(timelineTimer_);
   cancel(liveTimer_);
   g_signal_handlers_disconnect_by_data(window_, this);
+  g_signal_handlers_disconnect_by_data(gtk_widget_get_screen(window_), this);
   gtk_widget_destroy(window_);
 }
 
@@ -156,6 +165,15 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea) {
                     static_cast<int>(std::lround(origin.y)));
   }
   gtk_widget_show(window_);
+}
+
+void WidgetWindow::applyCardShape() {
+  cairo_region_t* card = cardRegion(logicalSize(), ui::widgetCornerRadius * options_.scale);
+  gtk_widget_input_shape_combine_region(window_, card);
+  // Without a compositor the transparent corners would show black: cut them off instead.
+  const bool composited = gdk_screen_is_composited(gtk_widget_get_screen(window_)) != FALSE;
+  gtk_widget_shape_combine_region(window_, composited ? nullptr : card);
+  cairo_region_destroy(card);
 }
 
 void WidgetWindow::appearanceChanged() {

@@ -33,6 +33,8 @@ class WidgetWindow {
   void place(ui::Point origin, ui::Rect workArea);
   // The desktop's colours or scheme changed: lay out and paint again.
   void appearanceChanged();
+  // Clicks and, without a compositor, the window itself follow the card's rounded corners.
+  void applyCardShape();
   // Writes the laid-out tree to the dump directory, when there is one.
   void dump();
 

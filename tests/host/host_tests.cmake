@@ -5,6 +5,7 @@ if(TARGET korvo_desktop)
     SOURCES
       host_accessibility_test.cpp
       host_appearance_test.cpp
+      host_card_shape_test.cpp
       host_placement_file_test.cpp
       host_placement_test.cpp
       host_schedule_test.cpp
