@@ -4,7 +4,6 @@
 
 #include <ctime>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <sstream>
 
 #include "host_desktop_harness.hpp"
@@ -57,9 +56,10 @@ bool contains(const std::vector<std::string>& texts, const std::string& wanted) 
 // The clock moments (seconds since 2001) of the host's timeline requests for `kind`.
 std::vector<double> requestMoments(const std::string& log, const std::string& kind) {
   std::vector<double> moments;
-  const std::regex line("timeline request for " + kind + " at (-?[0-9.e+]+)");
-  for (std::sregex_iterator match(log.begin(), log.end(), line), end; match != end; ++match) {
-    moments.push_back(std::stod((*match)[1]));
+  const std::string prefix = "timeline request for " + kind + " at ";
+  for (auto found = log.find(prefix); found != std::string::npos;
+       found = log.find(prefix, found + prefix.size())) {
+    moments.push_back(std::stod(log.substr(found + prefix.size())));
   }
   return moments;
 }
