@@ -24,9 +24,16 @@ std::vector<char*> pointers(std::vector<std::string>& strings) {
   return result;
 }
 
+// The given variables, plus the sanitizer build's settings (leak suppressions included), which
+// every child must see to judge itself as the tests do.
 std::vector<std::string> flatten(const Environment& environment) {
   std::vector<std::string> result;
   for (const auto& [name, value] : environment) result.push_back(name + "=" + value);
+  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+    if (const char* value = ::getenv(name); value != nullptr && !environment.contains(name)) {
+      result.push_back(std::string(name) + "=" + value);
+    }
+  }
   return result;
 }
 
