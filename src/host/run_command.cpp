@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <memory>
 
 #include "base/clock.hpp"
@@ -91,21 +90,15 @@ void addRunCommand(CLI::App& app) {
                       "more. Replaces the placements file.");
   command->add_option("--placements", arguments->placementsFile,
                       "Read and watch this placements file instead of the user's.");
-  command
-      ->add_option("--appearance", arguments->options.appearance,
-                   "light or dark instead of following the desktop.")
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, ui::ColorScheme>{{"light", ui::ColorScheme::light},
-                                                 {"dark", ui::ColorScheme::dark}},
-          CLI::ignore_case));
-  command
-      ->add_option("--rendering", arguments->options.renderingMode,
-                   "Rendering mode: full-color, or accented (accent group tinted, the rest white).")
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, ui::RenderingMode>{{"full-color", ui::RenderingMode::fullColor},
-                                                   {"accented", ui::RenderingMode::accented}},
-          CLI::ignore_case))
-      ->default_str("full-color");
+  cli::addChoice<std::optional<ui::ColorScheme>>(
+      command, "--appearance", arguments->options.appearance,
+      {{"light", ui::ColorScheme::light}, {"dark", ui::ColorScheme::dark}},
+      "Colour scheme: light or dark instead of following the desktop.");
+  cli::addChoice<ui::RenderingMode>(
+      command, "--rendering", arguments->options.renderingMode,
+      {{"full-color", ui::RenderingMode::fullColor}, {"accented", ui::RenderingMode::accented}},
+      "Rendering mode: full-color (the default), or accented (accent group tinted, the rest "
+      "white).");
   command->add_option("--accent", arguments->accent,
                       "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_option("--scale", arguments->options.scale,
