@@ -19,7 +19,7 @@ void layoutAndPaint(ui::TextMeasurer& measurer) {
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 728, 340);
   cairo_t* cr = cairo_create(surface);
   cairo_scale(cr, 2, 2);
-  ui::paintWidget(cr, widget, {.scale = 2});
+  ui::paintWidget(cr, widget);
   cairo_destroy(cr);
   cairo_surface_flush(surface);
   benchmark::DoNotOptimize(cairo_image_surface_get_data(surface));

@@ -65,7 +65,7 @@ void renderWidget(benchmark::State& state, ui::WidgetFamily family, const ViewBu
         ui::layoutWidget("bench", build(environment), environment, measurer, scale);
     cairo_t* cr = cairo_create(surface);
     cairo_scale(cr, scale, scale);
-    ui::paintWidget(cr, widget, {.scale = scale});
+    ui::paintWidget(cr, widget);
     cairo_destroy(cr);
     cairo_surface_flush(surface);
   };

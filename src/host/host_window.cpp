@@ -219,7 +219,7 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
   if (!layout_) return TRUE;
   cairo_save(cr);
   cairo_scale(cr, options_.scale, options_.scale);
-  ui::paintWidget(cr, *layout_, {deviceScale()});
+  ui::paintWidget(cr, *layout_);
   cairo_restore(cr);
   return TRUE;
 }

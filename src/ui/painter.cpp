@@ -134,8 +134,7 @@ cairo_status_t appendBytes(void* closure, const unsigned char* data, unsigned in
 
 }  // namespace
 
-void paintWidget(cairo_t* cr, const WidgetLayout& widget, const PaintOptions& options) {
-  (void)options;
+void paintWidget(cairo_t* cr, const WidgetLayout& widget) {
   cairo_save(cr);
   roundedRectPath(cr, {0, 0, widget.size.width, widget.size.height}, widgetCornerRadius);
   cairo_clip(cr);
@@ -154,7 +153,7 @@ std::string renderPNG(const WidgetLayout& widget, const PaintOptions& options) {
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
   cairo_t* cr = cairo_create(surface);
   cairo_scale(cr, options.scale, options.scale);
-  paintWidget(cr, widget, options);
+  paintWidget(cr, widget);
   cairo_destroy(cr);
   std::string bytes;
   if (cairo_surface_write_to_png_stream(surface, appendBytes, &bytes) != CAIRO_STATUS_SUCCESS) {
@@ -170,7 +169,7 @@ std::string renderSVG(const WidgetLayout& widget, const PaintOptions& options) {
       appendBytes, &bytes, widget.size.width * options.scale, widget.size.height * options.scale);
   cairo_t* cr = cairo_create(surface);
   cairo_scale(cr, options.scale, options.scale);
-  paintWidget(cr, widget, options);
+  paintWidget(cr, widget);
   cairo_destroy(cr);
   cairo_surface_finish(surface);
   if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) bytes.clear();

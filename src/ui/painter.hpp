@@ -15,9 +15,9 @@ struct PaintOptions {
 };
 
 // Paints the card (clipped to its rounded rectangle) onto `cr` at the context's current origin.
-// The context's transformation must already map points to device pixels; `options.scale` only
-// tells the text backend which pixel grid to hint for.
-void paintWidget(cairo_t* cr, const WidgetLayout& widget, const PaintOptions& options);
+// The context's transformation must already map points to device pixels; text is drawn unhinted,
+// so it is sharp at whatever scale that transformation sets.
+void paintWidget(cairo_t* cr, const WidgetLayout& widget);
 
 // The card as PNG bytes, width × scale by height × scale pixels (rounded up); nothing on failure.
 std::string renderPNG(const WidgetLayout& widget, const PaintOptions& options);

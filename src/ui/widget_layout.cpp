@@ -44,7 +44,6 @@ WidgetLayout layoutWidget(std::string kind, const View& view, const Environment&
   WidgetLayout widget;
   widget.kind = std::move(kind);
   widget.family = environment.family;
-  widget.renderingMode = environment.renderingMode;
   widget.size = size;
   widget.url = engine.widgetURL().value_or("");
   widget.root = LayoutNode{.kind = "container", .frame = {0, 0, size.width, size.height}};

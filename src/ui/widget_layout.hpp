@@ -19,8 +19,7 @@ inline constexpr double widgetContentMargin = 16;
 struct WidgetLayout {
   std::string kind{};  // the widget kind, e.g. "com.tessmoor.Korvo.memory"
   WidgetFamily family = WidgetFamily::systemSmall;
-  RenderingMode renderingMode = RenderingMode::fullColor;  // the painter tints accordingly
-  Size size{};                                             // points, the family's size
+  Size size{};        // points, the family's size
   std::string url{};  // the widget URL, empty when the view sets none
   // Kind "container", frame = the card. When the host supplies the container background its
   // children are the container background (filling the card) then the content (inset by the
