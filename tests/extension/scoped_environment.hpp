@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/temporary_directory.hpp"
+
 namespace korvo::testing {
 
 // Sets and unsets environment variables for one test and puts the old values back afterwards.
@@ -47,28 +49,7 @@ class ScopedEnvironment {
 };
 
 // A throw-away directory.
-class TempDir {
- public:
-  TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "korvo-ext-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-  }
-  ~TempDir() { std::filesystem::remove_all(path_); }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
-  std::filesystem::path write(const std::string& relative, std::string_view bytes) const {
-    const auto file = path_ / relative;
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << bytes;
-    return file;
-  }
-
- private:
-  std::filesystem::path path_;
-};
+using TempDir = testing_support::TemporaryDirectory;
 
 inline std::string readFile(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);

@@ -10,6 +10,8 @@
 #include <optional>
 #include <string>
 
+#include "support/temporary_directory.hpp"
+
 namespace korvo::testing_support {
 
 // Pins the texts to US English in UTC, whatever the machine's settings.
@@ -18,25 +20,6 @@ inline void useEnglishInUtc() {
   icu::Locale::setDefault(icu::Locale("en_US"), status);
   icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("UTC"));
 }
-
-// A fresh directory under the system's temporary directory, removed with everything in it.
-class TemporaryDirectory {
- public:
-  TemporaryDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "korvo-shared-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-  }
-  TemporaryDirectory(const TemporaryDirectory&) = delete;
-  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-  ~TemporaryDirectory() {
-    std::error_code error;
-    std::filesystem::remove_all(path_, error);
-  }
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
 
 // Sets (or with nullopt unsets) an environment variable for the lifetime of the object.
 class ScopedEnvironment {
