@@ -99,10 +99,7 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
       "Render one widget headless, as the desktop would show it, to PNG, SVG, or its "
       "laid-out view tree (JSON or an indented outline).");
   auto options = std::make_shared<RenderOptions>();
-  command
-      ->add_option("KIND", options->kind,
-                   "Widget kind, full (com.tessmoor.Korvo.memory) or its last word (memory).")
-      ->required();
+  addKindArgument(command, options->kind);
   addChoice<ui::WidgetFamily>(
       command, "--family", options->family,
       {{"small", ui::WidgetFamily::systemSmall}, {"medium", ui::WidgetFamily::systemMedium}},

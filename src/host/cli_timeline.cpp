@@ -40,10 +40,7 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
       "Ask a widget's provider for its placeholder, snapshot and timeline, and print the entries "
       "and the reload policy.");
   auto options = std::make_shared<TimelineOptions>();
-  command
-      ->add_option("KIND", options->kind,
-                   "Widget kind, full (com.tessmoor.Korvo.memory) or its last word (memory).")
-      ->required();
+  addKindArgument(command, options->kind);
   command->add_flag("--preview", options->preview,
                     "Ask for the snapshot as the widget gallery does (sample data).");
   command->add_flag("--json", options->json,

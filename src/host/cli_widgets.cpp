@@ -19,6 +19,13 @@ const WidgetConfiguration& widgetNamed(std::string_view kind) {
   throw UsageError("unknown widget kind \"" + std::string(kind) + "\"; " + validKinds());
 }
 
+void addKindArgument(CLI::App* command, std::string& kind) {
+  command
+      ->add_option("KIND", kind,
+                   "Widget kind, full (com.tessmoor.Korvo.memory) or its last word (memory).")
+      ->required();
+}
+
 std::string validKinds() {
   std::string valid;
   for (const WidgetConfiguration& widget : widgets()) {

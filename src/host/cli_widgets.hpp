@@ -21,6 +21,9 @@ const WidgetConfiguration& widgetNamed(std::string_view kind);
 // "valid kinds: memory, awake, … (or the full kind, …)", for usage errors.
 std::string validKinds();
 
+// The required KIND argument: a full kind or its last word.
+void addKindArgument(CLI::App* command, std::string& kind);
+
 // "small" / "medium" as the command line writes families.
 std::string_view familyWord(ui::WidgetFamily family);
 
