@@ -64,33 +64,33 @@ TEST(SystemSamplerTest, MissingMeminfoIsNoReading) {
   EXPECT_EQ(sampler.readMemory(), std::nullopt);
 }
 
-TEST(SystemSamplerTest, EmptyMeminfoIsNoReading) {
+std::string replacing(std::string_view text, std::string_view from, std::string_view to) {
+  std::string result(text);
+  result.replace(result.find(from), from.size(), to);
+  return result;
+}
+
+struct BrokenMeminfo {
+  const char* name;
+  std::string text;
+};
+
+class BrokenMeminfoTest : public ::testing::TestWithParam<BrokenMeminfo> {};
+
+TEST_P(BrokenMeminfoTest, IsNoReading) {
   TempRoot root;
-  root.write("proc/meminfo", "");
+  root.write("proc/meminfo", GetParam().text);
   EXPECT_EQ(SystemSampler(root.path(), 4096).readMemory(), std::nullopt);
 }
 
-TEST(SystemSamplerTest, MissingRequiredLineIsNoReading) {
-  TempRoot root;
-  root.write("proc/meminfo", without(meminfo, "Unevictable"));
-  EXPECT_EQ(SystemSampler(root.path(), 4096).readMemory(), std::nullopt);
-}
-
-TEST(SystemSamplerTest, NonNumberIsNoReading) {
-  TempRoot root;
-  std::string text(meminfo);
-  text.replace(text.find("1200 kB"), 4, "12OO");
-  root.write("proc/meminfo", text);
-  EXPECT_EQ(SystemSampler(root.path(), 4096).readMemory(), std::nullopt);
-}
-
-TEST(SystemSamplerTest, ByteCountBeyondSixtyFourBitsIsNoReading) {
-  TempRoot root;
-  std::string text(meminfo);
-  text.replace(text.find("400 kB"), 3, "18014398509481984");
-  root.write("proc/meminfo", text);
-  EXPECT_EQ(SystemSampler(root.path(), 4096).readMemory(), std::nullopt);
-}
+INSTANTIATE_TEST_SUITE_P(
+    SystemSamplerTest, BrokenMeminfoTest,
+    ::testing::Values(BrokenMeminfo{"Empty", ""},
+                      BrokenMeminfo{"MissingRequiredLine", without(meminfo, "Unevictable")},
+                      BrokenMeminfo{"NonNumber", replacing(meminfo, "1200 kB", "12OO kB")},
+                      BrokenMeminfo{"ByteCountBeyondSixtyFourBits",
+                                    replacing(meminfo, "400 kB", "18014398509481984 kB")}),
+    [](const ::testing::TestParamInfo<BrokenMeminfo>& info) { return info.param.name; });
 
 TEST(SystemSamplerTest, MeminfoVanishingAfterConstructionIsNoReading) {
   TempRoot root;
