@@ -8,7 +8,7 @@
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-binary=${1:-${KORVO_BINARY:-$root/build/release/src/host/korvo-widgets}}
+binary=${1:-${KORVO_BINARY:-$root/build/release/src/cli/korvo-widgets}}
 seconds=${2:-60}
 [[ -x $binary ]] || { echo "host_reload_memory: no korvo-widgets at $binary" >&2; exit 1; }
 

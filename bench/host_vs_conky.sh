@@ -8,7 +8,7 @@
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-binary=${1:-${KORVO_BINARY:-$root/build/release/src/host/korvo-widgets}}
+binary=${1:-${KORVO_BINARY:-$root/build/release/src/cli/korvo-widgets}}
 seconds=${2:-60}
 settle=5
 [[ -x $binary ]] || { echo "host_vs_conky: no korvo-widgets at $binary (build the release preset)" >&2; exit 1; }

@@ -4,7 +4,7 @@
 #   bench/render_process.sh [BINARY]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-binary="${1:-build/release/src/host/korvo-widgets}"
+binary="${1:-build/release/src/cli/korvo-widgets}"
 if [ ! -x "$binary" ]; then
   scripts/build release >/dev/null
 fi

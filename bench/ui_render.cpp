@@ -2,8 +2,9 @@
 #include <cairo.h>
 
 #include "sample_card.hpp"
-#include "ui/painter.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "render/image_output.hpp"
+#include "render/painter.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace {
@@ -19,7 +20,7 @@ void layoutAndPaint(ui::TextMeasurer& measurer) {
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 728, 340);
   cairo_t* cr = cairo_create(surface);
   cairo_scale(cr, 2, 2);
-  ui::paintWidget(cr, widget);
+  render::paintWidget(cr, widget);
   cairo_destroy(cr);
   cairo_surface_flush(surface);
   benchmark::DoNotOptimize(cairo_image_surface_get_data(surface));
@@ -29,7 +30,7 @@ void layoutAndPaint(ui::TextMeasurer& measurer) {
 // The first frame of the process: fontconfig, the font files and an empty measurement cache.
 void BM_MediumCardColdFirstFrame(benchmark::State& state) {
   for (auto _ : state) {
-    ui::PangoTextMeasurer measurer;
+    render::PangoTextMeasurer measurer;
     layoutAndPaint(measurer);
   }
 }
@@ -37,7 +38,7 @@ BENCHMARK(BM_MediumCardColdFirstFrame)->Iterations(1)->Unit(benchmark::kMillisec
 
 // Every later frame: fonts loaded and measurements cached, as in the desktop host's redraws.
 void BM_MediumCardWarm(benchmark::State& state) {
-  ui::PangoTextMeasurer& measurer = ui::PangoTextMeasurer::shared();
+  render::PangoTextMeasurer& measurer = render::PangoTextMeasurer::shared();
   layoutAndPaint(measurer);
   for (auto _ : state) layoutAndPaint(measurer);
 }
@@ -45,7 +46,7 @@ BENCHMARK(BM_MediumCardWarm)->Unit(benchmark::kMicrosecond);
 
 // Layout alone, warm, for the share layout takes of a frame.
 void BM_MediumCardLayoutWarm(benchmark::State& state) {
-  ui::PangoTextMeasurer& measurer = ui::PangoTextMeasurer::shared();
+  render::PangoTextMeasurer& measurer = render::PangoTextMeasurer::shared();
   for (auto _ : state) {
     benchmark::DoNotOptimize(
         ui::layoutWidget("bench", testing::sampleCard(environment), environment, measurer, 2));
@@ -59,11 +60,11 @@ class CountingMeasurer final : public ui::TextMeasurer {
   ui::TextMetrics measure(std::string_view text, const ui::Font& font, double tracking,
                           double maxWidth) override {
     ++calls;
-    return ui::PangoTextMeasurer::shared().measure(text, font, tracking, maxWidth);
+    return render::PangoTextMeasurer::shared().measure(text, font, tracking, maxWidth);
   }
   ui::TextMetrics measureSymbol(std::string_view name, const ui::Font& font) override {
     ++calls;
-    return ui::PangoTextMeasurer::shared().measureSymbol(name, font);
+    return render::PangoTextMeasurer::shared().measureSymbol(name, font);
   }
   long calls = 0;  // requests since construction
 };

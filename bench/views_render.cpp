@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "base/clock.hpp"
-#include "extension/entries/memory_entry.hpp"
-#include "extension/entries/monitor_entry.hpp"
-#include "ui/painter.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "model/memory_entry.hpp"
+#include "model/monitor_entry.hpp"
+#include "render/image_output.hpp"
+#include "render/painter.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 #include "views/awake/awake_shortcut_view.hpp"
 #include "views/memory/memory_widget_view.hpp"
@@ -55,7 +56,7 @@ void renderWidget(benchmark::State& state, ui::WidgetFamily family, const ViewBu
   ui::Environment environment;
   environment.family = family;
   environment.now = now;
-  ui::TextMeasurer& measurer = ui::PangoTextMeasurer::shared();
+  ui::TextMeasurer& measurer = render::PangoTextMeasurer::shared();
   const ui::Size size = ui::familySize(family);
   cairo_surface_t* surface = cairo_image_surface_create(
       CAIRO_FORMAT_ARGB32, static_cast<int>(std::ceil(size.width * scale)),
@@ -65,7 +66,7 @@ void renderWidget(benchmark::State& state, ui::WidgetFamily family, const ViewBu
         ui::layoutWidget("bench", build(environment), environment, measurer, scale);
     cairo_t* cr = cairo_create(surface);
     cairo_scale(cr, scale, scale);
-    ui::paintWidget(cr, widget);
+    render::paintWidget(cr, widget);
     cairo_destroy(cr);
     cairo_surface_flush(surface);
   };

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/date.hpp"
-#include "extension/timeline.hpp"
+#include "model/timeline.hpp"
 #include "ui/environment.hpp"
 #include "ui/view.hpp"
 

@@ -4,20 +4,20 @@
 
 namespace korvo {
 
-MemoryEntry AwakeShortcutProvider::placeholder(const TimelineContext&) const {
-  return MemoryEntry{.date = clock::now(), .memory = std::nullopt};
+AwakeEntry AwakeShortcutProvider::placeholder(const TimelineContext&) const {
+  return AwakeEntry{.date = clock::now()};
 }
 
 void AwakeShortcutProvider::getSnapshot(const TimelineContext& context,
-                                        const std::function<void(MemoryEntry)>& completion) const {
+                                        const std::function<void(AwakeEntry)>& completion) const {
   completion(placeholder(context));
 }
 
 void AwakeShortcutProvider::getTimeline(
     const TimelineContext& context,
-    const std::function<void(Timeline<MemoryEntry>)>& completion) const {
+    const std::function<void(Timeline<AwakeEntry>)>& completion) const {
   completion(
-      Timeline<MemoryEntry>{.entries = {placeholder(context)}, .policy = ReloadPolicy::never()});
+      Timeline<AwakeEntry>{.entries = {placeholder(context)}, .policy = ReloadPolicy::never()});
 }
 
 }  // namespace korvo

@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "extension/entries/memory_entry.hpp"
-#include "extension/timeline.hpp"
+#include "model/memory_entry.hpp"
+#include "model/timeline.hpp"
 #include "extension/timeline_context.hpp"
 
 namespace korvo {

@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "extension/entries/monitor_entry.hpp"
-#include "extension/timeline.hpp"
+#include "model/monitor_entry.hpp"
+#include "model/timeline.hpp"
 #include "extension/timeline_context.hpp"
 
 namespace korvo {

@@ -1,6 +1,6 @@
 #include "extension/widget_content.hpp"
 
-#include "extension/entry_json.hpp"
+#include "model/entry_json.hpp"
 #include "views/awake/awake_shortcut_view.hpp"
 #include "views/memory/memory_widget_view.hpp"
 #include "views/monitor/monitor_widget_view.hpp"
@@ -16,7 +16,7 @@ AnyEntry memory(const MemoryEntry& entry) {
                       }};
 }
 
-AnyEntry awakeShortcut(const MemoryEntry& entry) {
+AnyEntry awakeShortcut(const AwakeEntry& entry) {
   return AnyEntry{
       .date = entry.date,
       .toJson = [entry] { return entryJSON(entry); },

@@ -8,6 +8,13 @@
 
 namespace korvo {
 
+std::optional<DeepLinkRoute> deepLinkRoute(std::string_view word) {
+  for (const DeepLinkRoute& route : deepLinkRoutes) {
+    if (route.word == word) return route;
+  }
+  return std::nullopt;
+}
+
 Url deepLinkURL(std::string_view route) {
   std::string text(AppIdentity::urlScheme);
   text += "://";

@@ -1,16 +1,11 @@
 #include "shared/json_writer.hpp"
 
-#include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <nlohmann/json.hpp>
 
+#include "base/json_number.hpp"
+
 namespace korvo {
-namespace {
-
-constexpr double twoToThe53 = 9007199254740992.0;
-
-}  // namespace
 
 void JsonWriter::beginValue() {
   if (afterKey_) {
@@ -59,14 +54,7 @@ void JsonWriter::number(double value) {
     failed_ = true;
     return;
   }
-  char buffer[32];
-  std::to_chars_result result{};
-  if (std::trunc(value) == value && std::fabs(value) < twoToThe53) {
-    result = std::to_chars(buffer, buffer + sizeof buffer, static_cast<std::int64_t>(value));
-  } else {
-    result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  }
-  out_.append(buffer, result.ptr);
+  appendJsonNumber(out_, value);
 }
 
 void JsonWriter::boolean(bool value) {

@@ -20,16 +20,6 @@ Size familySize(WidgetFamily family) {
   return {170, 170};
 }
 
-std::string_view familyName(WidgetFamily family) {
-  switch (family) {
-    case WidgetFamily::systemSmall:
-      return "systemSmall";
-    case WidgetFamily::systemMedium:
-      return "systemMedium";
-  }
-  return "systemSmall";
-}
-
 Palette Environment::palette() const {
   const bool dark = colorScheme == ColorScheme::dark;
   Palette palette;

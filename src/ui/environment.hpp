@@ -18,8 +18,6 @@ enum class ColorScheme { light, dark };
 
 // The widget's size in points: small 170×170, medium 364×170.
 Size familySize(WidgetFamily family);
-// "systemSmall" / "systemMedium".
-std::string_view familyName(WidgetFamily family);
 
 // Colours the desktop theme supplies; absent ones fall back to the built-in light/dark values.
 struct Theme {

@@ -104,11 +104,11 @@ LayoutEngine::Measured LayoutEngine::measure(const View& view, int context, Prop
 }
 
 std::optional<double> LayoutEngine::textBaseline(const LayoutNode& node) {
-  if (node.kind == "text" || node.kind == "relativeDate" || node.kind == "label") {
+  if (node.kind == NodeKind::text || node.kind == NodeKind::relativeDate || node.kind == NodeKind::label) {
     return node.frame.y + node.baseline;
   }
   for (std::size_t i = 0; i < node.children.size(); ++i) {
-    if (node.kind == "background" && i == 0) continue;
+    if (node.kind == NodeKind::background && i == 0) continue;
     if (const auto baseline = textBaseline(node.children[i])) return baseline;
   }
   return std::nullopt;
@@ -162,11 +162,11 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
 
   return std::visit(
       Overloaded{
-          [&](const Empty&) { return LayoutNode{.kind = "empty"}; },
+          [&](const Empty&) { return LayoutNode{.kind = NodeKind::empty}; },
           [&](const Stack& stack) { return placeStack(stack, contextIndex, proposal); },
-          [&](const Text& text) { return placeText("text", text.content, context, width, height); },
+          [&](const Text& text) { return placeText(NodeKind::text, text.content, context, width, height); },
           [&](const RelativeDate& date) {
-            LayoutNode node = placeText("relativeDate", relativeText(&view.node(), date.date),
+            LayoutNode node = placeText(NodeKind::relativeDate, relativeText(&view.node(), date.date),
                                         context, width, height);
             node.relativeTo = date.date;
             return node;
@@ -174,17 +174,18 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
           [&](const Symbol& symbol) {
             const Font font = resolvedFont(context);
             const TextMetrics metrics = measurer_.measureSymbol(symbol.name, font);
-            LayoutNode node{.kind = "symbol", .frame = {0, 0, metrics.width, metrics.height}};
+            LayoutNode node{.kind = NodeKind::symbol, .frame = {0, 0, metrics.width, metrics.height}};
             node.symbol = symbol.name;
             node.font = font;
             node.color = context.color;
             node.baseline = metrics.baseline;
+            node.symbolHeight = metrics.height;
             return node;
           },
           [&](const Label& label) { return placeLabel(label, context, width, height); },
           [&](const Spacer& spacer) {
             const double length = spacer.minLength.value_or(defaultSpacerLength);
-            LayoutNode node{.kind = "spacer"};
+            LayoutNode node{.kind = NodeKind::spacer};
             if (context.axis == StackAxis::horizontal) {
               node.frame.width = std::max(length, width.value_or(length));
             } else if (context.axis == StackAxis::vertical) {
@@ -196,7 +197,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
             return node;
           },
           [&](const Divider&) {
-            LayoutNode node{.kind = "divider", .color = palette_.separator};
+            LayoutNode node{.kind = NodeKind::divider, .color = palette_.separator};
             if (context.axis == StackAxis::horizontal) {
               node.frame = {0, 0, dividerThickness, height.value_or(dividerThickness)};
             } else {
@@ -205,7 +206,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
             return node;
           },
           [&](const Shape& shape) {
-            LayoutNode node{.kind = "shape",
+            LayoutNode node{.kind = NodeKind::shape,
                             .frame = {0, 0, width.value_or(idealShapeLength),
                                       height.value_or(idealShapeLength)},
                             .color = shape.fill.value_or(context.color)};
@@ -214,7 +215,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
             return node;
           },
           [&](const LinearGradient& gradient) {
-            LayoutNode node{.kind = "gradient",
+            LayoutNode node{.kind = NodeKind::gradient,
                             .frame = {0, 0, width.value_or(idealShapeLength),
                                       height.value_or(idealShapeLength)}};
             node.stops = gradient.stops;
@@ -225,7 +226,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
           [&](const Meter& meter) { return placeMeter(meter, width); },
           [&](const Link& link) {
             LayoutNode child = place(link.content, contextIndex, proposal);
-            LayoutNode node{.kind = "link", .frame = {0, 0, child.frame.width, child.frame.height}};
+            LayoutNode node{.kind = NodeKind::link, .frame = {0, 0, child.frame.width, child.frame.height}};
             node.url = link.destination;
             node.children.push_back(std::move(child));
             return node;
@@ -241,7 +242,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
                                      {inner(proposal.width, insets.leading + insets.trailing),
                                       inner(proposal.height, insets.top + insets.bottom)});
             translate(child, insets.leading, insets.top);
-            LayoutNode node{.kind = "padding",
+            LayoutNode node{.kind = NodeKind::padding,
                             .frame = {0, 0, child.frame.width + insets.leading + insets.trailing,
                                       child.frame.height + insets.top + insets.bottom}};
             node.children.push_back(std::move(child));
@@ -256,7 +257,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
                                       {AxisProposal::exact(w), AxisProposal::exact(h)});
             translate(behind, alignOffset(background.alignment.horizontal, w, behind.frame.width),
                       alignOffset(background.alignment.vertical, h, behind.frame.height));
-            LayoutNode node{.kind = "background", .frame = {0, 0, w, h}};
+            LayoutNode node{.kind = NodeKind::background, .frame = {0, 0, w, h}};
             node.children.push_back(std::move(behind));
             node.children.push_back(std::move(content));
             return node;
@@ -296,7 +297,7 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
       view.node().value);
 }
 
-LayoutNode LayoutEngine::placeText(const char* kind, const std::string& content,
+LayoutNode LayoutEngine::placeText(NodeKind kind, const std::string& content,
                                    const Context& context, std::optional<double> width,
                                    std::optional<double> height) {
   const Font font = resolvedFont(context);
@@ -324,7 +325,7 @@ LayoutNode LayoutEngine::placeLabel(const Label& label, const Context& context,
   const TextFit fit = fitText(label.text, font, context.tracking, context.lineLimit,
                               context.minimumScaleFactor, textWidth, height, measurer_);
   const double textHeight = fit.size.height;
-  LayoutNode node{.kind = "label",
+  LayoutNode node{.kind = NodeKind::label,
                   .frame = {0, 0, iconSpace + fit.size.width, std::max(icon.height, textHeight)}};
   // Text and icon share a centre line; the baseline moves down with the text.
   const double textTop = (node.frame.height - textHeight) / 2;
@@ -336,6 +337,7 @@ LayoutNode LayoutEngine::placeLabel(const Label& label, const Context& context,
   node.tracking = context.tracking;
   node.baseline = textTop + fit.baseline;
   node.lines = fit.lines;
+  node.symbolHeight = icon.height;
   for (TextLine& line : node.lines) line.y += textTop;
   return node;
 }
@@ -347,11 +349,11 @@ double LayoutEngine::labelGap(const Font& font) {
 LayoutNode LayoutEngine::placeMeter(const Meter& meter, std::optional<double> width) {
   const double w = width.value_or(idealShapeLength);
   const double h = meter.height;
-  LayoutNode node{.kind = "meter", .frame = {0, 0, w, h}};
+  LayoutNode node{.kind = NodeKind::meter, .frame = {0, 0, w, h}};
   node.fraction = meter.fraction;
-  LayoutNode track{.kind = "shape", .frame = {0, 0, w, h}, .color = meter.track};
+  LayoutNode track{.kind = NodeKind::shape, .frame = {0, 0, w, h}, .color = meter.track};
   track.shape = ShapeKind::capsule;
-  LayoutNode fill{.kind = "shape",
+  LayoutNode fill{.kind = NodeKind::shape,
                   .frame = {0, 0, w * meterFillFactor(meter.fraction), h},
                   .color = meter.fill,
                   .accentable = meter.fillAccentable};
@@ -396,7 +398,7 @@ LayoutNode LayoutEngine::placeFrame(const Frame& frame, int contextIndex, Propos
                              sizing.maxHeight);
   translate(child, alignOffset(sizing.alignment.horizontal, w, child.frame.width),
             alignOffset(sizing.alignment.vertical, h, child.frame.height));
-  LayoutNode node{.kind = "frame", .frame = {0, 0, w, h}};
+  LayoutNode node{.kind = NodeKind::frame, .frame = {0, 0, w, h}};
   node.children.push_back(std::move(child));
   return node;
 }
@@ -431,9 +433,9 @@ LayoutNode LayoutEngine::placeStack(const Stack& stack, int contextIndex, Propos
   for (const View& child : stack.children) {
     if (!isEmpty(child)) children.push_back(&child);
   }
-  const char* kind = stack.axis == StackAxis::vertical     ? "vstack"
-                     : stack.axis == StackAxis::horizontal ? "hstack"
-                                                           : "zstack";
+  const NodeKind kind = stack.axis == StackAxis::vertical     ? NodeKind::vstack
+                       : stack.axis == StackAxis::horizontal ? NodeKind::hstack
+                                                             : NodeKind::zstack;
   LayoutNode node{.kind = kind};
 
   if (stack.axis == StackAxis::layered) {

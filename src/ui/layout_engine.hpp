@@ -70,7 +70,7 @@ class LayoutEngine {
   const std::string& relativeText(const Node* node, Date date);
   LayoutNode placeStack(const Stack& stack, int context, Proposal proposal);
   LayoutNode placeFrame(const Frame& frame, int context, Proposal proposal);
-  LayoutNode placeText(const char* kind, const std::string& content, const Context& context,
+  LayoutNode placeText(NodeKind kind, const std::string& content, const Context& context,
                        std::optional<double> width, std::optional<double> height);
   LayoutNode placeLabel(const Label& label, const Context& context, std::optional<double> width,
                         std::optional<double> height);

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/date.hpp"
@@ -20,12 +21,35 @@ struct TextLine {
   friend bool operator==(const TextLine&, const TextLine&) = default;
 };
 
+// What a laid-out node is, as the painter switches over it and the JSON tree names it.
+enum class NodeKind {
+  vstack,
+  hstack,
+  zstack,
+  text,
+  label,
+  symbol,
+  spacer,
+  divider,
+  shape,
+  gradient,
+  link,
+  relativeDate,
+  meter,
+  padding,
+  frame,
+  background,
+  container,
+  empty,
+};
+
+// "vstack", "relativeDate", …: the kind's name in the JSON tree and outlines.
+std::string_view nodeKindName(NodeKind kind);
+
 // A node of the layout result: where a view ended up and everything needed to draw it, resolved
 // (inherited fonts and colours applied). The view tree is never modified.
 struct LayoutNode {
-  // vstack, hstack, zstack, text, label, symbol, spacer, divider, shape, gradient, link,
-  // relativeDate, meter, padding, frame, background, container, empty.
-  std::string kind{};
+  NodeKind kind = NodeKind::empty;
   Rect frame{};  // points, relative to the widget's top-leading corner
   std::optional<std::string> text = std::nullopt;    // the full string, on the node that draws it
   std::optional<std::string> symbol = std::nullopt;  // the symbol name the view asked for
@@ -43,6 +67,7 @@ struct LayoutNode {
   double tracking = 0;            // texts: extra points between characters, before scaling
   double baseline = 0;            // texts: points from the frame's top to the first baseline
   std::vector<TextLine> lines{};  // texts and labels: what is drawn
+  double symbolHeight = 0;        // symbols and labels: points, the glyph's line height
   ShapeKind shape = ShapeKind::rectangle;         // shapes
   double cornerRadius = 0;                        // shapes: points
   std::vector<GradientStop> stops{};              // gradients

@@ -1,12 +1,14 @@
 #include "ui/tree_json.hpp"
 
+#include "ui/words.hpp"
+
 #include <cmath>
 
 namespace korvo::ui {
 
 nlohmann::ordered_json nodeJSON(const LayoutNode& node) {
   nlohmann::ordered_json json;
-  json["kind"] = node.kind;
+  json["kind"] = nodeKindName(node.kind);
   json["frame"] = {{"x", node.frame.x},
                    {"y", node.frame.y},
                    {"width", node.frame.width},

@@ -1,6 +1,7 @@
 #include "ui/tree_outline.hpp"
 
 #include "base/c_format.hpp"
+#include "ui/words.hpp"
 
 namespace korvo::ui {
 
@@ -8,7 +9,7 @@ namespace {
 
 void appendNode(std::string& out, const LayoutNode& node, int depth) {
   out.append(static_cast<std::size_t>(depth) * 2, ' ');
-  out += node.kind;
+  out += nodeKindName(node.kind);
   out += cFormat(" (%g,%g %gx%g)", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
   if (node.symbol) out.append(" [").append(*node.symbol).append("]");
   if (node.text) out.append(" \"").append(*node.text).append("\"");

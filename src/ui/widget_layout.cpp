@@ -46,7 +46,7 @@ WidgetLayout layoutWidget(std::string kind, const View& view, const Environment&
   widget.family = environment.family;
   widget.size = size;
   widget.url = engine.widgetURL().value_or("");
-  widget.root = LayoutNode{.kind = "container", .frame = {0, 0, size.width, size.height}};
+  widget.root = LayoutNode{.kind = NodeKind::container, .frame = {0, 0, size.width, size.height}};
   if (environment.hostSuppliesContainerBackground && engine.containerBackground()) {
     const auto& background = *engine.containerBackground();
     widget.root.children.push_back(engine.layoutInContext(

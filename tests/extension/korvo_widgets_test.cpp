@@ -6,10 +6,10 @@
 #include "extension/sample_data.hpp"
 #include "extension/widget_content.hpp"
 #include "sampling/system_sampler.hpp"
-#include "scoped_environment.hpp"
+#include "support/scoped_environment.hpp"
 #include "shared/app_identity.hpp"
 #include "shared/widget_snapshot_store.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 #include "views/awake/awake_shortcut_view.hpp"
 #include "views/memory/memory_widget_view.hpp"
@@ -152,13 +152,11 @@ TEST_F(WidgetViews, AwakeConfigurationRendersTheShortcutWhateverTheEntry) {
   EXPECT_EQ(entry.view(small), AwakeShortcutView{}.body(small));
 }
 
-TEST_F(WidgetViews, AwakeContentIsTheSameCardForAnyDateAndEvenWithAReading) {
-  const MemoryEntry bare{.date = now, .memory = std::nullopt};
-  const MemoryEntry carrying{.date = now.addingSeconds(86400 * 40),
-                             .memory = SampleData::memoryReading(now)};
+TEST_F(WidgetViews, AwakeContentIsTheSameCardForAnyDate) {
   const ui::View card = AwakeShortcutView{}.body(small);
-  EXPECT_EQ(WidgetContent::awakeShortcut(bare).view(small), card);
-  EXPECT_EQ(WidgetContent::awakeShortcut(carrying).view(small), card);
+  for (const Date date : {now, now.addingSeconds(86400 * 40), Date{-1e9}, Date{4e9}}) {
+    EXPECT_EQ(WidgetContent::awakeShortcut(AwakeEntry{date}).view(small), card);
+  }
 }
 
 // The usage and temperature widgets share the provider and the view; the flag is all that differs.
@@ -189,7 +187,7 @@ TEST_F(WidgetViews, UsageOpensUsageAndTemperatureOpensResources) {
   for (const auto& c : cases) {
     const AnyEntry entry = timelineEntry(c.widget, {});
     const ui::WidgetLayout laidOut =
-        ui::layoutWidget(c.widget.kind, entry.view(small), small, ui::PangoTextMeasurer::shared());
+        ui::layoutWidget(c.widget.kind, entry.view(small), small, render::PangoTextMeasurer::shared());
     EXPECT_EQ(laidOut.url, c.url) << c.widget.kind;
   }
 }

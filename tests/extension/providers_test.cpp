@@ -6,7 +6,7 @@
 #include "extension/monitor_provider.hpp"
 #include "extension/sample_data.hpp"
 #include "sampling/system_sampler.hpp"
-#include "scoped_environment.hpp"
+#include "support/scoped_environment.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
 namespace korvo {
@@ -119,7 +119,7 @@ TEST_F(NoMachine, MonitorPlaceholderIsTheSampleWithoutAContainer) {
 }
 
 TEST_F(NoMachine, AwakePlaceholderCarriesOnlyTheDate) {
-  EXPECT_EQ(AwakeShortcutProvider{}.placeholder({}), (MemoryEntry{.date = now, .memory = {}}));
+  EXPECT_EQ(AwakeShortcutProvider{}.placeholder({}), AwakeEntry{now});
 }
 
 TEST_F(NoMachine, MemorySnapshotOutsideTheGalleryIsAbsentWhenTheKernelRefuses) {
@@ -221,17 +221,17 @@ TEST_F(FixtureMachine, MonitorReadsTheContextsFileOverTheContainers) {
 }
 
 TEST_F(FixtureMachine, AwakeTimelineHoldsOneDateOnlyEntryAndNeverReloads) {
-  const auto timeline = timelineOf<MemoryEntry>(AwakeShortcutProvider{}, {});
+  const auto timeline = timelineOf<AwakeEntry>(AwakeShortcutProvider{}, {});
   ASSERT_EQ(timeline.entries.size(), 1u);
-  EXPECT_EQ(timeline.entries[0], (MemoryEntry{.date = now, .memory = std::nullopt}));
+  EXPECT_EQ(timeline.entries[0], AwakeEntry{now});
   EXPECT_EQ(timeline.policy, ReloadPolicy::never());
   EXPECT_FALSE(timeline.policy.date.has_value());
 }
 
 TEST_F(FixtureMachine, AwakeSnapshotIsDateOnlyInAndOutsideTheGallery) {
   for (const bool preview : {true, false}) {
-    const auto entry = snapshotOf<MemoryEntry>(AwakeShortcutProvider{}, {.isPreview = preview});
-    EXPECT_EQ(entry, (MemoryEntry{.date = now, .memory = std::nullopt})) << preview;
+    const auto entry = snapshotOf<AwakeEntry>(AwakeShortcutProvider{}, {.isPreview = preview});
+    EXPECT_EQ(entry, AwakeEntry{now}) << preview;
   }
 }
 

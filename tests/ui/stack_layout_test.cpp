@@ -23,7 +23,7 @@ TEST(StackLayout, NestedStacksSpaceAndAlignTheirChildren) {
       {text("abcd"),
        hstack(VerticalAlignment::center, 6, {text("ab"), text("abcdef").font(Font::system(20))})});
   const LayoutNode root = lay(view, atMost(200, 200));
-  EXPECT_EQ(root.kind, "vstack");
+  EXPECT_EQ(root.kind, ui::NodeKind::vstack);
   EXPECT_EQ(root.frame, (Rect{0, 0, 76, 40}));
   EXPECT_EQ(root.children[0].frame, (Rect{0, 0, 20, 12}));
   const LayoutNode& row = root.children[1];
@@ -115,7 +115,7 @@ TEST(FrameLayout, InfiniteMaximumFillsTheOfferAndAligns) {
       text("ab").frame(
           {.maxWidth = infinity, .maxHeight = infinity, .alignment = Alignment::bottomTrailing()}),
       {AxisProposal::exact(100), AxisProposal::exact(50)});
-  EXPECT_EQ(root.kind, "frame");
+  EXPECT_EQ(root.kind, ui::NodeKind::frame);
   EXPECT_EQ(root.frame, (Rect{0, 0, 100, 50}));
   EXPECT_EQ(root.children[0].frame, (Rect{90, 38, 10, 12}));
 }
@@ -135,7 +135,7 @@ TEST(FrameLayout, FixedSizeCentresItsContentByDefault) {
 TEST(PaddingLayout, InsetsGrowTheNodeAndMoveTheContent) {
   const LayoutNode root = lay(
       text("ab").padding({.top = 3, .leading = 4, .bottom = 5, .trailing = 6}), atMost(200, 200));
-  EXPECT_EQ(root.kind, "padding");
+  EXPECT_EQ(root.kind, ui::NodeKind::padding);
   EXPECT_EQ(root.frame, (Rect{0, 0, 20, 20}));
   EXPECT_EQ(root.children[0].frame, (Rect{4, 3, 10, 12}));
 }
@@ -237,7 +237,7 @@ TEST(TextLayout, DefaultColourIsThePrimaryOfTheScheme) {
 
 TEST(LabelLayout, SymbolThenTextOnOneNode) {
   const LayoutNode root = lay(label("MEMORY", "memorychip"), atMost(200, 200));
-  EXPECT_EQ(root.kind, "label");
+  EXPECT_EQ(root.kind, ui::NodeKind::label);
   // A 10-point symbol, a 4-point gap, six characters.
   EXPECT_EQ(root.frame, (Rect{0, 0, 44, 12}));
   EXPECT_EQ(*root.symbol, "memorychip");

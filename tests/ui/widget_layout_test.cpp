@@ -26,7 +26,7 @@ TEST(WidgetLayout, FamiliesHaveTheirSizes) {
 TEST(WidgetLayout, HostSuppliedBackgroundFillsTheCardAndContentKeepsMargins) {
   const View view = filling.containerBackground(colorFill(Color::black()));
   const WidgetLayout widget = card(view, {.hostSuppliesContainerBackground = true});
-  EXPECT_EQ(widget.root.kind, "container");
+  EXPECT_EQ(widget.root.kind, ui::NodeKind::container);
   ASSERT_EQ(widget.root.children.size(), 2u);
   EXPECT_EQ(widget.root.children[0].frame, (Rect{0, 0, 170, 170}));
   EXPECT_EQ(widget.root.children[1].frame, (Rect{16, 16, 138, 138}));
@@ -104,7 +104,7 @@ TEST(RelativeDates, LiveDatesAreFoundAndShownAgainstNow) {
       card(hstack({text("Updated"), relativeDate(data), text("ago")}), {.now = now});
   EXPECT_EQ(liveRelativeDates(widget), std::vector<Date>{data});
   const LayoutNode& date = widget.root.children[0].children[1];
-  EXPECT_EQ(date.kind, "relativeDate");
+  EXPECT_EQ(date.kind, ui::NodeKind::relativeDate);
   EXPECT_EQ(*date.text, relativeSpan(data, now));
 }
 

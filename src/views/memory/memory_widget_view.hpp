@@ -1,6 +1,6 @@
 #pragma once
 
-#include "extension/entries/memory_entry.hpp"
+#include "model/memory_entry.hpp"
 #include "ui/environment.hpp"
 #include "ui/view.hpp"
 

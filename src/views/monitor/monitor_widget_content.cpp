@@ -1,8 +1,6 @@
 #include "views/monitor/monitor_widget_content.hpp"
 
-#include <optional>
-
-#include "shared/url.hpp"
+#include "shared/deep_link.hpp"
 #include "views/monitor/temperature_content.hpp"
 #include "views/monitor/usage_content.hpp"
 
@@ -11,11 +9,10 @@ namespace {
 
 using ui::HorizontalAlignment;
 
-// Parsed from the literals: the temperature widget shares the memory widget's route, and "usage"
-// is a host route word rather than a dashboard tab.
-// An unparsable literal would leave the widget without a tap target.
-std::optional<Url> tapURL(bool temperatureOnly) {
-  return Url::parse(temperatureOnly ? "korvo://resources" : "korvo://usage");
+// The temperature widget shares the memory widget's route; "usage" is a host route word rather
+// than a dashboard tab.
+Url tapURL(bool temperatureOnly) {
+  return deepLinkURL(temperatureOnly ? "resources" : "usage");
 }
 
 }  // namespace
@@ -34,8 +31,7 @@ ui::View MonitorWidgetContent::body(const ui::Environment& environment) const {
   }
   const ui::View framed = stack.frame(
       {.maxWidth = ui::infinity, .maxHeight = ui::infinity, .alignment = ui::Alignment::leading()});
-  const std::optional<Url> url = tapURL(temperatureOnly);
-  return url ? framed.widgetURL(url->string()) : framed;
+  return framed.widgetURL(tapURL(temperatureOnly).string());
 }
 
 }  // namespace korvo

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "extension/entries/monitor_entry.hpp"
+#include "model/monitor_entry.hpp"
 #include "ui/environment.hpp"
 #include "ui/view.hpp"
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "extension/entries/monitor_entry.hpp"
+#include "model/monitor_entry.hpp"
 #include "shared/widget_snapshot.hpp"
 #include "ui/environment.hpp"
 #include "ui/view.hpp"

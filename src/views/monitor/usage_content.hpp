@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "extension/entries/monitor_entry.hpp"
+#include "model/monitor_entry.hpp"
 #include "shared/usage_provider.hpp"
 #include "shared/usage_state.hpp"
 #include "ui/environment.hpp"

@@ -78,11 +78,11 @@ TEST_P(AwakeShortcutVariationTest, BackgroundFollowsTheHostCapability) {
   } else {
     ASSERT_EQ(widget.root.children.size(), 1u);
     const ui::LayoutNode& background = widget.root.children[0];
-    ASSERT_EQ(background.kind, "background");
+    ASSERT_EQ(background.kind, ui::NodeKind::background);
     ASSERT_EQ(background.children.size(), 2u);
-    EXPECT_EQ(background.children[0].kind, fullColor ? "zstack" : "empty");
+    EXPECT_EQ(background.children[0].kind, fullColor ? ui::NodeKind::zstack : ui::NodeKind::empty);
     const ui::LayoutNode& padding = background.children[1];
-    ASSERT_EQ(padding.kind, "padding");
+    ASSERT_EQ(padding.kind, ui::NodeKind::padding);
     EXPECT_EQ(padding.frame, (ui::Rect{0, 0, 170, 170}));
     ASSERT_EQ(padding.children.size(), 1u);
     EXPECT_EQ(padding.children[0].frame, (ui::Rect{16, 16, 138, 138}));

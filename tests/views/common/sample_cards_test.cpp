@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
+#include "ui/words.hpp"
+
 #include <filesystem>
 #include <fstream>
 
-#include "png_pixels.hpp"
+#include "support/png_pixels.hpp"
 #include "sample_card.hpp"
-#include "ui/painter.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "render/image_output.hpp"
+#include "render/painter.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo {
@@ -21,8 +24,8 @@ TEST(SampleCards, RenderInBothFamiliesAndSchemes) {
       const ui::Environment environment{
           .family = family, .colorScheme = scheme, .now = Date::fromUnixSeconds(1'800'000'000)};
       const ui::WidgetLayout widget = ui::layoutWidget(
-          "sample", testing::sampleCard(environment), environment, ui::PangoTextMeasurer::shared());
-      const std::string png = ui::renderPNG(widget, {.scale = 2});
+          "sample", testing::sampleCard(environment), environment, render::PangoTextMeasurer::shared());
+      const std::string png = render::renderPNG(widget, {.scale = 2});
       const ui::testing::PngPixels pixels(png);
       ASSERT_TRUE(pixels.valid());
       EXPECT_EQ(pixels.width(), static_cast<int>(ui::familySize(family).width * 2));

@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "png_pixels.hpp"
-#include "ui/painter.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "support/png_pixels.hpp"
+#include "render/image_output.hpp"
+#include "render/painter.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo {
@@ -40,8 +41,8 @@ ui::testing::PngPixels renderBackdrop(const ui::Environment& environment) {
   const ui::View view =
       ui::rectangle(Color::clear()).containerBackground(WidgetBackdrop{}.body(environment));
   const ui::WidgetLayout widget =
-      ui::layoutWidget("test", view, environment, ui::PangoTextMeasurer::shared(), 1);
-  return ui::testing::PngPixels(ui::renderPNG(widget, {.scale = 1}));
+      ui::layoutWidget("test", view, environment, render::PangoTextMeasurer::shared(), 1);
+  return ui::testing::PngPixels(render::renderPNG(widget, {.scale = 1}));
 }
 
 TEST(WidgetBackdrop, FullColourPixelsAreTheWindowBackgroundTintedTowardsTealAtTheTopLeading) {

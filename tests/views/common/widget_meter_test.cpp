@@ -5,9 +5,10 @@
 #include <cmath>
 #include <limits>
 
-#include "png_pixels.hpp"
-#include "ui/painter.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "support/png_pixels.hpp"
+#include "render/image_output.hpp"
+#include "render/painter.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo {
@@ -27,7 +28,7 @@ ui::WidgetLayout meterCard(const WidgetMeter& meter, ui::Environment environment
           .background(environment.renderingMode == ui::RenderingMode::accented
                           ? ui::View()
                           : ui::colorFill(Color::black()));
-  return ui::layoutWidget("test", view, environment, ui::PangoTextMeasurer::shared(), scale);
+  return ui::layoutWidget("test", view, environment, render::PangoTextMeasurer::shared(), scale);
 }
 
 const ui::LayoutNode& meterNode(const ui::WidgetLayout& widget) {
@@ -47,7 +48,7 @@ TEST(WidgetMeter, FillWidthIsTheClampedFractionOfTheFullWidth) {
         FillCase{inf, 0}, FillCase{-inf, 0}, FillCase{1, 170}, FillCase{0, 0}}) {
     const ui::WidgetLayout widget = meterCard({.fraction = c.fraction}, {}, 2);
     const ui::LayoutNode& meter = meterNode(widget);
-    ASSERT_EQ(meter.kind, "meter");
+    ASSERT_EQ(meter.kind, ui::NodeKind::meter);
     EXPECT_EQ(meter.frame, (ui::Rect{0, 0, 170, 6}));
     ASSERT_EQ(meter.children.size(), 2u) << c.fraction;
     EXPECT_EQ(meter.children[0].frame, (ui::Rect{0, 0, 170, 6}));
@@ -101,7 +102,7 @@ TEST(WidgetMeter, PixelsShowTheFillOnlyWhereTheClampedFractionReaches) {
   for (const Case& c : {Case{1.7, true, true}, Case{-0.2, false, false}, Case{nan, false, false},
                         Case{inf, false, false}, Case{0.5, true, false}}) {
     const ui::testing::PngPixels png(
-        ui::renderPNG(meterCard({.fraction = c.fraction, .tint = red}, {}), {.scale = 1}));
+        render::renderPNG(meterCard({.fraction = c.fraction, .tint = red}, {}), {.scale = 1}));
     const char* trackOnBlack = "#000000FF";
     EXPECT_TRUE(ui::testing::near(png.at(30, 3), c.leftFilled ? "#FF3B30FF" : trackOnBlack))
         << c.fraction;
@@ -111,7 +112,7 @@ TEST(WidgetMeter, PixelsShowTheFillOnlyWhereTheClampedFractionReaches) {
 }
 
 TEST(WidgetMeter, AccentedPixelsAreWhiteFillOverAFaintWhiteTrack) {
-  const ui::testing::PngPixels png(ui::renderPNG(
+  const ui::testing::PngPixels png(render::renderPNG(
       meterCard({.fraction = 0.5, .tint = red}, {.renderingMode = ui::RenderingMode::accented}),
       {.scale = 2}));
   EXPECT_TRUE(ui::testing::near(png.at(60, 6), "#FFFFFFFF"));

@@ -70,7 +70,7 @@ TEST_P(MemoryWidgetVariationTest, SmallReadingShowsHeaderPercentMeterGigabytesAn
 
   const ui::LayoutNode* header = nodeWithText(widget.root, "MEMORY");
   ASSERT_NE(header, nullptr);
-  EXPECT_EQ(header->kind, "label");
+  EXPECT_EQ(header->kind, ui::NodeKind::label);
   EXPECT_EQ(header->symbol, "memorychip");
   EXPECT_EQ(header->font, Font::system(10, FontWeight::semibold));
   EXPECT_EQ(header->tracking, 1.0);
@@ -148,7 +148,7 @@ TEST_P(MemoryWidgetVariationTest, MediumReadingAddsTheDetailColumnAfterADivider)
 
   const ui::LayoutNode* keepAwake = nodeWithText(widget.root, "Keep Awake");
   ASSERT_NE(keepAwake, nullptr);
-  EXPECT_EQ(keepAwake->kind, "label");
+  EXPECT_EQ(keepAwake->kind, ui::NodeKind::label);
   EXPECT_EQ(keepAwake->symbol, "cup.and.saucer.fill");
   EXPECT_EQ(keepAwake->font, Font::caption().withWeight(FontWeight::semibold));
   EXPECT_EQ(keepAwake->color, drawn(palette.teal, env));
@@ -177,17 +177,17 @@ TEST_P(MemoryWidgetVariationTest, BackgroundFollowsTheHostCapability) {
       EXPECT_EQ(backdrop.frame, (ui::Rect{0, 0, 170, 170}));
       EXPECT_NE(viewtest::firstOfKind(backdrop, "gradient"), nullptr);
     } else {
-      EXPECT_EQ(backdrop.kind, "empty");  // accented: the desktop's tinted card shows through
+      EXPECT_EQ(backdrop.kind, ui::NodeKind::empty);  // accented: the desktop's tinted card shows through
     }
     EXPECT_EQ(viewtest::firstOfKind(widget.root.children[1], "gradient"), nullptr);
   } else {
     // The view pads itself by 16 points and lays the backdrop behind the padded content.
     ASSERT_EQ(widget.root.children.size(), 1u);
     const ui::LayoutNode& background = widget.root.children[0];
-    ASSERT_EQ(background.kind, "background");
+    ASSERT_EQ(background.kind, ui::NodeKind::background);
     EXPECT_EQ(background.frame, (ui::Rect{0, 0, 170, 170}));
     ASSERT_EQ(background.children.size(), 2u);
-    EXPECT_EQ(background.children[1].kind, "padding");
+    EXPECT_EQ(background.children[1].kind, ui::NodeKind::padding);
     EXPECT_EQ(viewtest::firstOfKind(background.children[0], "gradient") != nullptr, fullColor);
   }
 }

@@ -6,7 +6,8 @@
 #include <cstring>
 #include <fstream>
 
-#include "ui/painter.hpp"
+#include "render/image_output.hpp"
+#include "render/painter.hpp"
 
 namespace korvo::viewtest {
 namespace {
@@ -72,7 +73,7 @@ ui::Color PngImage::pixelAtPoint(ui::Point at, double scale) const {
 }
 
 std::string renderAndKeep(const ui::WidgetLayout& widget, const std::string& name) {
-  const std::string bytes = ui::renderPNG(widget, {.scale = 2});
+  const std::string bytes = render::renderPNG(widget, {.scale = 2});
   const std::filesystem::path folder = KORVO_VIEW_RENDER_DIR;
   std::filesystem::create_directories(folder);
   std::ofstream(folder / (name + ".png"), std::ios::binary) << bytes;

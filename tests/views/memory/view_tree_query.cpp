@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/c_format.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "render/pango_text_measurer.hpp"
 
 namespace korvo::viewtest {
 namespace {
@@ -25,11 +25,12 @@ bool pathTo(const ui::LayoutNode& root, const ui::LayoutNode& target,
 }
 
 bool drawsText(const ui::LayoutNode& node) {
-  return node.kind == "text" || node.kind == "label" || node.kind == "relativeDate";
+  return node.kind == ui::NodeKind::text || node.kind == ui::NodeKind::label ||
+         node.kind == ui::NodeKind::relativeDate;
 }
 
 std::string describe(const ui::LayoutNode& node) {
-  const std::string name = node.text ? "\"" + *node.text + "\"" : node.kind;
+  const std::string name = node.text ? "\"" + *node.text + "\"" : std::string(ui::nodeKindName(node.kind));
   return name +
          cFormat(" (%g,%g %gx%g)", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
 }
@@ -66,7 +67,7 @@ ui::Environment environment(ui::WidgetFamily family, Variation variation) {
 }
 
 ui::WidgetLayout layOut(const ui::View& view, const ui::Environment& environment) {
-  return ui::layoutWidget("test", view, environment, ui::PangoTextMeasurer::shared(), 2);
+  return ui::layoutWidget("test", view, environment, render::PangoTextMeasurer::shared(), 2);
 }
 
 ui::Color drawn(ui::Color chosen, const ui::Environment& environment, bool inAccentGroup) {
@@ -83,7 +84,7 @@ std::vector<const ui::LayoutNode*> allNodes(const ui::LayoutNode& root) {
 
 std::vector<const ui::LayoutNode*> nodesOfKind(const ui::LayoutNode& root, std::string_view kind) {
   std::vector<const ui::LayoutNode*> nodes = allNodes(root);
-  std::erase_if(nodes, [kind](const ui::LayoutNode* node) { return node->kind != kind; });
+  std::erase_if(nodes, [kind](const ui::LayoutNode* node) { return ui::nodeKindName(node->kind) != kind; });
   return nodes;
 }
 
@@ -105,7 +106,7 @@ const ui::LayoutNode* ancestorOfKind(const ui::LayoutNode& root, const ui::Layou
   if (!pathTo(root, node, path)) return nullptr;
   path.pop_back();
   for (auto it = path.rbegin(); it != path.rend(); ++it) {
-    if ((*it)->kind == kind) return *it;
+    if (ui::nodeKindName((*it)->kind) == kind) return *it;
   }
   return nullptr;
 }
@@ -147,7 +148,7 @@ std::vector<std::string> legibilityProblems(const ui::WidgetLayout& widget) {
   const ui::Rect area = contentArea(widget);
   for (const ui::LayoutNode* node : allNodes(widget.root)) {
     const bool isText = drawsText(*node);
-    if (!isText && node->kind != "symbol" && node->kind != "meter") continue;
+    if (!isText && node->kind != ui::NodeKind::symbol && node->kind != ui::NodeKind::meter) continue;
     marks.push_back(node);
     if (!contains(area, node->frame)) problems.push_back(describe(*node) + " leaves the content");
     if (!isText || !node->text) continue;

@@ -5,7 +5,7 @@
 
 #include "base/date_text.hpp"
 #include "ui/layout.hpp"
-#include "ui/pango_text_measurer.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "view_tree_query.hpp"
 
 namespace korvo {
@@ -27,7 +27,7 @@ TEST_P(LastUpdatedFooterAgeTest, PrefixIsStaleOnlyPastFifteenMinutes) {
   const ui::LayoutNode tree =
       ui::layout(LastUpdatedFooter{now, data}.body(env),
                  {ui::AxisProposal::exact(138), ui::AxisProposal::exact(20)}, {0, 0}, env,
-                 ui::PangoTextMeasurer::shared());
+                 render::PangoTextMeasurer::shared());
   EXPECT_THAT(viewtest::texts(tree),
               ElementsAre(GetParam().prefix, relativeSpan(data, env.now), "ago"));
 }
@@ -43,7 +43,7 @@ TEST(LastUpdatedFooterTest, FutureDataMomentShowsTheAbsoluteSpanFollowedByAgo) {
   const Date data = now.addingSeconds(300);
   const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall);
   const ui::LayoutNode tree = ui::layout(LastUpdatedFooter{now, data}.body(env), {}, {0, 0}, env,
-                                         ui::PangoTextMeasurer::shared());
+                                         render::PangoTextMeasurer::shared());
   EXPECT_THAT(viewtest::texts(tree), ElementsAre("Updated", "5 min", "ago"));
 }
 
@@ -52,11 +52,11 @@ TEST(LastUpdatedFooterTest, RowOfThreeSmallSecondaryTextsWithALiveSpan) {
   for (const auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
     const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall, {scheme});
     const ui::LayoutNode tree = ui::layout(LastUpdatedFooter{viewtest::testNow, data}.body(env), {},
-                                           {0, 0}, env, ui::PangoTextMeasurer::shared());
+                                           {0, 0}, env, render::PangoTextMeasurer::shared());
     const ui::LayoutNode* row = viewtest::firstOfKind(tree, "hstack");
     ASSERT_NE(row, nullptr);
     ASSERT_EQ(row->children.size(), 3u);
-    EXPECT_EQ(row->children[1].kind, "relativeDate");
+    EXPECT_EQ(row->children[1].kind, ui::NodeKind::relativeDate);
     EXPECT_EQ(row->children[1].relativeTo, data);
     EXPECT_EQ(row->children[1].text, "4 min");
     for (const ui::LayoutNode& piece : row->children) {
@@ -72,12 +72,12 @@ TEST(LastUpdatedFooterTest, ShrinksOnOneLineBeforeTruncating) {
   const Date data = viewtest::testNow.addingSeconds(-(3 * 86400 + 4 * 3600));
   const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall);
   const ui::LayoutNode roomy = ui::layout(LastUpdatedFooter{viewtest::testNow, data}.body(env), {},
-                                          {0, 0}, env, ui::PangoTextMeasurer::shared());
+                                          {0, 0}, env, render::PangoTextMeasurer::shared());
   const double natural = roomy.frame.width;
   const ui::LayoutNode tight = ui::layout(
       LastUpdatedFooter{viewtest::testNow, data}.body(env),
       {ui::AxisProposal::atMost(natural * 0.85), ui::AxisProposal::atMost(roomy.frame.height)},
-      {0, 0}, env, ui::PangoTextMeasurer::shared());
+      {0, 0}, env, render::PangoTextMeasurer::shared());
   bool shrunk = false;
   for (const ui::LayoutNode* node : viewtest::allNodes(tight)) {
     if (!node->text) continue;

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "extension/entries/monitor_entry.hpp"
+#include "model/monitor_entry.hpp"
 #include "view_tree_query.hpp"
 
 // Building blocks for monitor entries in the tests.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "ui/words.hpp"
+
 #include <optional>
 #include <string>
 #include <vector>

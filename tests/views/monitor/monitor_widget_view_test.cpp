@@ -51,7 +51,7 @@ TEST_P(MonitorLayoutChoiceTest, FlagThenFamilyPickTheLayoutAndTheTapURL) {
   ASSERT_NE(frame, nullptr);
   EXPECT_EQ(frame->frame, viewtest::contentArea(widget));
   ASSERT_EQ(frame->children.size(), 1u);
-  EXPECT_EQ(frame->children[0].kind, c.stackKind);
+  EXPECT_EQ(ui::nodeKindName(frame->children[0].kind), c.stackKind);
   EXPECT_NEAR(frame->children[0].frame.x, 16, 0.5);
   EXPECT_THAT(viewtest::legibilityProblems(widget), IsEmpty());
 }
@@ -110,7 +110,7 @@ TEST(MonitorWidgetTest, BackgroundFollowsTheHostCapability) {
         viewtest::layOut(MonitorWidgetView{entryWith(std::nullopt), false}.body(env), env);
     ASSERT_EQ(widget.root.children.size(), hostBackground ? 2u : 1u);
     const ui::LayoutNode& first = widget.root.children[0];
-    EXPECT_EQ(first.kind, hostBackground ? "zstack" : "background");
+    EXPECT_EQ(first.kind, hostBackground ? ui::NodeKind::zstack : ui::NodeKind::background);
     EXPECT_EQ(first.frame, (ui::Rect{0, 0, 364, 170}));
     EXPECT_NE(viewtest::firstOfKind(first, "gradient"), nullptr);
     EXPECT_NEAR(nodeWithText(widget.root, "Codex")->frame.y, 16, 0.5);

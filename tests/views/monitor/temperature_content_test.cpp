@@ -54,7 +54,7 @@ TEST_P(TemperatureVariationTest, ReadingShowsValueCaptionAndFooter) {
   EXPECT_EQ(widget.url, "korvo://resources");
 
   const ui::LayoutNode* header = nodeWithText(widget.root, "TEMPERATURE");
-  EXPECT_EQ(header->kind, "label");
+  EXPECT_EQ(header->kind, ui::NodeKind::label);
   EXPECT_EQ(header->symbol, "thermometer.medium");
   EXPECT_EQ(header->font, Font::system(10, FontWeight::semibold));
   EXPECT_EQ(header->color, drawn(palette.secondary, env));

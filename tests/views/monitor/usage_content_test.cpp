@@ -66,7 +66,7 @@ TEST_P(UsageVariationTest, SmallRowsShowCodexAboveClaudeWithFiguresAndTintedMete
   EXPECT_EQ(widget.url, "korvo://usage");
 
   const ui::LayoutNode* header = nodeWithText(widget.root, "AI USAGE");
-  EXPECT_EQ(header->kind, "label");
+  EXPECT_EQ(header->kind, ui::NodeKind::label);
   EXPECT_EQ(header->symbol, "sparkles");
   EXPECT_EQ(header->font, Font::system(10, FontWeight::semibold));
   EXPECT_EQ(header->color, drawn(palette.secondary, env));

@@ -1,0 +1,65 @@
+#include "cli/command_line.hpp"
+
+#include <iostream>
+
+#include "cli/widgets.hpp"
+
+namespace korvo::cli {
+namespace {
+
+// CLI11's own messages can span lines; the first one names the problem.
+std::string firstLine(std::string text) {
+  const auto newline = text.find('\n');
+  return newline == std::string::npos ? text : text.substr(0, newline);
+}
+
+// The options and subcommands of the deepest subcommand given, as a hint after a usage error.
+std::string validNames(const CLI::App& app) {
+  const CLI::App* command = &app;
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().front();
+  }
+  std::string names;
+  for (const CLI::Option* option : command->get_options()) {
+    if (option->nonpositional()) {
+      names += (names.empty() ? "" : ", ") + option->get_name();
+    }
+  }
+  for (const CLI::App* subcommand : command->get_subcommands({})) {
+    names += (names.empty() ? "" : ", ") + subcommand->get_name();
+  }
+  return names;
+}
+
+}  // namespace
+
+int parseAndRun(CLI::App& app, int argc, char** argv, std::string_view program,
+                const CommandOutcome& outcome) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& help) {
+    return app.exit(help);
+  } catch (const CLI::CallForAllHelp& help) {
+    return app.exit(help);
+  } catch (const CLI::ExtrasError& error) {
+    std::cerr << program << ": " << firstLine(error.what()) << "; valid: " << validNames(app)
+              << '\n';
+    return exitUsage;
+  } catch (const CLI::RequiredError& error) {
+    const std::string problem = firstLine(error.what());
+    // A missing widget kind is answered with the kinds, anything else with the options.
+    const std::string valid =
+        problem.find("KIND") != std::string::npos ? validKinds() : "valid: " + validNames(app);
+    std::cerr << program << ": " << problem << "; " << valid << '\n';
+    return exitUsage;
+  } catch (const CLI::ParseError& error) {
+    std::cerr << program << ": " << firstLine(error.what()) << '\n';
+    return exitUsage;
+  } catch (const UsageError& error) {
+    std::cerr << program << ": " << error.what() << '\n';
+    return exitUsage;
+  }
+  return outcome.exitCode;
+}
+
+}  // namespace korvo::cli

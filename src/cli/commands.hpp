@@ -1,0 +1,20 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "cli/command_line.hpp"
+
+// The korvo-widgets subcommands. Each registers itself on `app` and, once it has run, leaves its
+// exit status in `outcome`; a UsageError thrown while it runs means exit status 2.
+namespace korvo::cli {
+
+void addListCommand(CLI::App& app, CommandOutcome& outcome);
+void addTimelineCommand(CLI::App& app, CommandOutcome& outcome);
+void addRenderCommand(CLI::App& app, CommandOutcome& outcome);
+void addGalleryCommand(CLI::App& app, CommandOutcome& outcome);
+void addSnapshotCommand(CLI::App& app, CommandOutcome& outcome);
+void addMemoryCommand(CLI::App& app, CommandOutcome& outcome);
+// `run`: hands every argument after it to the desktop host, a separate executable.
+void addRunCommand(CLI::App& app, CommandOutcome& outcome);
+
+}  // namespace korvo::cli

@@ -1,0 +1,26 @@
+#include <CLI/CLI.hpp>
+#include <clocale>
+
+#include "cli/command_line.hpp"
+#include "cli/commands.hpp"
+
+int main(int argc, char** argv) {
+  // Texts, dates and spans follow the user's locale; numbers are formatted in the C locale anyway.
+  std::setlocale(LC_ALL, "");
+
+  CLI::App app(
+      "Four desktop widgets (Memory, Keep Awake, AI Usage, CPU Temperature): list them, "
+      "ask their providers for timelines, render them headless, check the shared file, and "
+      "show them on the desktop.",
+      "korvo-widgets");
+  app.require_subcommand(1);
+  korvo::cli::CommandOutcome outcome;
+  korvo::cli::addListCommand(app, outcome);
+  korvo::cli::addTimelineCommand(app, outcome);
+  korvo::cli::addRenderCommand(app, outcome);
+  korvo::cli::addGalleryCommand(app, outcome);
+  korvo::cli::addSnapshotCommand(app, outcome);
+  korvo::cli::addMemoryCommand(app, outcome);
+  korvo::cli::addRunCommand(app, outcome);
+  return korvo::cli::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
+}

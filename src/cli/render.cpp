@@ -1,0 +1,136 @@
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "base/clock.hpp"
+#include "cli/commands.hpp"
+#include "cli/render_widget.hpp"
+#include "cli/widgets.hpp"
+#include "ui/color.hpp"
+
+namespace korvo::cli {
+namespace {
+
+struct RenderOptions {
+  std::string kind;
+  ui::WidgetFamily family = ui::WidgetFamily::systemSmall;
+  EntryRequest entry = EntryRequest::timeline;
+  std::string snapshotFile;
+  std::string now;
+  ui::ColorScheme appearance = ui::ColorScheme::light;
+  ui::RenderingMode rendering = ui::RenderingMode::fullColor;
+  std::string accent;
+  bool legacyBackground = false;
+  std::optional<double> scale;
+  OutputFormat format = OutputFormat::png;
+  std::string output;
+};
+
+// Bytes to standard output or a file; false when the file cannot be written.
+bool writeOutput(const std::string& bytes, const std::string& path) {
+  if (path.empty() || path == "-") {
+    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::cout.flush();
+    return static_cast<bool>(std::cout);
+  }
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  return static_cast<bool>(file);
+}
+
+std::optional<Url> snapshotURL(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? std::nullopt : Url::file(absolute);
+}
+
+void run(const RenderOptions& options, CommandOutcome& outcome) {
+  const WidgetConfiguration& widget = widgetNamed(options.kind);
+  requireFamily(widget, options.family);
+  std::optional<ui::Color> accent = ui::Color::white();
+  if (!options.accent.empty()) {
+    accent = ui::Color::fromHex(options.accent);
+    if (!accent) {
+      throw UsageError("--accent: cannot read \"" + options.accent +
+                       "\"; valid forms: #RRGGBB or #RRGGBBAA");
+    }
+  }
+  if (options.scale && !(*options.scale > 0 && *options.scale <= 16)) {
+    throw UsageError("--scale: must be a number above 0 and at most 16");
+  }
+  pinClock(options.now);
+
+  TimelineContext context{.isPreview = false, .family = options.family};
+  if (!options.snapshotFile.empty()) {
+    context.snapshotFile = snapshotURL(options.snapshotFile);
+  }
+  const AnyEntry entry = requestEntry(widget, options.entry, context);
+
+  ui::Environment environment;
+  environment.family = options.family;
+  environment.renderingMode = options.rendering;
+  environment.colorScheme = options.appearance;
+  environment.hostSuppliesContainerBackground = !options.legacyBackground;
+  environment.now = clock::now();
+  environment.accentColor = *accent;
+
+  const double scale = options.scale.value_or(options.format == OutputFormat::svg ? 1 : 2);
+  const std::optional<std::string> bytes =
+      renderEntry(widget, entry, environment, options.format, scale);
+  if (!bytes) {
+    std::cerr << "korvo-widgets: rendering " << widget.kind << " failed\n";
+    outcome.exitCode = exitFailure;
+    return;
+  }
+  if (!writeOutput(*bytes, options.output)) {
+    std::cerr << "korvo-widgets: cannot write " << options.output << '\n';
+    outcome.exitCode = exitFailure;
+    return;
+  }
+  outcome.exitCode = exitSuccess;
+}
+
+}  // namespace
+
+void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
+  auto* command = app.add_subcommand(
+      "render",
+      "Render one widget headless, as the desktop would show it, to PNG, SVG, or its "
+      "laid-out view tree (JSON or an indented outline).");
+  auto options = std::make_shared<RenderOptions>();
+  addKindArgument(command, options->kind);
+  addChoice(
+      command, "--family", options->family, ui::familyWords,
+      "Widget size: small (170x170 points, the default) or medium "
+      "(364x170); the widget must offer it.");
+  addChoice(command, "--entry", options->entry, entryRequestWords,
+                          "Which request supplies the entry: placeholder (sample data), snapshot "
+                          "or timeline (live data, the default).");
+  command->add_option("--snapshot-file", options->snapshotFile,
+                      "Read the shared snapshot from this file instead of the group container.");
+  command->add_option("--now", options->now,
+                      "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
+                      "Unix seconds.");
+  addChoice(command, "--appearance", options->appearance, ui::colorSchemeWords,
+                             "Colour scheme: light (the default) or dark.");
+  addChoice(
+      command, "--rendering", options->rendering, ui::renderingModeWords,
+      "Rendering mode: full-color (the default), or accented (accent "
+      "group tinted, the rest white).");
+  command->add_option("--accent", options->accent,
+                      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  command->add_flag("--legacy-background", options->legacyBackground,
+                    "Draw the path without a host-supplied container background: 16-point padding "
+                    "with the backdrop behind.");
+  command->add_option("--scale", options->scale,
+                      "Device pixels per point (default 2 for png, json and tree; 1 for svg).");
+  addChoice(command, "--format", options->format, outputFormatWords,
+                          "Output: png (the default), svg, json (the laid-out tree) or tree (an "
+                          "indented outline).");
+  command->add_option("-o,--output", options->output,
+                      "Write to this file instead of standard output.");
+  command->callback([options, &outcome] { run(*options, outcome); });
+}
+
+}  // namespace korvo::cli

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "ui/environment.hpp"
+#include "ui/geometry.hpp"
+
+namespace korvo::desktop {
+
+// The screen corner a widget is pinned to; widgets sharing a corner stack into a column.
+enum class ScreenAnchor { topLeft, topRight, bottomLeft, bottomRight };
+
+// Gap between two cards stacked at the same corner, logical pixels.
+inline constexpr double placementSpacing = 12;
+// Distance from the screen edges when a placement names none, logical pixels.
+inline constexpr double defaultPlacementMargin = 16;
+
+// Where one widget sits on the desktop.
+struct Placement {
+  std::string kind{};  // full widget kind, "com.tessmoor.Korvo.memory"
+  ui::WidgetFamily family = ui::WidgetFamily::systemSmall;
+  // Top-left corner in logical pixels from the work area's top-left; absent = at `anchor`.
+  std::optional<ui::Point> position = std::nullopt;
+  ScreenAnchor anchor = ScreenAnchor::topRight;
+  double margin = defaultPlacementMargin;  // logical pixels from both edges of the corner
+  friend bool operator==(const Placement&, const Placement&) = default;
+};
+
+// What the host knows of a kind: its full name and the families it offers.
+struct KindFamilies {
+  std::string kind{};
+  std::vector<ui::WidgetFamily> families{};
+};
+
+// Resolves a full kind or its last word ("memory"); nothing for an unknown kind.
+using KindLookup = std::function<std::optional<KindFamilies>(std::string_view)>;
+
+// A one-line description of what is wrong, naming the key ("[1].family: …").
+struct PlacementError {
+  std::string message{};
+  friend bool operator==(const PlacementError&, const PlacementError&) = default;
+};
+
+using PlacementsResult = std::variant<std::vector<Placement>, PlacementError>;
+
+// Reads the placements document: a JSON array of {kind, family?, position {x, y}? | anchor?,
+// margin?}. Family defaults to the kind's first; anchor to "top-right"; margin to 16.
+PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup);
+
+// `--widget memory:medium`: a kind and an optional family, stacked at the top-right corner.
+PlacementsResult parseWidgetArguments(const std::vector<std::string>& arguments,
+                                      const KindLookup& lookup);
+
+// Memory, Keep Awake, AI Usage (medium) and CPU Temperature in a column at the right edge.
+std::vector<Placement> defaultPlacements(const KindLookup& lookup);
+
+// "top-left", "top-right", "bottom-left", "bottom-right".
+std::optional<ScreenAnchor> anchorFromName(std::string_view name);
+
+// Top-left corners, logical pixels from the screen origin, of windows of `sizes` (one per
+// placement) inside `workArea`: positioned ones where they say, anchored ones stacked from their
+// corner along the edge in the order given.
+std::vector<ui::Point> arrangeWindows(const std::vector<Placement>& placements,
+                                      const std::vector<ui::Size>& sizes, ui::Rect workArea);
+
+}  // namespace korvo::desktop

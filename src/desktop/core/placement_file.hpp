@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <variant>
+
+#include "desktop/core/placement.hpp"
+
+namespace korvo::desktop {
+
+// $XDG_CONFIG_HOME/korvo-widgets/placements.json, or ~/.config/… when XDG_CONFIG_HOME is unset
+// or relative (as the XDG rules say); nothing when neither gives an absolute path.
+std::optional<std::filesystem::path> placementsPath(const char* xdgConfigHome, const char* home);
+
+// The file does not exist: the defaults apply.
+struct NoPlacementsFile {};
+
+// Reads and checks the placements file. An error message names the file and the key.
+std::variant<std::vector<Placement>, NoPlacementsFile, PlacementError> loadPlacementsFile(
+    const std::filesystem::path& file, const KindLookup& lookup);
+
+}  // namespace korvo::desktop

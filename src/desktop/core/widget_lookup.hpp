@@ -1,0 +1,13 @@
+#pragma once
+
+#include <vector>
+
+#include "desktop/core/placement.hpp"
+#include "extension/widget_configuration.hpp"
+
+namespace korvo::desktop {
+
+// The bundle's kinds and families, as placements look them up; `widgets` must outlive it.
+KindLookup kindLookup(const std::vector<WidgetConfiguration>& widgets);
+
+}  // namespace korvo::desktop

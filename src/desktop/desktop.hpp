@@ -1,0 +1,55 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "extension/widget_configuration.hpp"
+#include "desktop/appearance.hpp"
+#include "desktop/core/options.hpp"
+#include "desktop/core/placement.hpp"
+#include "desktop/core/widget_lookup.hpp"
+#include "desktop/window.hpp"
+
+namespace korvo::desktop {
+
+// The desktop host: one window per placement, re-placed when the placements file changes or on
+// SIGHUP, repainted when the desktop's appearance changes. Runs GTK's main loop until SIGINT or
+// SIGTERM.
+class DesktopHost {
+ public:
+  // `widgets` must outlive the host; GTK must be initialised.
+  DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOptions options);
+  ~DesktopHost();
+  DesktopHost(const DesktopHost&) = delete;
+  DesktopHost& operator=(const DesktopHost&) = delete;
+
+  // Shows the widgets and runs until asked to stop.
+  void run();
+
+  // Reads the placements again (SIGHUP, file changes); a bad file keeps what is shown.
+  void reloadPlacements();
+  // Repositions every window (screen or work area changed).
+  void arrange();
+  // Writes every window's tree to the dump directory.
+  void dumpAll();
+  void appearanceChanged();
+
+ private:
+  void apply(std::vector<Placement> placements);
+  void watchPlacementsFile();
+
+  const std::vector<WidgetConfiguration>& widgets_;
+  HostOptions options_;
+  KindLookup lookup_;
+  std::unique_ptr<AppearanceWatch> appearance_;
+  std::optional<std::filesystem::path> placementsFile_;
+  std::vector<std::unique_ptr<WidgetWindow>> windows_;
+  GFileMonitor* monitor_ = nullptr;
+  std::vector<guint> signalSources_;
+};
+
+}  // namespace korvo::desktop

@@ -1,0 +1,52 @@
+#include <gtk/gtk.h>
+
+#include <clocale>
+#include <cstdio>
+
+#include "base/clock.hpp"
+#include "cli/command_line.hpp"
+#include "desktop/desktop.hpp"
+#include "desktop/run_options.hpp"
+#include "extension/korvo_widgets.hpp"
+
+namespace {
+
+using namespace korvo;
+
+int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>& widgets) {
+  auto options = desktop::resolveRunOptions(std::move(arguments), widgets);
+  if (options.warp != desktop::TimeWarp{}) {
+    clock::setWarp(options.warp.offsetSeconds, options.warp.rate);
+  }
+  // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
+  // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
+  g_setenv("GDK_GL", "disable", FALSE);
+  if (!gtk_init_check(nullptr, nullptr)) {
+    std::fprintf(stderr,
+                 "korvo-widgets: cannot open the display (is DISPLAY or WAYLAND_DISPLAY set?)\n");
+    return cli::exitFailure;
+  }
+  desktop::DesktopHost host(widgets, std::move(options));
+  host.run();
+  return cli::exitSuccess;
+}
+
+}  // namespace
+
+// The desktop host, started by `korvo-widgets run` with the arguments that follow `run`.
+int main(int argc, char** argv) {
+  std::setlocale(LC_ALL, "");
+  static const std::vector<WidgetConfiguration> widgets = KorvoWidgets{}.body();
+
+  CLI::App app(
+      "Show the widgets on the desktop: one window per placed widget, kept current by its "
+      "provider's timeline. Placements come from --widget, else "
+      "$XDG_CONFIG_HOME/korvo-widgets/placements.json (re-read on change and on SIGHUP), else "
+      "all four widgets in a column at the right edge.",
+      "korvo-widgets run");
+  desktop::RunArguments arguments;
+  desktop::addRunOptions(app, arguments);
+  cli::CommandOutcome outcome;
+  app.callback([&] { outcome.exitCode = run(std::move(arguments), widgets); });
+  return cli::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
+}

@@ -1,0 +1,23 @@
+#include "desktop/url_opener.hpp"
+
+#include <gio/gio.h>
+
+#include <cstdio>
+
+#include "base/text.hpp"
+#include "desktop/notification.hpp"
+
+namespace korvo::desktop {
+
+bool openURL(const std::string& url) {
+  GError* error = nullptr;
+  if (g_app_info_launch_default_for_uri(url.c_str(), nullptr, &error)) return true;
+  std::fprintf(stderr, "korvo-widgets: no application opened %s (%s); is Korvo installed?\n",
+               url.c_str(), error != nullptr ? error->message : "unknown error");
+  g_clear_error(&error);
+  sendNotification(_("Korvo is not installed"),
+                   _("No application opens Korvo links, so this widget cannot open it."));
+  return false;
+}
+
+}  // namespace korvo::desktop

@@ -1,0 +1,336 @@
+#include "desktop/window.hpp"
+
+#include "ui/words.hpp"
+
+#include <gtk-layer-shell.h>
+
+#include <cstdio>
+
+#include "base/clock.hpp"
+#include "desktop/accessibility.hpp"
+#include "desktop/card_shape.hpp"
+#include "desktop/core/schedule.hpp"
+#include "desktop/url_opener.hpp"
+#include "render/painter.hpp"
+#include "render/pango_text_measurer.hpp"
+#include "ui/tree_json.hpp"
+
+namespace korvo::desktop {
+namespace {
+
+WidgetWindow& self(gpointer window) {
+  return *static_cast<WidgetWindow*>(window);
+}
+
+gboolean onDraw(GtkWidget*, cairo_t* cr, gpointer window) {
+  return self(window).draw(cr);
+}
+
+gboolean onButtonPress(GtkWidget*, GdkEventButton* event, gpointer window) {
+  return self(window).buttonPress(event);
+}
+
+gboolean onButtonRelease(GtkWidget*, GdkEventButton* event, gpointer window) {
+  return self(window).buttonRelease(event);
+}
+
+gboolean onMap(GtkWidget*, GdkEvent*, gpointer window) {
+  self(window).mapped();
+  return FALSE;
+}
+
+gboolean onUnmap(GtkWidget*, GdkEvent*, gpointer window) {
+  self(window).unmapped();
+  return FALSE;
+}
+
+void onStyleUpdated(GtkWidget*, gpointer window) {
+  self(window).appearanceChanged();
+}
+
+void onScaleFactor(GObject*, GParamSpec*, gpointer window) {
+  self(window).appearanceChanged();
+}
+
+void onCompositedChanged(GdkScreen*, gpointer window) {
+  self(window).applyCardShape();
+}
+
+gboolean onTimelineDue(gpointer window) {
+  return self(window).timelineDue();
+}
+
+gboolean onLiveTextDue(gpointer window) {
+  return self(window).liveTextDue();
+}
+
+// Pins a layer-shell surface to the corner its placement names, at the offsets `origin` gives.
+void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point origin,
+                        ui::Size size, ui::Rect area) {
+  const bool right = !placement.position && (placement.anchor == ScreenAnchor::topRight ||
+                                             placement.anchor == ScreenAnchor::bottomRight);
+  const bool bottom = !placement.position && (placement.anchor == ScreenAnchor::bottomLeft ||
+                                              placement.anchor == ScreenAnchor::bottomRight);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_LEFT, !right);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_RIGHT, right);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, !bottom);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_BOTTOM, bottom);
+  const auto margin = [](double length) { return static_cast<int>(std::lround(length)); };
+  if (right) {
+    gtk_layer_set_margin(window, GTK_LAYER_SHELL_EDGE_RIGHT,
+                         margin(area.maxX() - origin.x - size.width));
+  } else {
+    gtk_layer_set_margin(window, GTK_LAYER_SHELL_EDGE_LEFT, margin(origin.x - area.x));
+  }
+  if (bottom) {
+    gtk_layer_set_margin(window, GTK_LAYER_SHELL_EDGE_BOTTOM,
+                         margin(area.maxY() - origin.y - size.height));
+  } else {
+    gtk_layer_set_margin(window, GTK_LAYER_SHELL_EDGE_TOP, margin(origin.y - area.y));
+  }
+}
+
+}  // namespace
+
+WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
+                           const HostOptions& options, const AppearanceWatch& appearance)
+    : widget_(widget),
+      placement_(std::move(placement)),
+      index_(index),
+      options_(options),
+      appearance_(appearance) {
+  window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  GtkWindow* window = GTK_WINDOW(window_);
+  gtk_window_set_title(window, widget_.displayName.c_str());
+  gtk_window_set_decorated(window, FALSE);
+  gtk_window_set_resizable(window, FALSE);
+  gtk_window_set_accept_focus(window, FALSE);
+  gtk_window_set_focus_on_map(window, FALSE);
+  gtk_widget_set_app_paintable(window_, TRUE);
+  if (GdkVisual* visual = gdk_screen_get_rgba_visual(gtk_widget_get_screen(window_))) {
+    gtk_widget_set_visual(window_, visual);
+  }
+  const auto size = logicalSize();
+  gtk_widget_set_size_request(window_, static_cast<int>(size.width), static_cast<int>(size.height));
+  layerShell_ = gtk_layer_is_supported() != FALSE;
+  if (layerShell_) {
+    gtk_layer_init_for_window(window);
+    gtk_layer_set_namespace(window, "korvo-widgets");
+    gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_BOTTOM);
+    gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+  } else {
+    // On X11 the window manager reads these hints; elsewhere they are harmless.
+    gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_UTILITY);
+    gtk_window_set_skip_taskbar_hint(window, TRUE);
+    gtk_window_set_skip_pager_hint(window, TRUE);
+    gtk_window_set_keep_below(window, TRUE);
+    gtk_window_stick(window);
+  }
+  gtk_widget_add_events(window_,
+                        GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_STRUCTURE_MASK);
+  g_signal_connect(window_, "draw", G_CALLBACK(onDraw), this);
+  g_signal_connect(window_, "button-press-event", G_CALLBACK(onButtonPress), this);
+  g_signal_connect(window_, "button-release-event", G_CALLBACK(onButtonRelease), this);
+  g_signal_connect(window_, "map-event", G_CALLBACK(onMap), this);
+  g_signal_connect(window_, "unmap-event", G_CALLBACK(onUnmap), this);
+  g_signal_connect(window_, "style-updated", G_CALLBACK(onStyleUpdated), this);
+  g_signal_connect(window_, "notify::scale-factor", G_CALLBACK(onScaleFactor), this);
+  g_signal_connect(gtk_widget_get_screen(window_), "composited-changed",
+                   G_CALLBACK(onCompositedChanged), this);
+  applyCardShape();
+  requestTimeline();
+}
+
+WidgetWindow::~WidgetWindow() {
+  cancel(timelineTimer_);
+  cancel(liveTimer_);
+  g_signal_handlers_disconnect_by_data(window_, this);
+  g_signal_handlers_disconnect_by_data(gtk_widget_get_screen(window_), this);
+  gtk_widget_destroy(window_);
+}
+
+ui::Size WidgetWindow::logicalSize() const {
+  const auto points = ui::familySize(placement_.family);
+  return {std::ceil(points.width * options_.scale), std::ceil(points.height * options_.scale)};
+}
+
+void WidgetWindow::place(ui::Point origin, ui::Rect workArea) {
+  GtkWindow* window = GTK_WINDOW(window_);
+  if (layerShell_) {
+    anchorLayerSurface(window, placement_, origin, logicalSize(), workArea);
+  } else {
+    gtk_window_move(window, static_cast<int>(std::lround(origin.x)),
+                    static_cast<int>(std::lround(origin.y)));
+  }
+  gtk_widget_show(window_);
+}
+
+void WidgetWindow::applyCardShape() {
+  cairo_region_t* card = cardRegion(logicalSize(), ui::widgetCornerRadius * options_.scale);
+  gtk_widget_input_shape_combine_region(window_, card);
+  // Without a compositor the transparent corners would show black: cut them off instead.
+  const bool composited = gdk_screen_is_composited(gtk_widget_get_screen(window_)) != FALSE;
+  gtk_widget_shape_combine_region(window_, composited ? nullptr : card);
+  cairo_region_destroy(card);
+}
+
+void WidgetWindow::appearanceChanged() {
+  layoutStale_ = true;
+  redraw();
+}
+
+double WidgetWindow::deviceScale() const {
+  return options_.scale * gtk_widget_get_scale_factor(window_);
+}
+
+ui::Environment WidgetWindow::environment() const {
+  ui::Environment environment;
+  environment.family = placement_.family;
+  environment.renderingMode = options_.renderingMode;
+  environment.colorScheme = appearance_.scheme();
+  environment.hostSuppliesContainerBackground = true;
+  environment.now = clock::now();
+  environment.theme = themeColors(window_, environment.colorScheme);
+  environment.accentColor = options_.accent;
+  return environment;
+}
+
+void WidgetWindow::relayout() {
+  layoutStale_ = false;
+  if (!cursor_ || cursor_->empty()) {
+    layout_.reset();
+    return;
+  }
+  const auto environment = this->environment();
+  layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment),
+                             environment, render::PangoTextMeasurer::shared(), deviceScale());
+}
+
+gboolean WidgetWindow::draw(cairo_t* cr) {
+  cairo_save(cr);
+  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+  cairo_set_source_rgba(cr, 0, 0, 0, 0);
+  cairo_paint(cr);
+  cairo_restore(cr);
+  // Uncovering the window only repaints; the tree is laid out again when what it shows changed.
+  if (layoutStale_) relayout();
+  if (!layout_) return TRUE;
+  cairo_save(cr);
+  cairo_scale(cr, options_.scale, options_.scale);
+  render::paintWidget(cr, *layout_);
+  cairo_restore(cr);
+  return TRUE;
+}
+
+gboolean WidgetWindow::buttonPress(GdkEventButton* event) {
+  pressed_ = event->button == GDK_BUTTON_PRIMARY;
+  return TRUE;
+}
+
+gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
+  const bool click = pressed_ && event->button == GDK_BUTTON_PRIMARY;
+  pressed_ = false;
+  if (!click || !layout_) return TRUE;
+  const ui::Point point{event->x / options_.scale, event->y / options_.scale};
+  if (const auto url = ui::urlAt(*layout_, point)) openURL(*url);
+  return TRUE;
+}
+
+void WidgetWindow::mapped() {
+  mapped_ = true;
+  // Relative texts may have moved on while hidden.
+  layoutStale_ = true;
+  redraw();
+  scheduleLiveTimer();
+}
+
+void WidgetWindow::unmapped() {
+  mapped_ = false;
+  cancel(liveTimer_);
+}
+
+void WidgetWindow::redraw() {
+  gtk_widget_queue_draw(window_);
+}
+
+void WidgetWindow::requestTimeline() {
+  if (options_.logRequests) {
+    std::fprintf(stderr, "korvo-widgets: timeline request for %s at %.17g\n", widget_.kind.c_str(),
+                 clock::now().secondsSinceReferenceDate);
+  }
+  TimelineContext context;
+  context.family = placement_.family;
+  widget_.getTimeline(context, [this](AnyTimeline timeline) {
+    cursor_.emplace(std::move(timeline), clock::now());
+  });
+  showCurrentEntry();
+}
+
+void WidgetWindow::showCurrentEntry() {
+  if (cursor_) cursor_->moveTo(clock::now());
+  relayout();
+  if (layout_) describeToAssistiveTechnologies(window_, widget_.displayName, *layout_);
+  dump();
+  redraw();
+  scheduleTimelineTimer();
+  scheduleLiveTimer();
+}
+
+void WidgetWindow::scheduleTimelineTimer() {
+  cancel(timelineTimer_);
+  if (!cursor_) return;
+  const std::optional<Date> due = cursor_->nextChange();
+  if (!due) return;
+  timelineTimer_ = g_timeout_add(realMillisecondsUntil(*due, clock::now(), options_.warp.rate),
+                                 onTimelineDue, this);
+}
+
+gboolean WidgetWindow::timelineDue() {
+  timelineTimer_ = 0;
+  if (cursor_ && cursor_->nextEntryDate()) {
+    showCurrentEntry();
+  } else {
+    requestTimeline();
+  }
+  return G_SOURCE_REMOVE;
+}
+
+void WidgetWindow::scheduleLiveTimer() {
+  cancel(liveTimer_);
+  if (!mapped_ || !layout_) return;
+  const auto now = clock::now();
+  const auto next = nextLiveTextChange(ui::liveRelativeDates(*layout_), now);
+  if (!next) return;
+  liveTimer_ =
+      g_timeout_add(realMillisecondsUntil(*next, now, options_.warp.rate), onLiveTextDue, this);
+}
+
+gboolean WidgetWindow::liveTextDue() {
+  liveTimer_ = 0;
+  layoutStale_ = true;
+  redraw();
+  scheduleLiveTimer();
+  return G_SOURCE_REMOVE;
+}
+
+void WidgetWindow::dump() {
+  if (!options_.dumpDirectory) return;
+  relayout();
+  if (!layout_) return;
+  const auto file =
+      *options_.dumpDirectory / (std::to_string(index_) + "-" + widget_.shortKind() + "-" +
+                                 std::string(ui::familyWord(placement_.family)) + ".json");
+  const std::string text = ui::widgetJSONText(*layout_);
+  GError* error = nullptr;
+  if (!g_file_set_contents(file.c_str(), text.data(), static_cast<gssize>(text.size()), &error)) {
+    std::fprintf(stderr, "korvo-widgets: cannot write %s: %s\n", file.c_str(), error->message);
+    g_clear_error(&error);
+  }
+}
+
+void WidgetWindow::cancel(guint& source) {
+  if (source != 0) g_source_remove(source);
+  source = 0;
+}
+
+}  // namespace korvo::desktop

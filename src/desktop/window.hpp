@@ -1,0 +1,78 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <optional>
+
+#include "extension/widget_configuration.hpp"
+#include "model/timeline_cursor.hpp"
+#include "desktop/appearance.hpp"
+#include "desktop/core/options.hpp"
+#include "desktop/core/placement.hpp"
+#include "ui/widget_layout.hpp"
+
+namespace korvo::desktop {
+
+// One placed widget on the desktop: an undecorated, transparent window below the others that
+// shows the current entry of its provider's timeline.
+//
+// Wake-ups: one timer at the next entry's date or the reload date (none for a timeline that never
+// reloads) and, while the window is mapped, one at the moment a live relative text would change.
+class WidgetWindow {
+ public:
+  // `index` numbers the window among the placements (from 1) for its dump file's name.
+  WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
+               const HostOptions& options, const AppearanceWatch& appearance);
+  ~WidgetWindow();
+  WidgetWindow(const WidgetWindow&) = delete;
+  WidgetWindow& operator=(const WidgetWindow&) = delete;
+
+  const Placement& placement() const { return placement_; }
+  // The window's size in logical pixels: the card's points times the host's scale.
+  ui::Size logicalSize() const;
+  // Moves the window so its top-left corner is at `origin` (logical pixels) and shows it.
+  void place(ui::Point origin, ui::Rect workArea);
+  // The desktop's colours or scheme changed: lay out and paint again.
+  void appearanceChanged();
+  // Clicks and, without a compositor, the window itself follow the card's rounded corners.
+  void applyCardShape();
+  // Writes the laid-out tree to the dump directory, when there is one.
+  void dump();
+
+  // GTK signal handlers.
+  gboolean draw(cairo_t* cr);
+  gboolean buttonPress(GdkEventButton* event);
+  gboolean buttonRelease(GdkEventButton* event);
+  void mapped();
+  void unmapped();
+  void redraw();
+  gboolean timelineDue();
+  gboolean liveTextDue();
+
+ private:
+  ui::Environment environment() const;
+  double deviceScale() const;
+  void relayout();
+  void requestTimeline();
+  void showCurrentEntry();
+  void scheduleTimelineTimer();
+  void scheduleLiveTimer();
+  void cancel(guint& source);
+
+  const WidgetConfiguration& widget_;
+  Placement placement_;
+  int index_;
+  const HostOptions& options_;
+  const AppearanceWatch& appearance_;
+  GtkWidget* window_ = nullptr;
+  std::optional<TimelineCursor<AnyEntry>> cursor_;
+  std::optional<ui::WidgetLayout> layout_;
+  bool layoutStale_ = true;  // the entry, appearance, scale or a live text changed since layout_
+  bool mapped_ = false;
+  bool pressed_ = false;
+  bool layerShell_ = false;
+  guint timelineTimer_ = 0;
+  guint liveTimer_ = 0;
+};
+
+}  // namespace korvo::desktop

@@ -1,0 +1,358 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <ctime>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "desktop/desktop_harness.hpp"
+
+namespace korvo::desktop_test {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+constexpr int screenWidth = 1280;
+constexpr int screenHeight = 1024;
+
+// The shared file as the host application writes it, with the Codex weekly window `usedPercent`
+// used and a CPU temperature, all dated `unixNow` (Unix seconds).
+std::string usageSnapshot(int usedPercent, double temperature, double unixNow) {
+  const double now = unixNow - 978307200.0;
+  Json window{{"title", "Weekly"}, {"usedPercent", usedPercent}, {"resetsAt", now + 86400}};
+  Json codex{{"enabled", true},
+             {"snapshot", {{"windows", Json::array({window})}, {"fetchedAt", now}}},
+             {"isRefreshing", false}};
+  Json document{{"date", now},
+                {"temperature", temperature},
+                {"temperatureDate", now},
+                {"temperatureEnabled", true},
+                {"codex", codex},
+                {"claude", {{"enabled", false}, {"isRefreshing", false}}}};
+  return document.dump();
+}
+
+void collectTexts(const Json& node, std::vector<std::string>& texts) {
+  if (node.contains("text")) texts.push_back(node["text"].get<std::string>());
+  if (node.contains("children")) {
+    for (const auto& child : node["children"]) collectTexts(child, texts);
+  }
+}
+
+// Every text a dumped widget tree draws; empty when the dump is missing or half written.
+std::vector<std::string> dumpedTexts(const fs::path& file) {
+  const auto document = Json::parse(readFile(file), nullptr, false);
+  std::vector<std::string> texts;
+  if (document.is_object() && document.contains("tree")) collectTexts(document["tree"], texts);
+  return texts;
+}
+
+bool contains(const std::vector<std::string>& texts, const std::string& wanted) {
+  return std::find(texts.begin(), texts.end(), wanted) != texts.end();
+}
+
+// The clock moments (seconds since 2001) of the host's timeline requests for `kind`.
+std::vector<double> requestMoments(const std::string& log, const std::string& kind) {
+  std::vector<double> moments;
+  const std::string prefix = "timeline request for " + kind + " at ";
+  for (auto found = log.find(prefix); found != std::string::npos;
+       found = log.find(prefix, found + prefix.size())) {
+    moments.push_back(std::stod(log.substr(found + prefix.size())));
+  }
+  return moments;
+}
+
+const Json* findNode(const Json& node, const std::string& kind) {
+  if (node.value("kind", "") == kind) return &node;
+  if (node.contains("children")) {
+    for (const auto& child : node["children"]) {
+      if (const auto* found = findNode(child, kind)) return found;
+    }
+  }
+  return nullptr;
+}
+
+class DesktopHost : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
+    server_ = std::make_unique<XServer>(screenWidth, screenHeight, folder_.path());
+    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
+      fs::create_directories(folder_.path() / name);
+    }
+    environment_ = {
+        {"PATH", "/usr/bin:/bin"},
+        {"HOME", (folder_.path() / "home").string()},
+        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
+        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
+        // No system-wide handlers: only what a test registers opens korvo:// URLs.
+        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
+        {"DISPLAY", server_->display()},
+        {"GDK_BACKEND", "x11"},
+        {"NO_AT_BRIDGE", "1"},
+        {"LANG", "en_US.UTF-8"},
+        {"TZ", "UTC"},
+        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+        {"KORVO_HOST_DEBUG", "1"},
+        {"KORVO_TEST_URL_LOG", urlLog().string()},
+    };
+  }
+
+  void TearDown() override {
+    host_.reset();
+    server_.reset();
+  }
+
+  void startHost(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {KORVO_BINARY, "run"});
+    host_ =
+        std::make_unique<Process>(arguments, environment_, folder_.path() / "host.out", hostLog());
+  }
+
+  void registerUrlRecorder() {
+    std::string entry = readFile(KORVO_HOST_DESKTOP_DIR "/korvo-test-handler.desktop.in");
+    entry.replace(entry.find("@RECORDER@"), 10, KORVO_HOST_DESKTOP_DIR "/record-url.sh");
+    writeFile(folder_.path() / "data" / "applications" / "korvo-test-handler.desktop", entry);
+    writeFile(folder_.path() / "config" / "mimeapps.list",
+              readFile(KORVO_HOST_DESKTOP_DIR "/mimeapps.list"));
+  }
+
+  fs::path snapshotFile() const {
+    return folder_.path() / "data" / "app-groups" / "group.com.tessmoor.Korvo" /
+           "usage-snapshot.json";
+  }
+  fs::path hostLog() const { return folder_.path() / "host.err"; }
+  fs::path urlLog() const { return folder_.path() / "urls.txt"; }
+  fs::path dump(const std::string& name) const { return folder_.path() / "dump" / name; }
+
+  // The one mapped window titled `title`, once it is there.
+  std::optional<WindowGeometry> waitForWindow(const std::string& title) {
+    std::vector<std::string> ids;
+    waitFor([&] {
+      ids = visibleWindows(server_->display(), "^" + title + "$");
+      return ids.size() == 1;
+    });
+    if (ids.size() != 1) return std::nullopt;
+    return windowGeometry(server_->display(), ids.front());
+  }
+
+  std::vector<std::string> recordedURLs() {
+    std::vector<std::string> urls;
+    std::istringstream lines(readFile(urlLog()));
+    for (std::string line; std::getline(lines, line);) urls.push_back(line);
+    return urls;
+  }
+
+  TempFolder folder_;
+  std::unique_ptr<XServer> server_;
+  Environment environment_;
+  std::unique_ptr<Process> host_;
+};
+
+TEST_F(DesktopHost, DefaultPlacementsShowAllFourWidgetsInAColumnAtTheRightEdge) {
+  startHost({});
+  const std::vector<std::pair<std::string, WindowGeometry>> expected{
+      {"Memory", {0, 0, 170, 170}},
+      {"Keep Awake", {0, 0, 170, 170}},
+      {"AI Usage", {0, 0, 364, 170}},
+      {"CPU Temperature", {0, 0, 170, 170}},
+  };
+  std::vector<WindowGeometry> windows;
+  for (const auto& [title, size] : expected) {
+    const auto window = waitForWindow(title);
+    ASSERT_TRUE(window) << title << " never appeared; host log:\n" << readFile(hostLog());
+    EXPECT_EQ(window->width, size.width) << title;
+    EXPECT_EQ(window->height, size.height) << title;
+    EXPECT_EQ(window->x + window->width, screenWidth - 16) << title << " is not at the right edge";
+    if (!windows.empty()) {
+      EXPECT_GT(window->y, windows.back().y) << title << " is out of order";
+    }
+    windows.push_back(*window);
+  }
+
+  // Every card is painted: its middle is not the bare root window's colour.
+  const auto picture = folder_.path() / "screen.png";
+  const bool painted = waitFor([&] {
+    screenshot(server_->display(), picture);
+    const auto root = pixel(picture, 4, 4);
+    for (const auto& window : windows) {
+      const auto middle = pixel(picture, window.x + window.width / 2, window.y + window.height / 2);
+      if (middle.size() != 6 || middle == root) return false;
+    }
+    return true;
+  });
+  EXPECT_TRUE(painted) << "a card shows the bare root colour " << pixel(picture, 4, 4);
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(DesktopHost, TheKeepAwakeLinkOpensAwakeAndTheRestOfTheMemoryCardOpensResources) {
+  registerUrlRecorder();
+  // Where the link sits, as the headless renderer lays the same card out.
+  const auto rendered = runCommand(
+      {KORVO_BINARY, "render", "memory", "--family", "medium", "--format", "json"}, environment_);
+  ASSERT_EQ(rendered.exitStatus, 0);
+  const auto document = Json::parse(rendered.output);
+  const auto* link = findNode(document["tree"], "link");
+  ASSERT_NE(link, nullptr) << "the medium memory card has no link";
+  ASSERT_EQ((*link)["url"], "korvo://awake");
+  const auto& frame = (*link)["frame"];
+  const int linkX = static_cast<int>(frame["x"].get<double>() + frame["width"].get<double>() / 2);
+  const int linkY = static_cast<int>(frame["y"].get<double>() + frame["height"].get<double>() / 2);
+  // A point of the card well away from the link: the top-left of its content.
+  const int otherX = 24;
+  const int otherY = 24;
+  ASSERT_FALSE(otherX >= frame["x"].get<double>() && otherY >= frame["y"].get<double>());
+
+  startHost({"--widget", "memory:medium"});
+  const auto window = waitForWindow("Memory");
+  ASSERT_TRUE(window) << readFile(hostLog());
+  ASSERT_EQ(window->width, 364);
+
+  click(server_->display(), window->x + linkX, window->y + linkY);
+  ASSERT_TRUE(waitFor([&] { return recordedURLs().size() == 1; }))
+      << "the handler never ran; host log:\n"
+      << readFile(hostLog());
+  EXPECT_EQ(recordedURLs()[0], "korvo://awake");
+
+  click(server_->display(), window->x + otherX, window->y + otherY);
+  ASSERT_TRUE(waitFor([&] { return recordedURLs().size() == 2; })) << readFile(hostLog());
+  EXPECT_EQ(recordedURLs()[1], "korvo://resources");
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(DesktopHost, WithoutAKorvoHandlerAClickSaysSoOnOneLineAndTheHostKeepsRunning) {
+  startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
+  const auto window = waitForWindow("Keep Awake");
+  ASSERT_TRUE(window) << readFile(hostLog());
+
+  click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
+  ASSERT_TRUE(waitFor([&] {
+    return readFile(hostLog()).find("no application opened korvo://awake") != std::string::npos;
+  })) << readFile(hostLog());
+  EXPECT_TRUE(recordedURLs().empty());
+
+  // The main loop still answers: a dump request writes the tree again.
+  fs::remove(dump("1-awake-small.json"));
+  host_->signal(SIGUSR1);
+  EXPECT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(DesktopHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNever) {
+  const double start = static_cast<double>(std::time(nullptr));
+  writeFile(snapshotFile(), usageSnapshot(10, 41, start));
+  // 300 clock seconds per real second: the 900-second reload comes after three real seconds.
+  startHost({"--widget", "usage:medium", "--widget", "awake", "--time-rate", "300", "--dump-dir",
+             (folder_.path() / "dump").string()});
+  const auto usageDump = dump("1-usage-medium.json");
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "90"); }))
+      << "the first entry never showed 90 % left; host log:\n"
+      << readFile(hostLog());
+
+  writeFile(snapshotFile(), usageSnapshot(37, 77, start));
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "63"); }))
+      << "no reload showed the new file; host log:\n"
+      << readFile(hostLog());
+  // One more reload, so keep-awake has had every chance to ask again.
+  const auto before = requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size();
+  ASSERT_TRUE(waitFor([&] {
+    return requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size() > before;
+  }));
+
+  const auto log = readFile(hostLog());
+  const auto usage = requestMoments(log, "com.tessmoor.Korvo.usage");
+  for (std::size_t index = 1; index < usage.size(); ++index) {
+    EXPECT_GE(usage[index] - usage[index - 1], 900) << "a reload came early";
+  }
+  EXPECT_EQ(requestMoments(log, "com.tessmoor.Korvo.awake").size(), 1U) << log;
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(DesktopHost, TheSnapshotFileComingGoingAndBreakingOnlyChangesTheNextEntry) {
+  startHost({"--widget", "temperature", "--time-rate", "900", "--dump-dir",
+             (folder_.path() / "dump").string()});
+  const auto temperatureDump = dump("1-temperature-small.json");
+  const auto log = hostLog();
+  // Waits until two more requests have been answered, so the latest entry saw the change.
+  const auto nextEntries = [&] {
+    const auto seen = requestMoments(readFile(log), "com.tessmoor.Korvo.temperature").size();
+    return waitFor([&] {
+      return requestMoments(readFile(log), "com.tessmoor.Korvo.temperature").size() >= seen + 2;
+    });
+  };
+  const auto shows = [&](const std::string& text) {
+    return waitFor([&] { return contains(dumpedTexts(temperatureDump), text); });
+  };
+  const double now = static_cast<double>(std::time(nullptr));
+
+  ASSERT_TRUE(waitFor([&] { return fs::exists(temperatureDump); })) << readFile(log);
+  writeFile(snapshotFile(), usageSnapshot(10, 41, now));
+  ASSERT_TRUE(nextEntries());
+  EXPECT_TRUE(shows("41°C"));
+
+  writeFile(snapshotFile(), "{\"date\": 12, \"codex\": [broken");
+  ASSERT_TRUE(nextEntries());
+  EXPECT_FALSE(contains(dumpedTexts(temperatureDump), "41°C"));
+
+  writeFile(snapshotFile(), usageSnapshot(10, 77, now));
+  ASSERT_TRUE(nextEntries());
+  EXPECT_TRUE(shows("77°C"));
+
+  fs::remove(snapshotFile());
+  ASSERT_TRUE(nextEntries());
+  EXPECT_FALSE(contains(dumpedTexts(temperatureDump), "77°C"));
+
+  // A FIFO in the file's place must not stall the host.
+  ASSERT_EQ(mkfifo(snapshotFile().c_str(), 0600), 0);
+  ASSERT_TRUE(nextEntries());
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(DesktopHost, ThePlacementsFileIsFollowedAsItChangesAndABadOneKeepsTheWidgetsShown) {
+  const auto placements = folder_.path() / "config" / "korvo-widgets" / "placements.json";
+  writeFile(placements, R"([{"kind": "awake", "anchor": "top-left"}])");
+  startHost({});
+  const auto awake = waitForWindow("Keep Awake");
+  ASSERT_TRUE(awake) << readFile(hostLog());
+  EXPECT_EQ(awake->x, 16);
+  EXPECT_EQ(awake->y, 16);
+
+  writeFile(placements,
+            R"([{"kind": "memory", "family": "medium", "position": {"x": 100, "y": 200}}])");
+  const auto memory = waitForWindow("Memory");
+  ASSERT_TRUE(memory) << readFile(hostLog());
+  EXPECT_EQ(memory->x, 100);
+  EXPECT_EQ(memory->y, 200);
+  EXPECT_EQ(memory->width, 364);
+  EXPECT_TRUE(waitFor([&] { return visibleWindows(server_->display(), "^Keep Awake$").empty(); }));
+
+  writeFile(placements, R"([{"kind": "memory", "family": "large"}])");
+  ASSERT_TRUE(waitFor([&] {
+    return readFile(hostLog()).find(placements.string() +
+                                    ": [0].family: \"large\" is not offered by memory (small, "
+                                    "medium); keeping the widgets shown") != std::string::npos;
+  })) << readFile(hostLog());
+  EXPECT_EQ(visibleWindows(server_->display(), "^Memory$").size(), 1U);
+
+  // SIGHUP reads the file again: still bad, so the same line once more and nothing changes.
+  const auto complaints = [&] {
+    const auto text = readFile(hostLog());
+    std::size_t count = 0;
+    for (auto at = text.find("keeping the widgets shown"); at != std::string::npos;
+         at = text.find("keeping the widgets shown", at + 1)) {
+      ++count;
+    }
+    return count;
+  };
+  const auto before = complaints();
+  host_->signal(SIGHUP);
+  ASSERT_TRUE(waitFor([&] { return complaints() > before; }));
+  EXPECT_EQ(visibleWindows(server_->display(), "^Memory$").size(), 1U);
+  EXPECT_TRUE(host_->running());
+}
+
+}  // namespace
+}  // namespace korvo::desktop_test
