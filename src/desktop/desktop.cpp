@@ -8,6 +8,7 @@
 
 #include "extension/korvo_widgets.hpp"
 #include "desktop/core/placement_file.hpp"
+#include "shared/widget_snapshot_store.hpp"
 
 namespace korvo::desktop {
 namespace {
@@ -33,37 +34,6 @@ gboolean onStop(gpointer) {
 
 void onScreenChanged(GdkScreen*, gpointer host) {
   self(host).arrange();
-}
-
-bool namesFile(GFile* file, const std::string& name) {
-  if (file == nullptr) return false;
-  char* base = g_file_get_basename(file);
-  const bool same = base != nullptr && name == base;
-  g_free(base);
-  return same;
-}
-
-struct Watch {
-  DesktopHost* host;
-  std::string fileName;
-};
-
-void onDirectoryChanged(GFileMonitor*, GFile* file, GFile* other, GFileMonitorEvent event,
-                        gpointer data) {
-  const auto& watch = *static_cast<Watch*>(data);
-  if (!namesFile(file, watch.fileName) && !namesFile(other, watch.fileName)) return;
-  switch (event) {
-    case G_FILE_MONITOR_EVENT_CHANGES_DONE_HINT:
-    case G_FILE_MONITOR_EVENT_CREATED:
-    case G_FILE_MONITOR_EVENT_DELETED:
-    case G_FILE_MONITOR_EVENT_MOVED_IN:
-    case G_FILE_MONITOR_EVENT_MOVED_OUT:
-    case G_FILE_MONITOR_EVENT_RENAMED:
-      watch.host->reloadPlacements();
-      break;
-    default:
-      break;
-  }
 }
 
 ui::Rect workArea() {
@@ -100,14 +70,12 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
 DesktopHost::~DesktopHost() {
   g_signal_handlers_disconnect_by_data(gdk_screen_get_default(), this);
   for (const auto source : signalSources_) g_source_remove(source);
-  if (monitor_ != nullptr) {
-    g_file_monitor_cancel(monitor_);
-    g_object_unref(monitor_);
-  }
   windows_.clear();
 }
 
 void DesktopHost::run() {
+  // Watching before the first requests, so no publish falls between a request and the watch.
+  watchSharedFile();
   if (!options_.widgets.empty()) {
     auto parsed = parseWidgetArguments(options_.widgets, lookup_);
     if (auto* placements = std::get_if<std::vector<Placement>>(&parsed)) {
@@ -142,18 +110,19 @@ void DesktopHost::reloadPlacements() {
 
 void DesktopHost::watchPlacementsFile() {
   if (!placementsFile_) return;
-  // Watching the folder (created if need be) catches the file appearing, being replaced by a
-  // rename or vanishing, without the polling GIO falls back to for a missing folder.
-  const auto folder = placementsFile_->parent_path();
-  if (g_mkdir_with_parents(folder.c_str(), 0700) != 0) return;
-  GFile* directory = g_file_new_for_path(folder.c_str());
-  monitor_ = g_file_monitor_directory(directory, G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr);
-  g_object_unref(directory);
-  if (monitor_ == nullptr) return;
-  auto* watch = new Watch{this, placementsFile_->filename().string()};
-  g_signal_connect_data(
-      monitor_, "changed", G_CALLBACK(onDirectoryChanged), watch,
-      [](gpointer data, GClosure*) { delete static_cast<Watch*>(data); }, GConnectFlags{});
+  placementsWatch_ = std::make_unique<FileWatch>(*placementsFile_, [this] { reloadPlacements(); });
+}
+
+void DesktopHost::watchSharedFile() {
+  const auto url = WidgetSnapshotStore::fileURL();
+  if (!url) return;
+  sharedFileWatch_ = std::make_unique<FileWatch>(url->path, [this] { sharedFileChanged(); });
+}
+
+void DesktopHost::sharedFileChanged() {
+  for (const auto& window : windows_) {
+    if (window->widget().readsSharedFile) window->requestTimeline();
+  }
 }
 
 void DesktopHost::apply(std::vector<Placement> placements) {

@@ -12,6 +12,7 @@
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
 #include "desktop/core/widget_lookup.hpp"
+#include "desktop/file_watch.hpp"
 #include "desktop/window.hpp"
 
 namespace korvo::desktop {
@@ -37,10 +38,13 @@ class DesktopHost {
   // Writes every window's tree to the dump directory.
   void dumpAll();
   void appearanceChanged();
+  // The shared file changed: the widgets that show it ask their providers again at once.
+  void sharedFileChanged();
 
  private:
   void apply(std::vector<Placement> placements);
   void watchPlacementsFile();
+  void watchSharedFile();
 
   const std::vector<WidgetConfiguration>& widgets_;
   HostOptions options_;
@@ -48,7 +52,8 @@ class DesktopHost {
   std::unique_ptr<AppearanceWatch> appearance_;
   std::optional<std::filesystem::path> placementsFile_;
   std::vector<std::unique_ptr<WidgetWindow>> windows_;
-  GFileMonitor* monitor_ = nullptr;
+  std::unique_ptr<FileWatch> placementsWatch_;
+  std::unique_ptr<FileWatch> sharedFileWatch_;
   std::vector<guint> signalSources_;
 };
 

@@ -28,6 +28,7 @@ class WidgetWindow {
   WidgetWindow& operator=(const WidgetWindow&) = delete;
 
   const Placement& placement() const { return placement_; }
+  const WidgetConfiguration& widget() const { return widget_; }
   // The window's size in logical pixels: the card's points times the host's scale.
   ui::Size logicalSize() const;
   // Moves the window so its top-left corner is at `origin` (logical pixels) and shows it.
@@ -38,6 +39,8 @@ class WidgetWindow {
   void applyCardShape();
   // Writes the laid-out tree to the dump directory, when there is one.
   void dump();
+  // Asks the provider for a new timeline now and shows its current entry.
+  void requestTimeline();
 
   // GTK signal handlers.
   gboolean draw(cairo_t* cr);
@@ -53,7 +56,6 @@ class WidgetWindow {
   ui::Environment environment() const;
   double deviceScale() const;
   void relayout();
-  void requestTimeline();
   void showCurrentEntry();
   void scheduleTimelineTimer();
   void scheduleLiveTimer();

@@ -17,6 +17,7 @@ struct Description {
   std::string displayName;
   std::string description;
   std::vector<WidgetFamily> supportedFamilies;
+  bool readsSharedFile = false;
 };
 
 // A configuration around a typed provider: each request is passed on and its entries wrapped by
@@ -28,6 +29,7 @@ WidgetConfiguration configuration(Description description, Provider provider, Co
   widget.displayName = std::move(description.displayName);
   widget.description = std::move(description.description);
   widget.supportedFamilies = std::move(description.supportedFamilies);
+  widget.readsSharedFile = description.readsSharedFile;
   widget.placeholder = [provider, content](const TimelineContext& context) {
     return content(provider.placeholder(context));
   };
@@ -81,7 +83,8 @@ WidgetConfiguration KorvoUsageWidget::body() const {
        .displayName = _("AI Usage"),
        .description = _("Recent Codex and Claude subscription limits. Enable providers and keep "
                         "Korvo running to update snapshots."),
-       .supportedFamilies = {WidgetFamily::systemSmall, WidgetFamily::systemMedium}},
+       .supportedFamilies = {WidgetFamily::systemSmall, WidgetFamily::systemMedium},
+       .readsSharedFile = true},
       MonitorProvider{},
       [](const MonitorEntry& entry) { return WidgetContent::monitor(entry, false); });
 }
@@ -92,7 +95,8 @@ WidgetConfiguration KorvoTemperatureWidget::body() const {
        .displayName = _("CPU Temperature"),
        .description = _("A recent CPU temperature snapshot from Korvo. Enable temperature "
                         "monitoring in the app."),
-       .supportedFamilies = {WidgetFamily::systemSmall}},
+       .supportedFamilies = {WidgetFamily::systemSmall},
+       .readsSharedFile = true},
       MonitorProvider{},
       [](const MonitorEntry& entry) { return WidgetContent::monitor(entry, true); });
 }

@@ -17,6 +17,8 @@ struct WidgetConfiguration {
   std::string displayName;  // the gallery's title, localised
   std::string description;  // the gallery's explanation, localised
   std::vector<ui::WidgetFamily> supportedFamilies;  // small before medium
+  // The provider reads the shared file, so a host asks it again as soon as the file changes.
+  bool readsSharedFile = false;
 
   // The provider's requests; each completion is called exactly once before the call returns.
   std::function<AnyEntry(const TimelineContext&)> placeholder;

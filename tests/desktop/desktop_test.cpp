@@ -311,6 +311,36 @@ TEST_F(DesktopHost, TheSnapshotFileComingGoingAndBreakingOnlyChangesTheNextEntry
   EXPECT_TRUE(host_->running());
 }
 
+// The clock runs at its real rate, so the next reload is 15 minutes away: only the watch on the
+// shared file can bring the published figures in while the test waits.
+TEST_F(DesktopHost, APublishedFileReachesTheMonitorWidgetsAtOnce) {
+  startHost({"--widget", "usage:medium", "--widget", "temperature", "--widget", "memory",
+             "--dump-dir", (folder_.path() / "dump").string()});
+  const auto usageDump = dump("1-usage-medium.json");
+  const auto temperatureDump = dump("2-temperature-small.json");
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "Enable in Korvo"); }))
+      << readFile(hostLog());
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(temperatureDump), "Enable in Korvo"); }));
+  const auto requestsBefore = [&](const std::string& kind) {
+    return requestMoments(readFile(hostLog()), kind).size();
+  };
+  const auto memoryRequests = requestsBefore("com.tessmoor.Korvo.memory");
+
+  // Published the way korvo publishes: a temporary file renamed over the shared one.
+  const auto staging = snapshotFile().parent_path() / ".usage-snapshot.json.tmp";
+  writeFile(staging, usageSnapshot(42, 63, static_cast<double>(std::time(nullptr))));
+  fs::rename(staging, snapshotFile());
+
+  EXPECT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "58"); },
+                      std::chrono::seconds(10)))
+      << readFile(hostLog());
+  EXPECT_TRUE(waitFor([&] { return contains(dumpedTexts(temperatureDump), "63°C"); },
+                      std::chrono::seconds(10)));
+  EXPECT_FALSE(contains(dumpedTexts(temperatureDump), "Enable in Korvo"));
+  // The memory widget does not read the file and is not asked again.
+  EXPECT_EQ(requestsBefore("com.tessmoor.Korvo.memory"), memoryRequests);
+}
+
 TEST_F(DesktopHost, ThePlacementsFileIsFollowedAsItChangesAndABadOneKeepsTheWidgetsShown) {
   const auto placements = folder_.path() / "config" / "korvo-widgets" / "placements.json";
   writeFile(placements, R"([{"kind": "awake", "anchor": "top-left"}])");
