@@ -72,7 +72,11 @@ Document uninstall(Document settings, const std::optional<Document>& backup) {
 Decoded<Document> parse(std::string_view bytes) {
   // The strict reader refuses what a lenient parse would quietly resolve (a key given twice).
   auto checked = json_reader::parse(bytes);
-  if (auto* failure = std::get_if<DecodeFailure>(&checked)) return *failure;
+  if (auto* failure = std::get_if<DecodeFailure>(&checked)) {
+    // The parser quotes the text it stopped at; Claude's settings can hold keys and tokens.
+    const auto quote = failure->reason.find("; last read:");
+    return DecodeFailure{failure->reason.substr(0, quote)};
+  }
   if (!std::get<nlohmann::json>(checked).is_object()) {
     return DecodeFailure{"the top level is not an object"};
   }

@@ -44,9 +44,11 @@ void runStatusLine(const std::optional<std::string>& chain) {
   const auto windows = claude_status_line::parseWindows(input);
   std::ostringstream ignored;
   claude_update::apply(windows, settings_file::load(ignored));
-  if (chain) {
-    if (const auto output = runChained(*chain, input, chainLimit)) std::cout << output->out;
+  const auto chained = chain ? runChained(*chain, input, chainLimit) : std::nullopt;
+  if (chained) {
+    std::cout << chained->out;
   } else {
+    // Without a chain, or when the chained command cannot be started: korvo's own line.
     std::cout << claude_update::statusText(windows) << '\n';
   }
   std::cout.flush();

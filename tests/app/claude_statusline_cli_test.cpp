@@ -137,6 +137,14 @@ TEST_F(ClaudeInstallTest, InvalidJsonIsRefusedAndLeftUntouched) {
   EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
 }
 
+TEST_F(ClaudeInstallTest, TheRefusalDoesNotQuoteTheBrokenText) {
+  world.write("claude/settings.json", R"({"env":{"KEY":sk-ant-secret123}})");
+  const auto result = world.korvo({"claude-statusline", "--install"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.err, HasSubstr("not JSON at byte 15"));
+  EXPECT_EQ(result.err.find("sk-ant"), std::string::npos) << result.err;
+}
+
 TEST_F(ClaudeInstallTest, AStatusLineThatIsNotACommandIsRefused) {
   const std::string odd = R"({"statusLine":"~/.claude/line.sh"})";
   world.write("claude/settings.json", odd);
