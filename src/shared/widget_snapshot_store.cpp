@@ -1,13 +1,9 @@
 #include "shared/widget_snapshot_store.hpp"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <system_error>
 
 #include "shared/app_group.hpp"
+#include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "shared/widget_snapshot_json.hpp"
 
@@ -19,38 +15,6 @@ std::optional<std::filesystem::path> localPath(const Url& url) {
     return std::nullopt;
   }
   return std::filesystem::path(url.path);
-}
-
-bool writeAll(int fd, const std::string& bytes) {
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t done = ::write(fd, bytes.data() + written, bytes.size() - written);
-    if (done < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
-    written += static_cast<std::size_t>(done);
-  }
-  return true;
-}
-
-// The new content goes to a temporary file in the target's own directory (so the rename stays on
-// one file system), reaches the disk, and only then replaces the target in one step: a reader
-// sees the old file or the new one, never a part.
-bool replaceAtomically(const std::filesystem::path& target, const std::string& bytes) {
-  std::string name = ".";
-  name += target.filename().string();
-  name += ".XXXXXX";
-  std::string pattern = target.parent_path() / name;
-  const int fd = ::mkostemp(pattern.data(), O_CLOEXEC);
-  if (fd < 0) return false;
-  const bool written = ::fchmod(fd, 0644) == 0 && writeAll(fd, bytes) && ::fsync(fd) == 0;
-  const bool closed = ::close(fd) == 0;
-  if (!written || !closed || ::rename(pattern.c_str(), target.c_str()) != 0) {
-    ::unlink(pattern.c_str());
-    return false;
-  }
-  return true;
 }
 
 }  // namespace
@@ -97,7 +61,7 @@ bool save(const WidgetSnapshot& snapshot, const std::optional<Url>& url) {
   if (error) return false;
   const auto bytes = encodeWidgetSnapshot(snapshot);
   if (!bytes) return false;
-  return replaceAtomically(*path, *bytes);
+  return replaceFileAtomically(*path, *bytes);
 }
 
 }  // namespace korvo::WidgetSnapshotStore

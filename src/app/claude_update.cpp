@@ -1,0 +1,91 @@
+#include "app/claude_update.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "app/shared_file.hpp"
+#include "app/shared_file_lock.hpp"
+#include "base/clock.hpp"
+#include "base/text.hpp"
+#include "shared/widget_snapshot_store.hpp"
+#include "sources/claude_status_line.hpp"
+
+namespace korvo::claude_update {
+namespace {
+
+// Where a window goes in the list: the five-hour window first, the weekly one next, others after.
+int order(const UsageWindow& window) {
+  if (window.title == "5-hour") return 0;
+  if (window.title == "Weekly") return 1;
+  return 2;
+}
+
+std::vector<UsageWindow> mergedWindows(const std::vector<UsageWindow>& stored,
+                                       const std::vector<UsageWindow>& fresh) {
+  std::vector<UsageWindow> merged = fresh;
+  for (const UsageWindow& window : stored) {
+    const bool replaced = std::any_of(
+        fresh.begin(), fresh.end(), [&](const UsageWindow& f) { return f.title == window.title; });
+    if (!replaced) merged.push_back(window);
+  }
+  std::stable_sort(merged.begin(), merged.end(),
+                   [](const UsageWindow& a, const UsageWindow& b) { return order(a) < order(b); });
+  return merged;
+}
+
+}  // namespace
+
+std::optional<WidgetSnapshot> merge(const std::optional<WidgetSnapshot>& current,
+                                    const std::vector<UsageWindow>& windows,
+                                    const Settings& settings, Date now) {
+  if (windows.empty() || !settings.claude) return std::nullopt;
+  WidgetSnapshot snapshot;
+  if (current) {
+    snapshot = *current;
+  } else {
+    snapshot.temperatureEnabled = settings.temperature;
+    snapshot.codex.enabled = settings.codex;
+  }
+  const UsageState before = snapshot.claude;
+  const std::vector<UsageWindow> stored =
+      before.snapshot ? before.snapshot->windows : std::vector<UsageWindow>{};
+  UsageState after{true,
+                   UsageSnapshot{mergedWindows(stored, windows), now,
+                                 std::string(claude_status_line::sourceName)},
+                   std::nullopt, false};
+  if (current && before.snapshot) {
+    UsageState unchanged = after;
+    unchanged.snapshot->fetchedAt = before.snapshot->fetchedAt;
+    const bool fresh = now.secondsSince(before.snapshot->fetchedAt) <= refreshSeconds;
+    if (unchanged == before && fresh) return std::nullopt;
+  }
+  snapshot.claude = std::move(after);
+  snapshot.date = now;
+  return snapshot;
+}
+
+std::string statusText(const std::vector<UsageWindow>& windows) {
+  if (windows.empty()) return _("Claude · no limits yet");
+  std::string text;
+  for (const UsageWindow& window : windows) {
+    text += (text.empty() ? "" : " | ") + window.remainingSummary();
+  }
+  return text;
+}
+
+void apply(const std::vector<UsageWindow>& windows, const Settings& settings) {
+  if (windows.empty() || !settings.claude) return;
+  try {
+    const auto file = shared_file::path();
+    auto lock = SharedFileLock::acquire(file);
+    if (!lock) return;
+    const auto url = Url::file(file);
+    if (auto snapshot = merge(WidgetSnapshotStore::load(url), windows, settings, clock::now())) {
+      WidgetSnapshotStore::save(*snapshot, url);
+    }
+  } catch (const std::exception&) {
+    // No place for the shared file: the status line still prints.
+  }
+}
+
+}  // namespace korvo::claude_update

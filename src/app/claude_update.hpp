@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/settings.hpp"
+#include "base/date.hpp"
+#include "shared/widget_snapshot.hpp"
+
+namespace korvo::claude_update {
+
+// Stored Claude figures older than this are written again even when unchanged, so the widgets
+// can tell live figures from old ones.
+inline constexpr double refreshSeconds = 60;
+
+// The snapshot with Claude's `windows` merged in at `now` (windows of those titles replaced,
+// others kept, "5-hour" before "Weekly"; fetchedAt now, source "Claude Code", no message); none
+// when nothing needs writing: no windows, Claude switched off, or the same figures stored less
+// than refreshSeconds ago. Without a current file the rest starts as the settings say.
+std::optional<WidgetSnapshot> merge(const std::optional<WidgetSnapshot>& current,
+                                    const std::vector<UsageWindow>& windows,
+                                    const Settings& settings, Date now);
+
+// The short line a status line shows: "5-hour · 72% left | Weekly · 58% left".
+std::string statusText(const std::vector<UsageWindow>& windows);
+
+// Merges under the shared file's lock and saves when needed; every failure is silent, because a
+// broken status line must never break Claude Code.
+void apply(const std::vector<UsageWindow>& windows, const Settings& settings);
+
+}  // namespace korvo::claude_update

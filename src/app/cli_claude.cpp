@@ -1,0 +1,92 @@
+#include <unistd.h>
+
+#include <cerrno>
+#include <iostream>
+
+#include "app/chained_command.hpp"
+#include "app/claude_settings_file.hpp"
+#include "app/claude_update.hpp"
+#include "app/cli_commands.hpp"
+#include "app/exit_codes.hpp"
+#include "app/settings_file.hpp"
+#include "sources/claude_status_line.hpp"
+
+namespace korvo::app {
+namespace {
+
+// A chained status line gets this long before it is stopped.
+constexpr std::chrono::seconds chainLimit{10};
+
+// Standard input up to the limit; what lies beyond is left unread.
+std::string readInput() {
+  std::string input(claude_status_line::maxInputBytes, '\0');
+  std::size_t filled = 0;
+  while (filled < input.size()) {
+    const ssize_t got = ::read(STDIN_FILENO, input.data() + filled, input.size() - filled);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  input.resize(filled);
+  return input;
+}
+
+std::filesystem::path thisExecutable() {
+  std::error_code error;
+  auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) throw std::runtime_error("cannot find korvo's own path");
+  return path;
+}
+
+// Claude Code shows whatever the status line prints, so nothing here may fail out loud.
+void runStatusLine(const std::optional<std::string>& chain) {
+  const std::string input = readInput();
+  const auto windows = claude_status_line::parseWindows(input);
+  std::ostringstream ignored;
+  claude_update::apply(windows, settings_file::load(ignored));
+  const auto chained = chain ? runChained(*chain, input, chainLimit) : std::nullopt;
+  if (chained) {
+    std::cout << chained->out;
+  } else {
+    // Without a chain, or when the chained command cannot be started: korvo's own line.
+    std::cout << claude_update::statusText(windows) << '\n';
+  }
+  std::cout.flush();
+}
+
+}  // namespace
+
+void addClaudeStatusLineCommand(CLI::App& app, int& exitCode) {
+  auto* command = app.add_subcommand(
+      "claude-statusline",
+      "Claude Code's status line: take the limits from its input into the shared file");
+  struct Options {
+    std::string chain;
+    bool install = false;
+    bool uninstall = false;
+  };
+  auto options = std::make_shared<Options>();
+  command->add_option("--chain", options->chain,
+                      "Run CMD with the same input and print its output instead");
+  auto* install = command->add_flag("--install", options->install,
+                                    "Make this Claude Code's status line (keeps a backup)");
+  auto* uninstall = command->add_flag("--uninstall", options->uninstall,
+                                      "Put back the status line that was there before");
+  install->excludes(uninstall);
+  command->callback([options, &exitCode] {
+    if (options->install) {
+      std::cout << claude_settings_file::install(thisExecutable()) << '\n';
+    } else if (options->uninstall) {
+      std::cout << claude_settings_file::uninstall() << '\n';
+    } else {
+      try {
+        runStatusLine(options->chain.empty() ? std::nullopt : std::optional(options->chain));
+      } catch (const std::exception&) {
+        // Still exit 0: Claude Code keeps its status line.
+      }
+    }
+    exitCode = exitSuccess;
+  });
+}
+
+}  // namespace korvo::app

@@ -1,0 +1,42 @@
+#include <iostream>
+
+#include "app/cli_commands.hpp"
+#include "app/exit_codes.hpp"
+#include "app/publisher.hpp"
+#include "app/settings_file.hpp"
+#include "base/clock.hpp"
+#include "shared/moment_text.hpp"
+
+namespace korvo::app {
+
+void addPublishCommand(CLI::App& app, int& exitCode) {
+  auto* command = app.add_subcommand(
+      "publish", "Collect the CPU temperature and Codex's limits once and write the shared file");
+  struct Options {
+    bool print = false;
+    std::string now;
+  };
+  auto options = std::make_shared<Options>();
+  command->add_flag("--print", options->print, "Write nothing; print the bytes it would write");
+  command->add_option("--now", options->now,
+                      "The moment to publish at: ISO 8601 with a zone, or Unix seconds");
+  command->callback([options, &exitCode] {
+    if (!options->now.empty()) {
+      const auto moment = parseMoment(options->now);
+      if (!moment) {
+        throw UsageError("--now: not a moment: \"" + options->now +
+                         "\"; valid: ISO 8601 with a zone or Unix seconds");
+      }
+      clock::setFixed(*moment);
+    }
+    const Settings settings = settings_file::load(std::cerr);
+    if (options->print) {
+      std::cout << publisher::preview(settings) << std::flush;
+    } else {
+      publisher::publish(settings);
+    }
+    exitCode = exitSuccess;
+  });
+}
+
+}  // namespace korvo::app

@@ -1,0 +1,45 @@
+#include <algorithm>
+#include <iostream>
+
+#include "app/cli_commands.hpp"
+#include "app/exit_codes.hpp"
+#include "app/settings_file.hpp"
+
+namespace korvo::app {
+
+void addSettingsCommand(CLI::App& app, int& exitCode) {
+  auto* command = app.add_subcommand(
+      "settings", "Print every setting, print one (KEY), or change one (KEY VALUE)");
+  struct Options {
+    std::string key;
+    std::optional<std::string> value;
+  };
+  auto options = std::make_shared<Options>();
+  command->add_option("KEY", options->key,
+                      "temperature, codex, claude, codexHome, "
+                      "publishSeconds, awakeMinutes, memoryDisplayMode");
+  command->add_option("VALUE", options->value, "The new value (an empty codexHome removes it)");
+  command->callback([options, &exitCode] {
+    if (options->value) {
+      settings_file::set(options->key, settingValue(options->key, *options->value));
+      exitCode = exitSuccess;
+      return;
+    }
+    const auto document = settingsDocument(settings_file::load(std::cerr));
+    if (options->key.empty()) {
+      std::cout << document.dump(2) << '\n';
+    } else if (std::find(settingKeys.begin(), settingKeys.end(), options->key) ==
+               settingKeys.end()) {
+      settingValue(options->key, "");  // throws the usage error naming the keys
+    } else if (!document.contains(options->key)) {
+      std::cout << '\n';  // codexHome unset
+    } else if (const auto& value = document[options->key]; value.is_string()) {
+      std::cout << value.get<std::string>() << '\n';
+    } else {
+      std::cout << value.dump() << '\n';
+    }
+    exitCode = exitSuccess;
+  });
+}
+
+}  // namespace korvo::app

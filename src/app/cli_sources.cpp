@@ -1,0 +1,93 @@
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "app/cli_commands.hpp"
+#include "app/exit_codes.hpp"
+#include "app/publisher.hpp"
+#include "app/settings_file.hpp"
+#include "base/c_format.hpp"
+#include "shared/moment_text.hpp"
+#include "shared/usage_json.hpp"
+#include "sources/cpu_temperature.hpp"
+#include "sources/user_paths.hpp"
+
+namespace korvo::app {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+void printTemperature(const CpuTemperature& reading, bool json) {
+  if (json) {
+    Json document{{"celsius", reading.celsius},
+                  {"chip", reading.chip},
+                  {"label", reading.label},
+                  {"file", reading.file.string()}};
+    std::cout << document.dump() << '\n';
+    return;
+  }
+  std::string line = cFormat("%.1f°C", reading.celsius) + " · " + reading.chip;
+  if (!reading.label.empty()) line += " · " + reading.label;
+  std::cout << line << " · " << reading.file.string() << '\n';
+}
+
+void printCodex(const UsageState& state, const std::optional<CodexLimits>& limits, bool json) {
+  if (json) {
+    const auto encoded = encodeUsageState(state);
+    if (!encoded) throw std::runtime_error("the Codex state holds a number JSON cannot carry");
+    Json document{{"state", Json::parse(*encoded)}, {"rollout", nullptr}};
+    if (limits) document["rollout"] = limits->rollout.string();
+    std::cout << document.dump() << '\n';
+    return;
+  }
+  if (!state.enabled) {
+    std::cout << "Codex is switched off in korvo's settings\n";
+    return;
+  }
+  if (state.message) std::cout << *state.message << '\n';
+  if (!state.snapshot) return;
+  for (const UsageWindow& window : state.snapshot->windows) {
+    std::cout << window.remainingSummary() << " · " << window.resetText() << '\n';
+  }
+  std::cout << "Fetched " << isoMoment(state.snapshot->fetchedAt) << " from "
+            << limits->rollout.string() << '\n';
+}
+
+}  // namespace
+
+void addTemperatureCommand(CLI::App& app, int& exitCode) {
+  auto* command = app.add_subcommand(
+      "temperature", "The hottest CPU sensor: degrees Celsius, chip, label and file");
+  auto json = std::make_shared<bool>(false);
+  command->add_flag("--json", *json, "One JSON object: celsius, chip, label, file");
+  command->callback([json, &exitCode] {
+    const auto root = systemRoot();
+    const auto reading = readCpuTemperature(root);
+    if (!reading) {
+      std::cerr << "korvo: no CPU temperature sensor under " << (root / "sys").string() << '\n';
+      exitCode = exitFailure;
+      return;
+    }
+    printTemperature(*reading, *json);
+    exitCode = exitSuccess;
+  });
+}
+
+void addCodexCommand(CLI::App& app, int& exitCode) {
+  auto* command = app.add_subcommand(
+      "codex", "The Codex state publish would write, and the rollout it came from");
+  auto json = std::make_shared<bool>(false);
+  command->add_flag("--json", *json, "One JSON object: state (as in the shared file), rollout");
+  command->callback([json, &exitCode] {
+    const Settings settings = settings_file::load(std::cerr);
+    std::optional<std::variant<CodexLimits, CodexShortfall>> found;
+    if (settings.codex) found = publisher::readCodex(settings);
+    const UsageState state = publisher::codexState(settings.codex, found);
+    std::optional<CodexLimits> limits;
+    if (found && std::holds_alternative<CodexLimits>(*found))
+      limits = std::get<CodexLimits>(*found);
+    printCodex(state, limits, *json);
+    exitCode = state.enabled && !state.snapshot ? exitFailure : exitSuccess;
+  });
+}
+
+}  // namespace korvo::app

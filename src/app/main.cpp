@@ -1,0 +1,48 @@
+#include <CLI/CLI.hpp>
+#include <clocale>
+#include <iostream>
+
+#include "app/cli_commands.hpp"
+#include "app/exit_codes.hpp"
+
+namespace {
+
+// CLI11's own messages can span lines; the first one names the problem.
+std::string firstLine(const std::string& text) {
+  return text.substr(0, text.find('\n'));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
+  std::setlocale(LC_ALL, "");
+
+  CLI::App app("Korvo: publishes the CPU temperature and the AI limits for the widgets.", "korvo");
+  app.require_subcommand(1);
+  int exitCode = korvo::app::exitSuccess;
+  korvo::app::addPublishCommand(app, exitCode);
+  korvo::app::addTemperatureCommand(app, exitCode);
+  korvo::app::addCodexCommand(app, exitCode);
+  korvo::app::addClaudeStatusLineCommand(app, exitCode);
+  korvo::app::addSettingsCommand(app, exitCode);
+  korvo::app::addServiceCommand(app, exitCode);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& help) {
+    return app.exit(help);
+  } catch (const CLI::CallForAllHelp& help) {
+    return app.exit(help);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "korvo: " << firstLine(error.what()) << '\n';
+    return korvo::app::exitUsage;
+  } catch (const korvo::app::UsageError& error) {
+    std::cerr << "korvo: " << error.what() << '\n';
+    return korvo::app::exitUsage;
+  } catch (const std::exception& error) {
+    std::cerr << "korvo: " << error.what() << '\n';
+    return korvo::app::exitFailure;
+  }
+  return exitCode;
+}

@@ -1,0 +1,98 @@
+#include "app/publisher.hpp"
+
+#include <stdexcept>
+
+#include "app/claude_settings_file.hpp"
+#include "app/shared_file.hpp"
+#include "app/shared_file_lock.hpp"
+#include "base/clock.hpp"
+#include "base/text.hpp"
+#include "shared/url.hpp"
+#include "shared/widget_snapshot_json.hpp"
+#include "shared/widget_snapshot_store.hpp"
+#include "sources/user_paths.hpp"
+
+namespace korvo::publisher {
+namespace {
+
+UsageState claudeState(const std::optional<WidgetSnapshot>& current, bool enabled,
+                       bool statusLineInstalled) {
+  if (!enabled) return {};
+  UsageState state = current ? current->claude : UsageState{};
+  state.enabled = true;
+  state.isRefreshing = false;
+  if (!state.snapshot) {
+    state.message =
+        statusLineInstalled ? std::nullopt : std::optional(_("Claude status line not set up"));
+  }
+  return state;
+}
+
+std::optional<WidgetSnapshot> currentSnapshot(const std::filesystem::path& file) {
+  return WidgetSnapshotStore::load(Url::file(file));
+}
+
+}  // namespace
+
+std::variant<CodexLimits, CodexShortfall> readCodex(const Settings& settings) {
+  const auto home =
+      settings.codexHome ? std::filesystem::path(*settings.codexHome) : codexHomeDirectory();
+  if (!home) return CodexShortfall::noSessions;
+  return readCodexLimits(*home);
+}
+
+Collected collect(const Settings& settings) {
+  Collected collected;
+  if (settings.temperature) collected.temperature = readCpuTemperature(systemRoot());
+  if (settings.codex) collected.codex = readCodex(settings);
+  if (settings.claude) collected.claudeStatusLineInstalled = claude_settings_file::runsKorvo();
+  return collected;
+}
+
+UsageState codexState(bool enabled,
+                      const std::optional<std::variant<CodexLimits, CodexShortfall>>& found) {
+  if (!enabled) return {};
+  UsageState state{true, std::nullopt, std::nullopt, false};
+  if (!found) return state;
+  if (const auto* limits = std::get_if<CodexLimits>(&*found)) {
+    state.snapshot = limits->snapshot;
+  } else {
+    state.message = message(std::get<CodexShortfall>(*found));
+  }
+  return state;
+}
+
+WidgetSnapshot compose(const std::optional<WidgetSnapshot>& current, const Settings& settings,
+                       const Collected& collected, Date now) {
+  WidgetSnapshot snapshot;
+  snapshot.date = now;
+  snapshot.temperatureEnabled = settings.temperature;
+  if (settings.temperature && collected.temperature) {
+    snapshot.temperature = collected.temperature->celsius;
+    snapshot.temperatureDate = now;
+  }
+  snapshot.codex = codexState(settings.codex, collected.codex);
+  snapshot.claude = claudeState(current, settings.claude, collected.claudeStatusLineInstalled);
+  return snapshot;
+}
+
+void publish(const Settings& settings) {
+  const auto file = shared_file::path();
+  const Collected collected = collect(settings);
+  auto lock = SharedFileLock::acquire(file);
+  if (!lock) throw std::runtime_error("cannot lock the shared file beside " + file.string());
+  const auto snapshot = compose(currentSnapshot(file), settings, collected, clock::now());
+  if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
+    throw std::runtime_error("cannot write the shared file " + file.string());
+  }
+}
+
+std::string preview(const Settings& settings) {
+  const auto file = shared_file::path();
+  const auto snapshot = compose(currentSnapshot(file), settings, collect(settings), clock::now());
+  auto bytes = encodeWidgetSnapshot(snapshot);
+  if (!bytes) throw std::runtime_error("the snapshot holds a number JSON cannot carry");
+  return *bytes;
+}
+
+}  // namespace korvo::publisher

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "app/settings.hpp"
+#include "base/date.hpp"
+#include "shared/widget_snapshot.hpp"
+#include "sources/codex_rollouts.hpp"
+#include "sources/cpu_temperature.hpp"
+
+namespace korvo::publisher {
+
+// What one publication found, each part only when its setting is on.
+struct Collected {
+  std::optional<CpuTemperature> temperature;
+  std::optional<std::variant<CodexLimits, CodexShortfall>> codex;
+  bool claudeStatusLineInstalled = false;  // Claude's settings already run korvo claude-statusline
+
+  friend bool operator==(const Collected&, const Collected&) = default;
+};
+
+// Reads the sources that `settings` switch on: the CPU temperature under $KORVO_SYSROOT, Codex's
+// rollouts, and whether Claude's settings run korvo.
+Collected collect(const Settings& settings);
+
+// Codex's limits from its folder: the codexHome setting, else $CODEX_HOME, else ~/.codex.
+std::variant<CodexLimits, CodexShortfall> readCodex(const Settings& settings);
+
+// The Codex state a publication writes from what was found.
+UsageState codexState(bool enabled,
+                      const std::optional<std::variant<CodexLimits, CodexShortfall>>& found);
+
+// The snapshot a publication writes at `now` over the file's `current` one: the temperature and
+// Codex's state anew, Claude's figures as the file holds them.
+WidgetSnapshot compose(const std::optional<WidgetSnapshot>& current, const Settings& settings,
+                       const Collected& collected, Date now);
+
+// Collects, then under the shared file's lock reads it, composes and saves it. Throws
+// std::runtime_error with a one-line message when the file has no place or cannot be written.
+void publish(const Settings& settings);
+
+// The bytes publish would write now, without writing anything.
+std::string preview(const Settings& settings);
+
+}  // namespace korvo::publisher
