@@ -140,6 +140,10 @@ std::optional<ScreenAnchor> anchorFromName(std::string_view name) {
 }
 
 PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup) {
+  // The parser takes a NUL byte for the end of its input; JSON has no place for one anywhere.
+  if (const auto nul = json.find('\0'); nul != std::string_view::npos) {
+    return PlacementError{"not valid JSON (NUL byte at byte " + std::to_string(nul + 1) + ")"};
+  }
   Json document;
   try {
     document = Json::parse(json);

@@ -7,6 +7,7 @@ if(TARGET korvo_desktop)
       host_appearance_test.cpp
       host_card_shape_test.cpp
       host_placement_file_test.cpp
+      host_placement_nul_byte_test.cpp
       host_placement_test.cpp
       host_schedule_test.cpp
     LIBRARIES korvo_desktop)
