@@ -10,6 +10,7 @@ if(TARGET korvo_desktop)
       host_placement_nul_byte_test.cpp
       host_placement_test.cpp
       host_schedule_test.cpp
+      host_wake_up_test.cpp
     LIBRARIES korvo_desktop)
 
   korvo_add_test(host_desktop_test
