@@ -6,6 +6,7 @@ if(TARGET korvo_desktop)
       host_accessibility_test.cpp
       host_appearance_test.cpp
       host_card_shape_test.cpp
+      host_placement_bounds_test.cpp
       host_placement_file_test.cpp
       host_placement_nul_byte_test.cpp
       host_placement_test.cpp
