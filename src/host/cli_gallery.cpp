@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "base/clock.hpp"
@@ -122,13 +121,13 @@ void run(const GalleryOptions& options, CommandOutcome& outcome) {
           environment.now = clock::now();
           const auto png = renderEntry(widget, entry, environment, OutputFormat::png, 2);
           const std::filesystem::path path = directory / picture.file;
-          std::ofstream file(path, std::ios::binary | std::ios::trunc);
-          if (png) {
-            file.write(png->data(), static_cast<std::streamsize>(png->size()));
-          }
-          file.close();
-          if (!png || !file) {
+          if (!png) {
             std::cerr << "korvo-widgets: cannot render " << path.string() << '\n';
+            outcome.exitCode = exitFailure;
+            return;
+          }
+          if (const auto failure = writeFile(path, *png)) {
+            std::cerr << "korvo-widgets: " << *failure << '\n';
             outcome.exitCode = exitFailure;
             return;
           }
@@ -140,11 +139,8 @@ void run(const GalleryOptions& options, CommandOutcome& outcome) {
   }
 
   const std::filesystem::path index = directory / "index.html";
-  std::ofstream page(index, std::ios::trunc);
-  page << indexPage(pictures);
-  page.close();
-  if (!page) {
-    std::cerr << "korvo-widgets: cannot write " << index.string() << '\n';
+  if (const auto failure = writeFile(index, indexPage(pictures))) {
+    std::cerr << "korvo-widgets: " << *failure << '\n';
     outcome.exitCode = exitFailure;
     return;
   }

@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "base/clock.hpp"
@@ -26,17 +25,10 @@ struct RenderOptions {
   std::string output;
 };
 
-// Bytes to standard output or a file; false when the file cannot be written.
-bool writeOutput(const std::string& bytes, const std::string& path) {
-  if (path.empty() || path == "-") {
-    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    std::cout.flush();
-    return static_cast<bool>(std::cout);
-  }
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  return static_cast<bool>(file);
+// Bytes to standard output or a file; the reason when they cannot be written.
+std::optional<std::string> writeOutput(const std::string& bytes, const std::string& path) {
+  if (path.empty() || path == "-") return writeStandardOutput(bytes);
+  return writeFile(path, bytes);
 }
 
 std::optional<Url> snapshotURL(const std::string& path) {
@@ -83,8 +75,8 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
     outcome.exitCode = exitFailure;
     return;
   }
-  if (!writeOutput(*bytes, options.output)) {
-    std::cerr << "korvo-widgets: cannot write " << options.output << '\n';
+  if (const auto failure = writeOutput(*bytes, options.output)) {
+    std::cerr << "korvo-widgets: " << *failure << '\n';
     outcome.exitCode = exitFailure;
     return;
   }

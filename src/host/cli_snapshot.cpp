@@ -4,6 +4,7 @@
 #include "base/c_format.hpp"
 #include "host/cli_commands.hpp"
 #include "host/cli_moment.hpp"
+#include "host/cli_widgets.hpp"
 #include "shared/widget_snapshot_json.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
@@ -69,8 +70,11 @@ void check(const CheckOptions& options, CommandOutcome& outcome) {
       return;
     }
     std::cerr << "korvo-widgets: " << where << " is readable; its encoding follows\n";
-    std::cout.write(bytes->data(), static_cast<std::streamsize>(bytes->size()));
-    std::cout.flush();
+    if (const auto failure = writeStandardOutput(*bytes)) {
+      std::cerr << "korvo-widgets: " << *failure << '\n';
+      outcome.exitCode = exitFailure;
+      return;
+    }
     outcome.exitCode = exitSuccess;
     return;
   }

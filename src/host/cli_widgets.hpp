@@ -1,6 +1,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -61,5 +63,16 @@ CLI::Option* addChoice(CLI::App* command, const std::string& name, T& target,
 // Pins the one clock to a moment given as ISO 8601 or Unix seconds; a UsageError for anything
 // else. An empty text leaves the clock alone.
 void pinClock(const std::string& moment);
+
+// Writes `bytes` to the file at `path`, replacing what it held; otherwise the reason, naming the
+// file ("cannot write out.png: No space left on device").
+std::optional<std::string> writeFile(const std::filesystem::path& path, std::string_view bytes);
+
+// Writes `bytes` to standard output now; the reason when they could not all be written
+// ("cannot write standard output: No space left on device").
+std::optional<std::string> writeStandardOutput(std::string_view bytes);
+
+// Flushes standard output; the reason when anything written to it was lost.
+std::optional<std::string> standardOutputFailure();
 
 }  // namespace korvo::cli

@@ -81,5 +81,11 @@ int main(int argc, char** argv) {
     std::cerr << "korvo-widgets: " << error.what() << '\n';
     return korvo::cli::exitUsage;
   }
+  // Output that never arrived is a failure (a command that failed has said why already).
+  if (outcome.exitCode != korvo::cli::exitSuccess) return outcome.exitCode;
+  if (const auto failure = korvo::cli::standardOutputFailure()) {
+    std::cerr << "korvo-widgets: " << *failure << '\n';
+    return korvo::cli::exitFailure;
+  }
   return outcome.exitCode;
 }
