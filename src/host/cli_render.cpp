@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <filesystem>
 #include <iostream>
 
@@ -50,6 +52,12 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
   }
   if (options.scale && !(*options.scale > 0 && *options.scale <= 16)) {
     throw UsageError("--scale: must be a number above 0 and at most 16");
+  }
+  // PNG bytes on a terminal are noise that can leave it in a strange state.
+  if (options.format == OutputFormat::png && (options.output.empty() || options.output == "-") &&
+      ::isatty(STDOUT_FILENO) == 1) {
+    throw UsageError(
+        "standard output is a terminal; write the PNG to a file with -o FILE (or pipe it)");
   }
   pinClock(options.now);
 
