@@ -7,6 +7,7 @@
 #include "host/cli_commands.hpp"
 #include "host/cli_render_widget.hpp"
 #include "host/cli_widgets.hpp"
+#include "shared/widget_snapshot_store.hpp"
 #include "ui/color.hpp"
 
 namespace korvo::cli {
@@ -64,6 +65,13 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
   TimelineContext context{.isPreview = false, .family = options.family};
   if (!options.snapshotFile.empty()) {
     context.snapshotFile = snapshotURL(options.snapshotFile);
+    // A file the user named is expected to be read: say why it is not. The card stays what the
+    // widget shows without the file.
+    const Decoded<WidgetSnapshot> decoded = WidgetSnapshotStore::inspect(context.snapshotFile);
+    if (const auto* failure = std::get_if<DecodeFailure>(&decoded)) {
+      std::cerr << "korvo-widgets: --snapshot-file " << options.snapshotFile << ": "
+                << failure->reason << '\n';
+    }
   }
   const AnyEntry entry = requestEntry(widget, options.entry, context);
 
