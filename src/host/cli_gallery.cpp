@@ -11,7 +11,7 @@ namespace {
 
 struct GalleryOptions {
   std::string directory = "korvo-gallery";
-  std::string now;
+  std::optional<std::string> now;
 };
 
 struct Picture {
@@ -93,6 +93,9 @@ std::string indexPage(const std::vector<Picture>& pictures) {
 }
 
 void run(const GalleryOptions& options, CommandOutcome& outcome) {
+  if (options.directory.empty()) {
+    throw UsageError("-o: an empty name names no folder");
+  }
   pinClock(options.now);
   const std::filesystem::path directory = options.directory;
   std::error_code error;
@@ -158,8 +161,8 @@ void addGalleryCommand(CLI::App& app, CommandOutcome& outcome) {
   auto options = std::make_shared<GalleryOptions>();
   command->add_option("-o,--output", options->directory, "Folder to write into (created).")
       ->default_str("korvo-gallery");
-  command->add_option("--now", options->now,
-                      "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] { run(*options, outcome); });
 }
 

@@ -18,10 +18,10 @@ struct RenderOptions {
   ui::WidgetFamily family = ui::WidgetFamily::systemSmall;
   EntryRequest entry = EntryRequest::timeline;
   std::string snapshotFile;
-  std::string now;
+  std::optional<std::string> now;
   ui::ColorScheme appearance = ui::ColorScheme::light;
   ui::RenderingMode rendering = ui::RenderingMode::fullColor;
-  std::string accent;
+  std::optional<std::string> accent;
   bool legacyBackground = false;
   std::optional<double> scale;
   OutputFormat format = OutputFormat::png;
@@ -44,10 +44,10 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
   const WidgetConfiguration& widget = widgetNamed(options.kind);
   requireFamily(widget, options.family);
   std::optional<ui::Color> accent = ui::Color::white();
-  if (!options.accent.empty()) {
-    accent = ui::Color::fromHex(options.accent);
+  if (options.accent) {
+    accent = ui::Color::fromHex(*options.accent);
     if (!accent) {
-      throw UsageError("--accent: cannot read \"" + options.accent +
+      throw UsageError("--accent: cannot read \"" + *options.accent +
                        "\"; valid forms: #RRGGBB or #RRGGBBAA");
     }
   }
@@ -121,9 +121,9 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
                           "or timeline (live data, the default).");
   command->add_option("--snapshot-file", options->snapshotFile,
                       "Read the shared snapshot from this file instead of the group container.");
-  command->add_option("--now", options->now,
-                      "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
-                      "Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
+                "Unix seconds.");
   addChoice<ui::ColorScheme>(command, "--appearance", options->appearance,
                              {{"light", ui::ColorScheme::light}, {"dark", ui::ColorScheme::dark}},
                              "Colour scheme: light (the default) or dark.");
@@ -132,8 +132,8 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
       {{"full-color", ui::RenderingMode::fullColor}, {"accented", ui::RenderingMode::accented}},
       "Rendering mode: full-color (the default), or accented (accent "
       "group tinted, the rest white).");
-  command->add_option("--accent", options->accent,
-                      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  addTextOption(command, "--accent", options->accent,
+                "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_flag("--legacy-background", options->legacyBackground,
                     "Draw the path without a host-supplied container background: 16-point padding "
                     "with the backdrop behind.");

@@ -14,7 +14,7 @@ struct TimelineOptions {
   std::string kind;
   bool preview = false;
   bool json = false;
-  std::string now;
+  std::optional<std::string> now;
 };
 
 std::string text(const WidgetConfiguration& widget, const AnyEntry& placeholder,
@@ -47,8 +47,8 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
   command->add_flag("--json", options->json,
                     "Print {widget, placeholder, snapshot, timeline: {entries, reload}}; dates in "
                     "seconds since 2001-01-01 UTC.");
-  command->add_option("--now", options->now,
-                      "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] {
     const WidgetConfiguration& widget = widgetNamed(options->kind);
     pinClock(options->now);

@@ -58,13 +58,19 @@ void requireFamily(const WidgetConfiguration& widget, ui::WidgetFamily family) {
   }
 }
 
-void pinClock(const std::string& moment) {
-  if (moment.empty()) {
+CLI::Option* addTextOption(CLI::App* command, const std::string& name,
+                           std::optional<std::string>& target, const std::string& description) {
+  return command->add_option_function<std::string>(
+      name, [&target](const std::string& value) { target = value; }, description);
+}
+
+void pinClock(const std::optional<std::string>& moment) {
+  if (!moment) {
     return;
   }
-  const std::optional<Date> date = parseMoment(moment);
+  const std::optional<Date> date = parseMoment(*moment);
   if (!date) {
-    throw UsageError("--now: cannot read \"" + moment +
+    throw UsageError("--now: cannot read \"" + *moment +
                      "\"; valid forms: ISO 8601 with a zone (2026-11-15T01:45:00Z) or Unix "
                      "seconds (1794707100)");
   }

@@ -1,6 +1,8 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <iostream>
+#include <optional>
+#include <string>
 
 #include "host/cli_commands.hpp"
 #include "host/cli_widgets.hpp"
@@ -34,6 +36,19 @@ std::string validNames(const CLI::App& app) {
   return names;
 }
 
+// The word given where a subcommand belongs that names none (CLI11 reports it as a missing
+// subcommand); none when the subcommand was simply left out.
+std::optional<std::string> unknownSubcommand(const CLI::App& app) {
+  const CLI::App* command = &app;
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().front();
+  }
+  for (const std::string& word : command->remaining()) {
+    if (!word.empty() && word.front() != '-') return word;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -45,6 +60,7 @@ int main(int argc, char** argv) {
       "ask their providers for timelines, render them headless, check the shared file.",
       "korvo-widgets");
   app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("korvo-widgets ") + KORVO_VERSION);
   korvo::cli::CommandOutcome outcome;
   korvo::cli::addListCommand(app, outcome);
   korvo::cli::addTimelineCommand(app, outcome);
@@ -62,11 +78,18 @@ int main(int argc, char** argv) {
     return app.exit(help);
   } catch (const CLI::CallForAllHelp& help) {
     return app.exit(help);
+  } catch (const CLI::CallForVersion& version) {
+    return app.exit(version);
   } catch (const CLI::ExtrasError& error) {
     std::cerr << "korvo-widgets: " << firstLine(error.what()) << "; valid: " << validNames(app)
               << '\n';
     return korvo::cli::exitUsage;
   } catch (const CLI::RequiredError& error) {
+    if (const auto unknown = unknownSubcommand(app)) {
+      std::cerr << "korvo-widgets: unknown subcommand \"" << *unknown
+                << "\"; valid: " << validNames(app) << '\n';
+      return korvo::cli::exitUsage;
+    }
     const std::string problem = firstLine(error.what());
     // A missing widget kind is answered with the kinds, anything else with the options.
     const std::string valid = problem.find("KIND") != std::string::npos

@@ -17,7 +17,7 @@ namespace {
 struct RunArguments {
   host::HostOptions options;
   std::string appearance;
-  std::string accent;
+  std::optional<std::string> accent;
   std::optional<double> timeRate;
   std::optional<double> timeOffset;
   std::string placementsFile;
@@ -26,10 +26,10 @@ struct RunArguments {
 
 host::HostOptions resolve(RunArguments arguments) {
   auto options = std::move(arguments.options);
-  if (!arguments.accent.empty()) {
-    const auto accent = ui::Color::fromHex(arguments.accent);
+  if (arguments.accent) {
+    const auto accent = ui::Color::fromHex(*arguments.accent);
     if (!accent) {
-      throw cli::UsageError("--accent: cannot read \"" + arguments.accent +
+      throw cli::UsageError("--accent: cannot read \"" + *arguments.accent +
                             "\"; valid forms: #RRGGBB or #RRGGBBAA");
     }
     options.accent = *accent;
@@ -99,8 +99,8 @@ void addRunCommand(CLI::App& app) {
       {{"full-color", ui::RenderingMode::fullColor}, {"accented", ui::RenderingMode::accented}},
       "Rendering mode: full-color (the default), or accented (accent group tinted, the rest "
       "white).");
-  command->add_option("--accent", arguments->accent,
-                      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  cli::addTextOption(command, "--accent", arguments->accent,
+                     "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_option("--scale", arguments->options.scale,
                       "Logical pixels per point, on top of the desktop's own scale (default 1).");
   command->add_option("--time-rate", arguments->timeRate,
