@@ -1,6 +1,8 @@
 #include "cli/command_line.hpp"
 
 #include <iostream>
+#include <optional>
+#include <string>
 
 #include "cli/widgets.hpp"
 
@@ -31,6 +33,19 @@ std::string validNames(const CLI::App& app) {
   return names;
 }
 
+// The word given where a subcommand belongs that names none (CLI11 reports it as a missing
+// subcommand); none when the subcommand was simply left out.
+std::optional<std::string> unknownSubcommand(const CLI::App& app) {
+  const CLI::App* command = &app;
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().front();
+  }
+  for (const std::string& word : command->remaining()) {
+    if (!word.empty() && word.front() != '-') return word;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 int parseAndRun(CLI::App& app, int argc, char** argv, std::string_view program,
@@ -41,11 +56,18 @@ int parseAndRun(CLI::App& app, int argc, char** argv, std::string_view program,
     return app.exit(help);
   } catch (const CLI::CallForAllHelp& help) {
     return app.exit(help);
+  } catch (const CLI::CallForVersion& version) {
+    return app.exit(version);
   } catch (const CLI::ExtrasError& error) {
     std::cerr << program << ": " << firstLine(error.what()) << "; valid: " << validNames(app)
               << '\n';
     return exitUsage;
   } catch (const CLI::RequiredError& error) {
+    if (const auto unknown = unknownSubcommand(app)) {
+      std::cerr << program << ": unknown subcommand \"" << *unknown
+                << "\"; valid: " << validNames(app) << '\n';
+      return exitUsage;
+    }
     const std::string problem = firstLine(error.what());
     // A missing widget kind is answered with the kinds, anything else with the options.
     const std::string valid =
@@ -58,6 +80,12 @@ int parseAndRun(CLI::App& app, int argc, char** argv, std::string_view program,
   } catch (const UsageError& error) {
     std::cerr << program << ": " << error.what() << '\n';
     return exitUsage;
+  }
+  // Output that never arrived is a failure (a command that failed has said why already).
+  if (outcome.exitCode != exitSuccess) return outcome.exitCode;
+  if (const auto failure = standardOutputFailure()) {
+    std::cerr << program << ": " << *failure << '\n';
+    return exitFailure;
   }
   return outcome.exitCode;
 }

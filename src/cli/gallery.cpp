@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "base/clock.hpp"
@@ -13,7 +12,7 @@ namespace {
 
 struct GalleryOptions {
   std::string directory = "korvo-gallery";
-  std::string now;
+  std::optional<std::string> now;
 };
 
 struct Picture {
@@ -91,6 +90,9 @@ std::string indexPage(const std::vector<Picture>& pictures) {
 }
 
 void run(const GalleryOptions& options, CommandOutcome& outcome) {
+  if (options.directory.empty()) {
+    throw UsageError("-o: an empty name names no folder");
+  }
   pinClock(options.now);
   const std::filesystem::path directory = options.directory;
   std::error_code error;
@@ -119,13 +121,13 @@ void run(const GalleryOptions& options, CommandOutcome& outcome) {
           environment.now = clock::now();
           const auto png = renderEntry(widget, entry, environment, OutputFormat::png, 2);
           const std::filesystem::path path = directory / picture.file;
-          std::ofstream file(path, std::ios::binary | std::ios::trunc);
-          if (png) {
-            file.write(png->data(), static_cast<std::streamsize>(png->size()));
-          }
-          file.close();
-          if (!png || !file) {
+          if (!png) {
             std::cerr << "korvo-widgets: cannot render " << path.string() << '\n';
+            outcome.exitCode = exitFailure;
+            return;
+          }
+          if (const auto failure = writeFile(path, *png)) {
+            std::cerr << "korvo-widgets: " << *failure << '\n';
             outcome.exitCode = exitFailure;
             return;
           }
@@ -137,11 +139,8 @@ void run(const GalleryOptions& options, CommandOutcome& outcome) {
   }
 
   const std::filesystem::path index = directory / "index.html";
-  std::ofstream page(index, std::ios::trunc);
-  page << indexPage(pictures);
-  page.close();
-  if (!page) {
-    std::cerr << "korvo-widgets: cannot write " << index.string() << '\n';
+  if (const auto failure = writeFile(index, indexPage(pictures))) {
+    std::cerr << "korvo-widgets: " << *failure << '\n';
     outcome.exitCode = exitFailure;
     return;
   }
@@ -159,8 +158,8 @@ void addGalleryCommand(CLI::App& app, CommandOutcome& outcome) {
   auto options = std::make_shared<GalleryOptions>();
   command->add_option("-o,--output", options->directory, "Folder to write into (created).")
       ->default_str("korvo-gallery");
-  command->add_option("--now", options->now,
-                      "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] { run(*options, outcome); });
 }
 

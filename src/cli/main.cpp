@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
+#include <string>
 
 #include "cli/command_line.hpp"
 #include "cli/commands.hpp"
@@ -14,6 +15,7 @@ int main(int argc, char** argv) {
       "show them on the desktop.",
       "korvo-widgets");
   app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("korvo-widgets ") + KORVO_VERSION);
   korvo::cli::CommandOutcome outcome;
   korvo::cli::addListCommand(app, outcome);
   korvo::cli::addTimelineCommand(app, outcome);

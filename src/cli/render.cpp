@@ -1,11 +1,13 @@
+#include <unistd.h>
+
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "base/clock.hpp"
 #include "cli/commands.hpp"
 #include "cli/render_widget.hpp"
 #include "cli/widgets.hpp"
+#include "shared/widget_snapshot_store.hpp"
 #include "ui/color.hpp"
 
 namespace korvo::cli {
@@ -16,27 +18,20 @@ struct RenderOptions {
   ui::WidgetFamily family = ui::WidgetFamily::systemSmall;
   EntryRequest entry = EntryRequest::timeline;
   std::string snapshotFile;
-  std::string now;
+  std::optional<std::string> now;
   ui::ColorScheme appearance = ui::ColorScheme::light;
   ui::RenderingMode rendering = ui::RenderingMode::fullColor;
-  std::string accent;
+  std::optional<std::string> accent;
   bool legacyBackground = false;
   std::optional<double> scale;
   OutputFormat format = OutputFormat::png;
   std::string output;
 };
 
-// Bytes to standard output or a file; false when the file cannot be written.
-bool writeOutput(const std::string& bytes, const std::string& path) {
-  if (path.empty() || path == "-") {
-    std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    std::cout.flush();
-    return static_cast<bool>(std::cout);
-  }
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  return static_cast<bool>(file);
+// Bytes to standard output or a file; the reason when they cannot be written.
+std::optional<std::string> writeOutput(const std::string& bytes, const std::string& path) {
+  if (path.empty() || path == "-") return writeStandardOutput(bytes);
+  return writeFile(path, bytes);
 }
 
 std::optional<Url> snapshotURL(const std::string& path) {
@@ -49,21 +44,34 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
   const WidgetConfiguration& widget = widgetNamed(options.kind);
   requireFamily(widget, options.family);
   std::optional<ui::Color> accent = ui::Color::white();
-  if (!options.accent.empty()) {
-    accent = ui::Color::fromHex(options.accent);
+  if (options.accent) {
+    accent = ui::Color::fromHex(*options.accent);
     if (!accent) {
-      throw UsageError("--accent: cannot read \"" + options.accent +
+      throw UsageError("--accent: cannot read \"" + *options.accent +
                        "\"; valid forms: #RRGGBB or #RRGGBBAA");
     }
   }
   if (options.scale && !(*options.scale > 0 && *options.scale <= 16)) {
     throw UsageError("--scale: must be a number above 0 and at most 16");
   }
+  // PNG bytes on a terminal are noise that can leave it in a strange state.
+  if (options.format == OutputFormat::png && (options.output.empty() || options.output == "-") &&
+      ::isatty(STDOUT_FILENO) == 1) {
+    throw UsageError(
+        "standard output is a terminal; write the PNG to a file with -o FILE (or pipe it)");
+  }
   pinClock(options.now);
 
   TimelineContext context{.isPreview = false, .family = options.family};
   if (!options.snapshotFile.empty()) {
     context.snapshotFile = snapshotURL(options.snapshotFile);
+    // A file the user named is expected to be read: say why it is not. The card stays what the
+    // widget shows without the file.
+    const Decoded<WidgetSnapshot> decoded = WidgetSnapshotStore::inspect(context.snapshotFile);
+    if (const auto* failure = std::get_if<DecodeFailure>(&decoded)) {
+      std::cerr << "korvo-widgets: --snapshot-file " << options.snapshotFile << ": "
+                << failure->reason << '\n';
+    }
   }
   const AnyEntry entry = requestEntry(widget, options.entry, context);
 
@@ -83,8 +91,8 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
     outcome.exitCode = exitFailure;
     return;
   }
-  if (!writeOutput(*bytes, options.output)) {
-    std::cerr << "korvo-widgets: cannot write " << options.output << '\n';
+  if (const auto failure = writeOutput(*bytes, options.output)) {
+    std::cerr << "korvo-widgets: " << *failure << '\n';
     outcome.exitCode = exitFailure;
     return;
   }
@@ -109,17 +117,17 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
                           "or timeline (live data, the default).");
   command->add_option("--snapshot-file", options->snapshotFile,
                       "Read the shared snapshot from this file instead of the group container.");
-  command->add_option("--now", options->now,
-                      "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
-                      "Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
+                "Unix seconds.");
   addChoice(command, "--appearance", options->appearance, ui::colorSchemeWords,
                              "Colour scheme: light (the default) or dark.");
   addChoice(
       command, "--rendering", options->rendering, ui::renderingModeWords,
       "Rendering mode: full-color (the default), or accented (accent "
       "group tinted, the rest white).");
-  command->add_option("--accent", options->accent,
-                      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  addTextOption(command, "--accent", options->accent,
+                "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_flag("--legacy-background", options->legacyBackground,
                     "Draw the path without a host-supplied container background: 16-point padding "
                     "with the backdrop behind.");

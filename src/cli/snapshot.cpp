@@ -4,6 +4,7 @@
 #include "base/c_format.hpp"
 #include "cli/commands.hpp"
 #include "cli/moment.hpp"
+#include "cli/widgets.hpp"
 #include "shared/widget_snapshot_json.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
@@ -11,14 +12,14 @@ namespace korvo::cli {
 namespace {
 
 struct CheckOptions {
-  std::string file;
+  std::optional<std::string> file;
   bool reencode = false;
 };
 
 void printPath(CommandOutcome& outcome) {
   const auto location = WidgetSnapshotStore::locate();
   if (const auto* failure = std::get_if<DecodeFailure>(&location)) {
-    std::cerr << "korvo-widgets: no shared file location: " << failure->reason << '\n';
+    std::cerr << "korvo-widgets: " << failure->reason << '\n';
     outcome.exitCode = exitFailure;
     return;
   }
@@ -38,20 +39,23 @@ std::string usageSummary(std::string_view name, const UsageState& state) {
 }
 
 void check(const CheckOptions& options, CommandOutcome& outcome) {
+  if (options.file && options.file->empty()) {
+    throw UsageError("FILE: an empty name names no file (leave FILE out to check the shared file)");
+  }
   std::optional<Url> url;
-  if (options.file.empty()) {
+  if (!options.file) {
     const auto location = WidgetSnapshotStore::locate();
     if (const auto* failure = std::get_if<DecodeFailure>(&location)) {
-      std::cerr << "korvo-widgets: no shared file location: " << failure->reason << '\n';
+      std::cerr << "korvo-widgets: " << failure->reason << '\n';
       outcome.exitCode = exitFailure;
       return;
     }
     url = std::get<Url>(location);
   } else {
     std::error_code error;
-    url = Url::file(std::filesystem::absolute(options.file, error));
+    url = Url::file(std::filesystem::absolute(*options.file, error));
   }
-  const std::string where = url ? url->path : options.file;
+  const std::string where = url ? url->path : options.file.value_or("");
 
   const Decoded<WidgetSnapshot> decoded = WidgetSnapshotStore::inspect(url);
   if (const auto* failure = std::get_if<DecodeFailure>(&decoded)) {
@@ -69,8 +73,11 @@ void check(const CheckOptions& options, CommandOutcome& outcome) {
       return;
     }
     std::cerr << "korvo-widgets: " << where << " is readable; its encoding follows\n";
-    std::cout.write(bytes->data(), static_cast<std::streamsize>(bytes->size()));
-    std::cout.flush();
+    if (const auto failure = writeStandardOutput(*bytes)) {
+      std::cerr << "korvo-widgets: " << *failure << '\n';
+      outcome.exitCode = exitFailure;
+      return;
+    }
     outcome.exitCode = exitSuccess;
     return;
   }
@@ -104,7 +111,7 @@ void addSnapshotCommand(CLI::App& app, CommandOutcome& outcome) {
       "check",
       "Decode the shared file (or FILE) as the widgets do and say why it is unreadable; exit 1 "
       "when it is.");
-  checkCommand->add_option("FILE", options->file, "Check this file instead of the shared file.");
+  addTextOption(checkCommand, "FILE", options->file, "Check this file instead of the shared file.");
   checkCommand->add_flag("--reencode", options->reencode,
                          "Print exactly the bytes the encoder writes for the decoded file, with "
                          "no newline; messages go to standard error.");

@@ -1,5 +1,6 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "model/entry_json.hpp"
 #include "cli/commands.hpp"
@@ -13,23 +14,23 @@ struct TimelineOptions {
   std::string kind;
   bool preview = false;
   bool json = false;
-  std::string now;
+  std::optional<std::string> now;
 };
 
-void printText(const WidgetConfiguration& widget, const AnyEntry& placeholder,
-               const AnyEntry& snapshot, const AnyTimeline& timeline) {
-  std::cout << "widget " << widget.kind << '\n';
-  std::cout << "placeholder  " << isoMoment(placeholder.date) << "  "
-            << documentText(placeholder.toJson()) << '\n';
-  std::cout << "snapshot     " << isoMoment(snapshot.date) << "  "
-            << documentText(snapshot.toJson()) << '\n';
+std::string text(const WidgetConfiguration& widget, const AnyEntry& placeholder,
+                 const AnyEntry& snapshot, const AnyTimeline& timeline) {
+  std::ostringstream out;
+  out << "widget " << widget.kind << '\n';
+  out << "placeholder  " << isoMoment(placeholder.date) << "  "
+      << documentText(placeholder.toJson()) << '\n';
+  out << "snapshot     " << isoMoment(snapshot.date) << "  " << documentText(snapshot.toJson())
+      << '\n';
   for (const AnyEntry& entry : timeline.entries) {
-    std::cout << "timeline     " << isoMoment(entry.date) << "  " << documentText(entry.toJson())
-              << '\n';
+    out << "timeline     " << isoMoment(entry.date) << "  " << documentText(entry.toJson()) << '\n';
   }
-  std::cout << "reload       "
-            << (timeline.policy.date ? "after " + isoMoment(*timeline.policy.date) : "never")
-            << '\n';
+  out << "reload       "
+      << (timeline.policy.date ? "after " + isoMoment(*timeline.policy.date) : "never") << '\n';
+  return out.str();
 }
 
 }  // namespace
@@ -46,8 +47,8 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
   command->add_flag("--json", options->json,
                     "Print {widget, placeholder, snapshot, timeline: {entries, reload}}; dates in "
                     "seconds since 2001-01-01 UTC.");
-  command->add_option("--now", options->now,
-                      "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] {
     const WidgetConfiguration& widget = widgetNamed(options->kind);
     pinClock(options->now);
@@ -59,6 +60,7 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
     widget.getTimeline(TimelineContext{},
                        [&](AnyTimeline answer) { timeline = std::move(answer); });
 
+    std::string output;
     if (options->json) {
       nlohmann::ordered_json entries = nlohmann::ordered_json::array();
       for (const AnyEntry& entry : timeline->entries) {
@@ -70,9 +72,14 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
       document["snapshot"] = snapshot->toJson();
       document["timeline"]["entries"] = entries;
       document["timeline"]["reload"] = reloadJSON(timeline->policy);
-      std::cout << documentText(document, 2) << '\n';
+      output = documentText(document, 2) + '\n';
     } else {
-      printText(widget, placeholder, *snapshot, *timeline);
+      output = text(widget, placeholder, *snapshot, *timeline);
+    }
+    if (const auto failure = writeStandardOutput(output)) {
+      std::cerr << "korvo-widgets: " << *failure << '\n';
+      outcome.exitCode = exitFailure;
+      return;
     }
     outcome.exitCode = exitSuccess;
   });

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <array>
@@ -52,8 +54,24 @@ CLI::Option* addChoice(CLI::App* command, const std::string& name, Target& targe
       ->check(CLI::IsMember(names));
 }
 
+// An option or argument kept as the user wrote it: absent when not given, and an empty value
+// stays an empty text (a plain optional would read "" as absent).
+CLI::Option* addTextOption(CLI::App* command, const std::string& name,
+                           std::optional<std::string>& target, const std::string& description);
+
 // Pins the one clock to a moment given as ISO 8601 or Unix seconds; a UsageError for anything
-// else. An empty text leaves the clock alone.
-void pinClock(const std::string& moment);
+// else, an empty text included. None leaves the clock alone.
+void pinClock(const std::optional<std::string>& moment);
+
+// Writes `bytes` to the file at `path`, replacing what it held; otherwise the reason, naming the
+// file ("cannot write out.png: No space left on device").
+std::optional<std::string> writeFile(const std::filesystem::path& path, std::string_view bytes);
+
+// Writes `bytes` to standard output now; the reason when they could not all be written
+// ("cannot write standard output: No space left on device").
+std::optional<std::string> writeStandardOutput(std::string_view bytes);
+
+// Flushes standard output; the reason when anything written to it was lost.
+std::optional<std::string> standardOutputFailure();
 
 }  // namespace korvo::cli

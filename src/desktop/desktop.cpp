@@ -150,9 +150,12 @@ void DesktopHost::arrange() {
     sizes.push_back(window->logicalSize());
   }
   const auto area = workArea();
-  const auto origins = arrangeWindows(placements, sizes, area);
+  const auto arrangement = arrangeWindows(placements, sizes, area);
+  for (const auto& moved : arrangement.moved) {
+    std::fprintf(stderr, "korvo-widgets: %s\n", moved.c_str());
+  }
   for (std::size_t index = 0; index < windows_.size(); ++index) {
-    windows_[index]->place(origins[index], area);
+    windows_[index]->place(arrangement.origins[index], area);
   }
 }
 

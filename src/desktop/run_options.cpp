@@ -13,10 +13,10 @@ namespace korvo::desktop {
 HostOptions resolveRunOptions(RunArguments arguments,
                               const std::vector<WidgetConfiguration>& widgets) {
   auto options = std::move(arguments.options);
-  if (!arguments.accent.empty()) {
-    const auto accent = ui::Color::fromHex(arguments.accent);
+  if (arguments.accent) {
+    const auto accent = ui::Color::fromHex(*arguments.accent);
     if (!accent) {
-      throw cli::UsageError("--accent: cannot read \"" + arguments.accent +
+      throw cli::UsageError("--accent: cannot read \"" + *arguments.accent +
                             "\"; valid forms: #RRGGBB or #RRGGBBAA");
     }
     options.accent = *accent;
@@ -59,8 +59,8 @@ void addRunOptions(CLI::App& app, RunArguments& arguments) {
       ui::renderingModeWords,
       "Rendering mode: full-color (the default), or accented (accent group tinted, the rest "
       "white).");
-  command->add_option("--accent", arguments.accent,
-                      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  cli::addTextOption(command, "--accent", arguments.accent,
+                     "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_option("--scale", arguments.options.scale,
                       "Logical pixels per point, on top of the desktop's own scale (default 1).");
   command->add_option("--time-rate", arguments.timeRate,

@@ -13,7 +13,7 @@ namespace korvo::desktop {
 // The desktop host's command line as given, before it is checked.
 struct RunArguments {
   HostOptions options;
-  std::string accent;
+  std::optional<std::string> accent;
   std::optional<double> timeRate;
   std::optional<double> timeOffset;
   std::string placementsFile;

@@ -281,8 +281,9 @@ void WidgetWindow::scheduleTimelineTimer() {
   if (!cursor_) return;
   const std::optional<Date> due = cursor_->nextChange();
   if (!due) return;
-  timelineTimer_ = g_timeout_add(realMillisecondsUntil(*due, clock::now(), options_.warp.rate),
-                                 onTimelineDue, this);
+  const auto wait = realMillisecondsUntil(*due, clock::now(), options_.warp.rate);
+  if (!wait) return;
+  timelineTimer_ = g_timeout_add(*wait, onTimelineDue, this);
 }
 
 gboolean WidgetWindow::timelineDue() {
@@ -301,8 +302,9 @@ void WidgetWindow::scheduleLiveTimer() {
   const auto now = clock::now();
   const auto next = nextLiveTextChange(ui::liveRelativeDates(*layout_), now);
   if (!next) return;
-  liveTimer_ =
-      g_timeout_add(realMillisecondsUntil(*next, now, options_.warp.rate), onLiveTextDue, this);
+  const auto wait = realMillisecondsUntil(*next, now, options_.warp.rate);
+  if (!wait) return;
+  liveTimer_ = g_timeout_add(*wait, onLiveTextDue, this);
 }
 
 gboolean WidgetWindow::liveTextDue() {

@@ -49,9 +49,17 @@ std::variant<std::string, DecodeFailure> appGroupIdentifier() {
   const auto missingKey =
       DecodeFailure{std::string("no ") + appGroupInfoKey + " in " + path.string()};
   auto bytes = readRegularFile(path, maxInfoBytes);
-  if (std::holds_alternative<DecodeFailure>(bytes)) return missingKey;
+  if (const auto* failure = std::get_if<DecodeFailure>(&bytes)) {
+    // A missing file is a missing key; anything else there (a FIFO, a directory, a device, a
+    // file that cannot be opened) is named for what it is.
+    std::error_code error;
+    if (!std::filesystem::exists(path, error) && !error) return missingKey;
+    return DecodeFailure{"bundle information: " + failure->reason};
+  }
   auto document = json_reader::parse(std::get<std::string>(bytes));
-  if (std::holds_alternative<DecodeFailure>(document)) return missingKey;
+  if (const auto* failure = std::get_if<DecodeFailure>(&document)) {
+    return DecodeFailure{"bundle information " + path.string() + ": " + failure->reason};
+  }
   const auto& root = std::get<nlohmann::json>(document);
   if (!root.is_object()) return missingKey;
   const auto value = root.find(appGroupInfoKey);

@@ -160,6 +160,10 @@ std::string typeName(const Json& value) {
 
 Decoded<Json> parse(std::string_view bytes) {
   if (bytes.empty()) return DecodeFailure{"empty file (not JSON)"};
+  // The parser takes a NUL byte for the end of its input; JSON has no place for one anywhere.
+  if (const std::size_t nul = bytes.find('\0'); nul != std::string_view::npos) {
+    return DecodeFailure{"NUL byte at byte " + std::to_string(nul + 1) + " (not JSON)"};
+  }
   if (const std::size_t offset = firstTooDeepBracket(bytes); offset != 0) {
     return DecodeFailure{"nesting deeper than " + std::to_string(maxNestingDepth) +
                          " levels at byte " + std::to_string(offset)};

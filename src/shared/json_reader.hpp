@@ -16,7 +16,8 @@ namespace korvo::json_reader {
 inline constexpr std::size_t maxNestingDepth = 512;
 
 // Parses one whole document: nesting at most maxNestingDepth deep, no key twice in an
-// object, nothing but whitespace after the value, a leading UTF-8 byte-order mark skipped.
+// object, nothing but whitespace after the value, no NUL byte anywhere, a leading UTF-8
+// byte-order mark skipped.
 Decoded<nlohmann::json> parse(std::string_view bytes);
 
 // Thrown by the field readers below with the reason; each decoder catches it at its top.

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
+
+#include "ui/environment.hpp"
 
 namespace korvo::ui {
 
@@ -65,6 +68,50 @@ std::string truncated(const std::string& line, const Font& font, double tracking
   return candidate(low);
 }
 
+// Texts up to this many bytes are measured whole; every text a view writes itself is shorter.
+constexpr std::size_t measuredWhole = 256;
+// However the room is offered, no more than this many bytes of a text are measured.
+constexpr std::size_t longestMeasured = std::size_t{1} << 16;
+
+// No text is drawn outside its card, and no card is larger than the medium family.
+const Size& largestCard() {
+  static const Size size = familySize(WidgetFamily::systemMedium);
+  return size;
+}
+
+// The part of `content` that is measured. A long text is cut after a prefix that, unwrapped in
+// the smallest font it may take, holds more hard lines than the room shows, or is longer than
+// all the lines the room shows twice over: broken into lines, the prefix then yields more than
+// fit, so the lines drawn and where "…" goes are the whole text's, while the cost of measuring
+// follows what a card can show rather than the length of the text (a line breaker is quadratic in
+// a long word). The prefix grows by doubling, so the measuring done on the way adds up to less
+// than twice the last prefix.
+std::string_view measuredPart(std::string_view content, const Font& smallest, double tracking,
+                              std::size_t maxLines, double maxWidth, TextMeasurer& measurer) {
+  if (content.size() <= measuredWhole) return content;
+  const double infinite = std::numeric_limits<double>::infinity();
+  const double roomWidth = std::min(maxWidth, largestCard().width);
+  for (std::size_t length = measuredWhole;; length *= 2) {
+    std::size_t end = std::min({length, content.size(), longestMeasured});
+    while (end < content.size() && (static_cast<unsigned char>(content[end]) & 0xC0) == 0x80) {
+      --end;
+    }
+    const std::string_view prefix = content.substr(0, end);
+    if (end == content.size() || end >= longestMeasured) return prefix;
+    const TextMetrics metrics = measurer.measure(prefix, smallest, tracking, infinite);
+    double roomLines = static_cast<double>(maxLines);
+    if (metrics.lineHeight > 0) {
+      roomLines = std::min(roomLines, std::floor(largestCard().height / metrics.lineHeight) + 1);
+    }
+    double unwrapped = 0;
+    for (const double lineWidth : metrics.lineWidths) unwrapped += lineWidth;
+    if (static_cast<double>(metrics.lines.size()) > roomLines + 1 ||
+        unwrapped > 2 * (roomLines + 1) * roomWidth) {
+      return prefix;
+    }
+  }
+}
+
 }  // namespace
 
 TextFit fitText(const std::string& content, const Font& font, double tracking,
@@ -72,10 +119,15 @@ TextFit fitText(const std::string& content, const Font& font, double tracking,
                 std::optional<double> height, TextMeasurer& measurer) {
   const double infinite = std::numeric_limits<double>::infinity();
   const double maxWidth = std::max(0.0, width.value_or(infinite));
-  const TextMetrics ideal = measurer.measure(content, font, tracking, infinite);
+  const double minimum = std::clamp(minimumScale, 0.0, 1.0);
+  const Font smallest = scaled(font, minimum < 1 ? minimum : 1);
+  const double smallestTracking = tracking * (minimum < 1 ? minimum : 1);
 
   std::size_t maxLines = lineLimit ? static_cast<std::size_t>(std::max(1, *lineLimit))
                                    : std::numeric_limits<std::size_t>::max();
+  const std::string shown(
+      measuredPart(content, smallest, smallestTracking, maxLines, maxWidth, measurer));
+  const TextMetrics ideal = measurer.measure(shown, font, tracking, infinite);
   if (height && ideal.lineHeight > 0) {
     const double linesInHeight = std::floor(*height / ideal.lineHeight + tolerance);
     // Compared as doubles first: an unbounded height must not be converted to an integer.
@@ -85,12 +137,11 @@ TextFit fitText(const std::string& content, const Font& font, double tracking,
   }
 
   if (fits(ideal, maxLines, maxWidth)) return fromMetrics(ideal, 1, maxWidth);
-  const TextMetrics wrapped = measurer.measure(content, font, tracking, maxWidth);
+  const TextMetrics wrapped = measurer.measure(shown, font, tracking, maxWidth);
   if (fits(wrapped, maxLines, maxWidth)) return fromMetrics(wrapped, 1, maxWidth);
 
-  const double minimum = std::clamp(minimumScale, 0.0, 1.0);
   auto attempt = [&](double scale) {
-    return measurer.measure(content, scaled(font, scale), tracking * scale, maxWidth);
+    return measurer.measure(shown, scaled(font, scale), tracking * scale, maxWidth);
   };
   if (minimum < 1) {
     // Widths grow with the font size, so the first guess is the ratio of the widths; the
@@ -115,9 +166,7 @@ TextFit fitText(const std::string& content, const Font& font, double tracking,
     }
   }
 
-  const Font smallest = scaled(font, minimum < 1 ? minimum : 1);
-  const double smallestTracking = tracking * (minimum < 1 ? minimum : 1);
-  TextMetrics metrics = measurer.measure(content, smallest, smallestTracking, maxWidth);
+  TextMetrics metrics = measurer.measure(shown, smallest, smallestTracking, maxWidth);
   const bool cut = metrics.lines.size() > maxLines || metrics.width > maxWidth + tolerance;
   if (metrics.lines.size() > maxLines) {
     metrics.lines.resize(maxLines);

@@ -26,12 +26,12 @@ inline std::string slurp(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// Runs the built korvo-widgets with `args` in an environment of exactly `environment`, its output
-// and errors caught in files under `scratch`.
-inline CliResult runCli(const std::vector<std::string>& args,
-                        const std::map<std::string, std::string>& environment,
-                        const std::filesystem::path& scratch) {
-  const std::string outPath = (scratch / "stdout").string();
+// Runs the built korvo-widgets with `args` in an environment of exactly `environment`, its
+// standard output going to `outPath` (a file, /dev/full, a terminal) and its errors caught in a
+// file under `scratch`; `out` holds what a regular `outPath` received.
+inline CliResult runCliWritingTo(const std::vector<std::string>& args,
+                                 const std::map<std::string, std::string>& environment,
+                                 const std::filesystem::path& scratch, const std::string& outPath) {
   const std::string errPath = (scratch / "stderr").string();
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -64,9 +64,16 @@ inline CliResult runCli(const std::vector<std::string>& args,
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   }
   posix_spawn_file_actions_destroy(&actions);
-  result.out = slurp(outPath);
+  if (std::filesystem::is_regular_file(outPath)) result.out = slurp(outPath);
   result.err = slurp(errPath);
   return result;
+}
+
+// As above, its output caught in a file under `scratch`.
+inline CliResult runCli(const std::vector<std::string>& args,
+                        const std::map<std::string, std::string>& environment,
+                        const std::filesystem::path& scratch) {
+  return runCliWritingTo(args, environment, scratch, (scratch / "stdout").string());
 }
 
 }  // namespace korvo::testing

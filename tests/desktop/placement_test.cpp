@@ -132,7 +132,7 @@ TEST(DefaultPlacements, AllFourWidgetsInBundleOrderWithUsageMedium) {
 TEST(ArrangeWindows, TheDefaultColumnHugsTheRightEdgeWithTwelvePixelGaps) {
   const auto placements = defaultPlacements(kindLookup(bundle()));
   const std::vector<ui::Size> sizes{{170, 170}, {170, 170}, {364, 170}, {170, 170}};
-  const auto origins = arrangeWindows(placements, sizes, {0, 0, 1280, 1024});
+  const auto origins = arrangeWindows(placements, sizes, {0, 0, 1280, 1024}).origins;
   EXPECT_EQ(origins, (std::vector<ui::Point>{{1094, 16}, {1094, 198}, {900, 380}, {1094, 562}}));
 }
 
@@ -143,7 +143,7 @@ TEST(ArrangeWindows, BottomCornersStackUpwardsAndTheWorkAreaOffsetApplies) {
       {"c", WidgetFamily::systemSmall, std::nullopt, ScreenAnchor::bottomRight, 0},
   };
   const std::vector<ui::Size> sizes{{170, 170}, {364, 170}, {170, 170}};
-  const auto origins = arrangeWindows(placements, sizes, {0, 32, 1000, 768});
+  const auto origins = arrangeWindows(placements, sizes, {0, 32, 1000, 768}).origins;
   EXPECT_EQ(origins, (std::vector<ui::Point>{{10, 620}, {10, 438}, {830, 630}}));
 }
 
@@ -153,7 +153,7 @@ TEST(ArrangeWindows, APositionIsFromTheWorkAreaAndLeavesTheColumnsAlone) {
       {"b", WidgetFamily::systemSmall},
   };
   const std::vector<ui::Size> sizes{{170, 170}, {170, 170}};
-  const auto origins = arrangeWindows(placements, sizes, {100, 20, 800, 600});
+  const auto origins = arrangeWindows(placements, sizes, {100, 20, 800, 600}).origins;
   EXPECT_EQ(origins, (std::vector<ui::Point>{{140, 70}, {714, 36}}));
 }
 

@@ -7,6 +7,7 @@
 #include "base/clock.hpp"
 #include "shared/app_group.hpp"
 #include "shared/widget_snapshot_json.hpp"
+#include "support/unprivileged.hpp"
 #include "test_support.hpp"
 
 namespace korvo {
@@ -80,13 +81,20 @@ TEST_F(WidgetSnapshotStoreTest, GroupThatIsNoSafeSinglePathComponentMeansNoLocat
 
 TEST_F(WidgetSnapshotStoreTest, MissingOrEmptyOrNonStringGroupMeansNoLocation) {
   for (const char* info : {R"({})", R"({"KorvoAppGroup":""})", R"({"KorvoAppGroup":7})",
-                           R"({"KorvoAppGroup":null})", R"(["group.test"])", "not json"}) {
+                           R"({"KorvoAppGroup":null})", R"(["group.test"])"}) {
     writeInfo(info);
     EXPECT_FALSE(WidgetSnapshotStore::fileURL()) << info;
     EXPECT_THAT(std::get<DecodeFailure>(WidgetSnapshotStore::locate()).reason,
                 HasSubstr("no KorvoAppGroup"))
         << info;
   }
+}
+
+TEST_F(WidgetSnapshotStoreTest, BundleInformationThatIsNoJSONIsNamedWithItsFault) {
+  writeInfo("not json");
+  EXPECT_FALSE(WidgetSnapshotStore::fileURL());
+  const std::string reason = std::get<DecodeFailure>(WidgetSnapshotStore::locate()).reason;
+  EXPECT_THAT(reason, HasSubstr("Info.json: not JSON at byte 2"));
 }
 
 TEST_F(WidgetSnapshotStoreTest, MissingBundleInformationMeansNoLocation) {
@@ -172,7 +180,7 @@ TEST_F(WidgetSnapshotStoreTest, SaveOfANonFiniteNumberIsFalseAndLeavesTheOldFile
 }
 
 TEST_F(WidgetSnapshotStoreTest, SaveIntoAnUnwritableDirectoryIsFalseAndLeavesNoTemporary) {
-  if (::geteuid() == 0) GTEST_SKIP() << "root writes anywhere";
+  KORVO_AS_UNPRIVILEGED_USER(directory.path());
   std::filesystem::create_directories(container());
   ::chmod(container().c_str(), 0555);
   EXPECT_FALSE(

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "sources/unprivileged.hpp"
+#include "support/unprivileged.hpp"
 #include "support/temporary_directory.hpp"
 
 namespace korvo {

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "base/c_format.hpp"
 #include "ui/words.hpp"
 
 namespace korvo::desktop {
@@ -127,6 +128,10 @@ std::optional<ScreenAnchor> anchorFromName(std::string_view name) {
 }
 
 PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup) {
+  // The parser takes a NUL byte for the end of its input; JSON has no place for one anywhere.
+  if (const auto nul = json.find('\0'); nul != std::string_view::npos) {
+    return PlacementError{"not valid JSON (NUL byte at byte " + std::to_string(nul + 1) + ")"};
+  }
   Json document;
   try {
     document = Json::parse(json);
@@ -183,15 +188,34 @@ std::vector<Placement> defaultPlacements(const KindLookup& lookup) {
   return placements;
 }
 
-std::vector<ui::Point> arrangeWindows(const std::vector<Placement>& placements,
-                                      const std::vector<ui::Size>& sizes, ui::Rect workArea) {
-  std::vector<ui::Point> origins(placements.size());
+Arrangement arrangeWindows(const std::vector<Placement>& placements,
+                           const std::vector<ui::Size>& sizes, ui::Rect workArea) {
+  Arrangement arrangement;
+  std::vector<ui::Point>& origins = arrangement.origins;
+  origins.resize(placements.size());
+  // Inside the area on one axis; the leading edge wins when the window is the larger.
+  const auto inside = [](double origin, double length, double start, double areaLength) {
+    return std::max(start, std::min(origin, start + areaLength - length));
+  };
+  const auto keepInside = [&](std::size_t index, ui::Point wanted) {
+    const ui::Size size = sizes[index];
+    const ui::Point origin{inside(wanted.x, size.width, workArea.x, workArea.width),
+                           inside(wanted.y, size.height, workArea.y, workArea.height)};
+    if (origin != wanted) {
+      arrangement.moved.push_back(
+          cFormat("%s at %g, %g lies outside the work area (%g, %g, %g x %g); moved to %g, %g",
+                  placements[index].kind.c_str(), wanted.x - workArea.x, wanted.y - workArea.y,
+                  workArea.x, workArea.y, workArea.width, workArea.height, origin.x - workArea.x,
+                  origin.y - workArea.y));
+    }
+    origins[index] = origin;
+  };
   std::map<ScreenAnchor, double> columnLength;  // how far each corner's column already reaches
   for (std::size_t index = 0; index < placements.size() && index < sizes.size(); ++index) {
     const auto& placement = placements[index];
     const auto size = sizes[index];
     if (placement.position) {
-      origins[index] = {workArea.x + placement.position->x, workArea.y + placement.position->y};
+      keepInside(index, {workArea.x + placement.position->x, workArea.y + placement.position->y});
       continue;
     }
     const bool right =
@@ -204,9 +228,9 @@ std::vector<ui::Point> arrangeWindows(const std::vector<Placement>& placements,
     const double x =
         right ? workArea.maxX() - placement.margin - size.width : workArea.x + placement.margin;
     const double y = bottom ? workArea.maxY() - along - size.height : workArea.y + along;
-    origins[index] = {x, y};
+    keepInside(index, {x, y});
   }
-  return origins;
+  return arrangement;
 }
 
 }  // namespace korvo::desktop

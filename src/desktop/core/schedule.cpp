@@ -1,5 +1,6 @@
 #include "desktop/core/schedule.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -43,20 +44,23 @@ TimeWarpResult timeWarpFromEnvironment(const char* offset, const char* rate) {
   return result;
 }
 
-std::uint32_t realMillisecondsUntil(Date due, Date now, double rate) {
-  const double seconds = due.secondsSince(now) / rate;
-  if (!(seconds > 0)) return 0;
-  const double milliseconds = std::ceil(seconds * 1000);
+std::optional<std::uint32_t> realMillisecondsUntil(Date due, Date now, double rate) {
+  if (!std::isfinite(due.secondsSinceReferenceDate) ||
+      !std::isfinite(now.secondsSinceReferenceDate) || !(due > now)) {
+    return std::nullopt;
+  }
+  const double milliseconds = std::ceil(due.secondsSince(now) / rate * 1000);
   constexpr double cap = std::numeric_limits<std::uint32_t>::max();
-  return milliseconds >= cap ? std::numeric_limits<std::uint32_t>::max()
-                             : static_cast<std::uint32_t>(milliseconds);
+  if (!(milliseconds < cap)) return std::numeric_limits<std::uint32_t>::max();
+  return std::max(minimumWakeMilliseconds, static_cast<std::uint32_t>(milliseconds));
 }
 
 std::optional<Date> nextLiveTextChange(const std::vector<Date>& dates, Date now) {
   std::optional<Date> next;
   for (const auto date : dates) {
     const auto change = nextRelativeSpanChange(date, now);
-    if (!std::isfinite(change.secondsSinceReferenceDate)) continue;
+    // Far from now the arithmetic rounds the change onto or before now: that text never changes.
+    if (!std::isfinite(change.secondsSinceReferenceDate) || !(change > now)) continue;
     if (!next || change < *next) next = change;
   }
   return next;

@@ -25,12 +25,19 @@ struct TimeWarpResult {
 };
 TimeWarpResult timeWarpFromEnvironment(const char* offset, const char* rate);
 
+// The shortest real wait the host asks a timer for: however fast the clock runs, a widget wakes
+// at most ten times a second.
+inline constexpr std::uint32_t minimumWakeMilliseconds = 100;
+
 // Real milliseconds from `now` until the clock shows `due`, rounded up so a timer never fires
-// early; 0 when already due; capped at what a GLib timer holds.
-std::uint32_t realMillisecondsUntil(Date due, Date now, double rate);
+// early, at least minimumWakeMilliseconds and at most what a GLib timer holds. Nothing when `due`
+// is not after `now` (already due, or so far out that adding to the clock's moment cannot reach
+// it) or either is not finite: such a wake-up would fire at once, again and again.
+std::optional<std::uint32_t> realMillisecondsUntil(Date due, Date now, double rate);
 
 // The first moment after `now` at which one of the live relative texts counting from `dates`
-// shows another text; nothing when there are none or none ever changes.
+// shows another text; nothing when there are none or none ever changes (also when the dates are
+// so far from `now` that the change cannot be told from `now` itself).
 std::optional<Date> nextLiveTextChange(const std::vector<Date>& dates, Date now);
 
 }  // namespace korvo::desktop

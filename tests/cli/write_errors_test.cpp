@@ -1,0 +1,102 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "support/scoped_environment.hpp"
+#include "cli_process.hpp"
+
+// Output that cannot be written is a failure like any other: every command checks what it wrote,
+// says on one line what could not be written and why, and exits 1.
+namespace korvo {
+namespace {
+
+using testing::CliResult;
+using ::testing::HasSubstr;
+
+class CliWriteErrors : public ::testing::Test {
+ protected:
+  std::map<std::string, std::string> environment() const {
+    return {{"KORVO_SYSROOT", std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram"},
+            {"XDG_DATA_HOME", dataHome.path().string()},
+            {"HOME", dataHome.path().string()},
+            {"KORVO_BUNDLE_INFO", std::string(KORVO_BUILD_DATA_DIR) + "/Info.json"},
+            {"LANG", "C.UTF-8"},
+            {"TZ", "UTC"},
+            {"PATH", "/usr/bin:/bin"}};
+  }
+  CliResult runTo(const std::vector<std::string>& args, const std::string& out) const {
+    return testing::runCliWritingTo(args, environment(), scratch.path(), out);
+  }
+  std::string sampleFile() const {
+    return std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json";
+  }
+
+  testing::TempDir dataHome;
+  testing::TempDir scratch;
+};
+
+struct FullOutputCase {
+  const char* name;
+  std::vector<std::string> args;
+};
+
+class StandardOutputFull : public CliWriteErrors,
+                           public ::testing::WithParamInterface<FullOutputCase> {};
+
+TEST_P(StandardOutputFull, ExitsOneSayingWhatAndWhy) {
+  dataHome.write(testing::sharedFileRelative(), testing::slurp(sampleFile()));
+  std::vector<std::string> args = GetParam().args;
+  for (std::string& arg : args) {
+    if (arg == "GALLERY") arg = (scratch.path() / "gallery").string();
+  }
+  const CliResult result = runTo(args, "/dev/full");
+  EXPECT_EQ(result.exitCode, 1) << result.err;
+  EXPECT_THAT(result.err, HasSubstr("cannot write standard output: No space left on device"));
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'),
+            GetParam().args.back() == "--reencode" ? 2 : 1)
+      << result.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, StandardOutputFull,
+    ::testing::Values(
+        FullOutputCase{"List", {"list"}}, FullOutputCase{"ListJson", {"list", "--json"}},
+        FullOutputCase{"Timeline", {"timeline", "usage", "--now", "2026-11-15T01:45:00Z"}},
+        FullOutputCase{"TimelineJson", {"timeline", "memory", "--json"}},
+        FullOutputCase{"Memory", {"memory"}}, FullOutputCase{"MemoryJson", {"memory", "--json"}},
+        FullOutputCase{"SnapshotPath", {"snapshot", "path"}},
+        FullOutputCase{"SnapshotCheck", {"snapshot", "check"}},
+        FullOutputCase{"SnapshotCheckReencode", {"snapshot", "check", "--reencode"}},
+        FullOutputCase{"RenderPng", {"render", "memory"}},
+        FullOutputCase{"RenderJson", {"render", "usage", "--format", "json"}},
+        FullOutputCase{"Gallery", {"gallery", "-o", "GALLERY"}}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(CliWriteErrors, RenderToAFullFileNamesItAndWhy) {
+  const CliResult result = runTo({"render", "memory", "-o", "/dev/full"}, "/dev/null");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "korvo-widgets: cannot write /dev/full: No space left on device\n");
+}
+
+TEST_F(CliWriteErrors, RenderIntoAMissingFolderNamesTheFileAndWhy) {
+  const auto target = scratch.path() / "missing" / "memory.png";
+  const CliResult result = runTo({"render", "memory", "-o", target.string()}, "/dev/null");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "korvo-widgets: cannot write " + target.string() + ": No such file or directory\n");
+}
+
+TEST_F(CliWriteErrors, GalleryNamesThePictureItCannotWriteAndWhy) {
+  const auto folder = scratch.path() / "gallery";
+  std::filesystem::create_directories(folder / "memory-small-light-placeholder.png");
+  const CliResult result = runTo({"gallery", "-o", folder.string()}, "/dev/null");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "korvo-widgets: cannot write " +
+                            (folder / "memory-small-light-placeholder.png").string() +
+                            ": Is a directory\n");
+}
+
+}  // namespace
+}  // namespace korvo
