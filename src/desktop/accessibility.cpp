@@ -2,27 +2,29 @@
 
 #include <gtk/gtk.h>
 
+#include <cstdio>
+
+#include "desktop/accessible_card.hpp"
+#include "ui/accessible_tree.hpp"
+
 namespace korvo::desktop {
 
-std::string accessibleDescription(const std::vector<ui::AccessibilityElement>& elements) {
-  std::string description;
-  for (const auto& element : elements) {
-    if (element.label.empty() && element.value.empty()) continue;
-    if (!description.empty()) description += ". ";
-    description += element.label;
-    if (!element.label.empty() && !element.value.empty()) description += ": ";
-    description += element.value;
-  }
-  return description;
-}
-
 void describeToAssistiveTechnologies(GtkWidget* window, const std::string& displayName,
-                                     const ui::WidgetLayout& widget) {
+                                     const ui::WidgetLayout& widget, double scale, bool logTime) {
+  const gint64 start = g_get_monotonic_time();
   AtkObject* accessible = gtk_widget_get_accessible(window);
   if (accessible == nullptr) return;
-  atk_object_set_name(accessible, displayName.c_str());
-  atk_object_set_description(accessible,
-                             accessibleDescription(ui::accessibilityElements(widget)).c_str());
+  // ATK announces every name it is given, also an unchanged one.
+  if (g_strcmp0(atk_object_get_name(accessible), displayName.c_str()) != 0) {
+    atk_object_set_name(accessible, displayName.c_str());
+  }
+  const std::size_t edits =
+      showAccessibleElements(window, widget.url, ui::accessibleElements(widget), scale);
+  if (logTime) {
+    std::fprintf(stderr, "korvo-widgets: accessible children of %s: %zu edits in %lld us\n",
+                 displayName.c_str(), edits,
+                 static_cast<long long>(g_get_monotonic_time() - start));
+  }
 }
 
 }  // namespace korvo::desktop

@@ -1,22 +1,19 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "ui/hit_test.hpp"
 #include "ui/widget_layout.hpp"
 
 using GtkWidget = struct _GtkWidget;
 
 namespace korvo::desktop {
 
-// The tree's accessibility labels and values read as one sentence list:
-// "Memory used: 42 percent. Pressure: Normal". A label without a value stands alone.
-std::string accessibleDescription(const std::vector<ui::AccessibilityElement>& elements);
-
-// Gives the window's accessible object the widget's display name and the description of what
-// it currently shows, so screen readers announce the card as one object.
+// Tells screen readers what the card in `window` (made by newCardWindow) shows: the window is
+// named after the widget, its children are the texts, meters and links of `widget` laid out at
+// `scale` logical pixels per point, and its action opens the widget URL. Called after every
+// layout; only what changed since the last call is announced. With `logTime`, says on standard
+// error how long that took.
 void describeToAssistiveTechnologies(GtkWidget* window, const std::string& displayName,
-                                     const ui::WidgetLayout& widget);
+                                     const ui::WidgetLayout& widget, double scale, bool logTime);
 
 }  // namespace korvo::desktop

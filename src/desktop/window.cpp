@@ -8,11 +8,13 @@
 
 #include "base/clock.hpp"
 #include "desktop/accessibility.hpp"
+#include "desktop/accessible_card.hpp"
 #include "desktop/card_shape.hpp"
 #include "desktop/core/schedule.hpp"
 #include "desktop/url_opener.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
+#include "ui/hit_test.hpp"
 #include "ui/tree_json.hpp"
 
 namespace korvo::desktop {
@@ -99,7 +101,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
       index_(index),
       options_(options),
       appearance_(appearance) {
-  window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  window_ = newCardWindow();
   GtkWindow* window = GTK_WINDOW(window_);
   gtk_window_set_title(window, widget_.displayName.c_str());
   gtk_window_set_decorated(window, FALSE);
@@ -204,6 +206,8 @@ void WidgetWindow::relayout() {
   const auto environment = this->environment();
   layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment),
                              environment, render::PangoTextMeasurer::shared(), deviceScale());
+  describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, options_.scale,
+                                  options_.logRequests);
 }
 
 gboolean WidgetWindow::draw(cairo_t* cr) {
@@ -269,7 +273,6 @@ void WidgetWindow::requestTimeline() {
 void WidgetWindow::showCurrentEntry() {
   if (cursor_) cursor_->moveTo(clock::now());
   relayout();
-  if (layout_) describeToAssistiveTechnologies(window_, widget_.displayName, *layout_);
   dump();
   redraw();
   scheduleTimelineTimer();

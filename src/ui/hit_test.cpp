@@ -10,14 +10,6 @@ void findLink(const LayoutNode& node, Point point, std::optional<std::string>& f
   for (const LayoutNode& child : node.children) findLink(child, point, found);
 }
 
-void collectAccessibility(const LayoutNode& node, std::vector<AccessibilityElement>& out) {
-  if (node.accessibilityLabel || node.accessibilityValue) {
-    out.push_back(
-        {node.accessibilityLabel.value_or(""), node.accessibilityValue.value_or(""), node.frame});
-  }
-  for (const LayoutNode& child : node.children) collectAccessibility(child, out);
-}
-
 void collectDates(const LayoutNode& node, std::vector<Date>& out) {
   if (node.relativeTo) out.push_back(*node.relativeTo);
   for (const LayoutNode& child : node.children) collectDates(child, out);
@@ -32,12 +24,6 @@ std::optional<std::string> urlAt(const WidgetLayout& widget, Point point) {
   if (link) return link;
   if (widget.url.empty()) return std::nullopt;
   return widget.url;
-}
-
-std::vector<AccessibilityElement> accessibilityElements(const WidgetLayout& widget) {
-  std::vector<AccessibilityElement> out;
-  collectAccessibility(widget.root, out);
-  return out;
 }
 
 std::vector<Date> liveRelativeDates(const WidgetLayout& widget) {

@@ -14,16 +14,6 @@ namespace korvo::ui {
 // it, else the widget URL; nothing outside the card or when neither exists.
 std::optional<std::string> urlAt(const WidgetLayout& widget, Point point);
 
-struct AccessibilityElement {
-  std::string label;
-  std::string value;
-  Rect frame{};  // points, widget coordinates
-  friend bool operator==(const AccessibilityElement&, const AccessibilityElement&) = default;
-};
-
-// Every node carrying an accessibility label or value, in drawing order.
-std::vector<AccessibilityElement> accessibilityElements(const WidgetLayout& widget);
-
 // The dates of the live relative texts in the widget, in drawing order: the host repaints when
 // the text of one of them would change.
 std::vector<Date> liveRelativeDates(const WidgetLayout& widget);

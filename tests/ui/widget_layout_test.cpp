@@ -85,18 +85,6 @@ TEST(HitTest, NoURLAnywhereOpensNothing) {
   EXPECT_EQ(urlAt(card(text("a")), {85, 85}), std::nullopt);
 }
 
-TEST(Accessibility, LabelsAndValuesAreCollectedInOrder) {
-  const View view =
-      vstack({text("a").accessibilityLabel("Memory used").accessibilityValue("42 percent"),
-              text("b").accessibilityLabel("Other")});
-  const auto elements = accessibilityElements(card(view));
-  ASSERT_EQ(elements.size(), 2u);
-  EXPECT_EQ(elements[0].label, "Memory used");
-  EXPECT_EQ(elements[0].value, "42 percent");
-  EXPECT_EQ(elements[1].label, "Other");
-  EXPECT_EQ(elements[1].value, "");
-}
-
 TEST(RelativeDates, LiveDatesAreFoundAndShownAgainstNow) {
   const Date now = Date::fromUnixSeconds(1'800'000'000);
   const Date data = now.addingSeconds(-300);
