@@ -253,6 +253,10 @@ void WidgetWindow::redraw() {
   gtk_widget_queue_draw(window_);
 }
 
+void WidgetWindow::reload() {
+  requestTimeline();
+}
+
 void WidgetWindow::requestTimeline() {
   if (options_.logRequests) {
     std::fprintf(stderr, "korvo-widgets: timeline request for %s at %.17g\n", widget_.kind.c_str(),

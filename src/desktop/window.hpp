@@ -38,6 +38,8 @@ class WidgetWindow {
   void applyCardShape();
   // Writes the laid-out tree to the dump directory, when there is one.
   void dump();
+  // Asks the provider for a new timeline now.
+  void reload();
 
   // GTK signal handlers.
   gboolean draw(cairo_t* cr);

@@ -26,11 +26,11 @@ inline std::string slurp(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// Runs the built korvo-widgets with `args` in an environment of exactly `environment`, its output
-// and errors caught in files under `scratch`.
-inline CliResult runCli(const std::vector<std::string>& args,
-                        const std::map<std::string, std::string>& environment,
-                        const std::filesystem::path& scratch) {
+// Runs `program` with `args` in an environment of exactly `environment`, its output and errors
+// caught in files under `scratch`.
+inline CliResult runProgram(const std::string& program, const std::vector<std::string>& args,
+                            const std::map<std::string, std::string>& environment,
+                            const std::filesystem::path& scratch) {
   const std::string outPath = (scratch / "stdout").string();
   const std::string errPath = (scratch / "stderr").string();
   posix_spawn_file_actions_t actions;
@@ -41,7 +41,7 @@ inline CliResult runCli(const std::vector<std::string>& args,
                                    0644);
   posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
 
-  std::vector<std::string> argStrings{KORVO_BINARY};
+  std::vector<std::string> argStrings{program};
   argStrings.insert(argStrings.end(), args.begin(), args.end());
   std::vector<char*> argv;
   for (auto& arg : argStrings) argv.push_back(arg.data());
@@ -58,7 +58,7 @@ inline CliResult runCli(const std::vector<std::string>& args,
 
   CliResult result;
   pid_t pid = 0;
-  if (posix_spawn(&pid, KORVO_BINARY, &actions, nullptr, argv.data(), envp.data()) == 0) {
+  if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data()) == 0) {
     int status = 0;
     waitpid(pid, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
@@ -67,6 +67,13 @@ inline CliResult runCli(const std::vector<std::string>& args,
   result.out = slurp(outPath);
   result.err = slurp(errPath);
   return result;
+}
+
+// Runs the built korvo-widgets, as runProgram does.
+inline CliResult runCli(const std::vector<std::string>& args,
+                        const std::map<std::string, std::string>& environment,
+                        const std::filesystem::path& scratch) {
+  return runProgram(KORVO_BINARY, args, environment, scratch);
 }
 
 }  // namespace korvo::testing
