@@ -14,7 +14,11 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome);
 void addGalleryCommand(CLI::App& app, CommandOutcome& outcome);
 void addSnapshotCommand(CLI::App& app, CommandOutcome& outcome);
 void addMemoryCommand(CLI::App& app, CommandOutcome& outcome);
+// `status KIND`: one line for status bars.
+void addStatusCommand(CLI::App& app, CommandOutcome& outcome);
 // `run`: hands every argument after it to the desktop host, a separate executable.
 void addRunCommand(CLI::App& app, CommandOutcome& outcome);
+// `reload`: asks the running desktop host to ask every provider again.
+void addReloadCommand(CLI::App& app, CommandOutcome& outcome);
 
 }  // namespace korvo::cli

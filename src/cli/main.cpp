@@ -23,6 +23,8 @@ int main(int argc, char** argv) {
   korvo::cli::addGalleryCommand(app, outcome);
   korvo::cli::addSnapshotCommand(app, outcome);
   korvo::cli::addMemoryCommand(app, outcome);
+  korvo::cli::addStatusCommand(app, outcome);
   korvo::cli::addRunCommand(app, outcome);
+  korvo::cli::addReloadCommand(app, outcome);
   return korvo::cli::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
 }

@@ -6,8 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "extension/korvo_widgets.hpp"
+#include "cli/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
+#include "extension/korvo_widgets.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
 namespace korvo::desktop {
@@ -24,6 +25,11 @@ gboolean onHangUp(gpointer host) {
 
 gboolean onDumpRequest(gpointer host) {
   self(host).dumpAll();
+  return G_SOURCE_CONTINUE;
+}
+
+gboolean onReloadRequest(gpointer host) {
+  self(host).reloadTimelines();
   return G_SOURCE_CONTINUE;
 }
 
@@ -60,6 +66,7 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
   }
   signalSources_.push_back(g_unix_signal_add(SIGHUP, onHangUp, this));
   signalSources_.push_back(g_unix_signal_add(SIGUSR1, onDumpRequest, this));
+  signalSources_.push_back(g_unix_signal_add(HostRecord::reloadSignal, onReloadRequest, this));
   signalSources_.push_back(g_unix_signal_add(SIGINT, onStop, this));
   signalSources_.push_back(g_unix_signal_add(SIGTERM, onStop, this));
   GdkScreen* screen = gdk_screen_get_default();
@@ -161,6 +168,10 @@ void DesktopHost::arrange() {
 
 void DesktopHost::dumpAll() {
   for (const auto& window : windows_) window->dump();
+}
+
+void DesktopHost::reloadTimelines() {
+  for (const auto& window : windows_) window->requestTimeline();
 }
 
 void DesktopHost::appearanceChanged() {

@@ -7,13 +7,13 @@
 #include <optional>
 #include <vector>
 
-#include "extension/widget_configuration.hpp"
 #include "desktop/appearance.hpp"
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
 #include "desktop/core/widget_lookup.hpp"
 #include "desktop/file_watch.hpp"
 #include "desktop/window.hpp"
+#include "extension/widget_configuration.hpp"
 
 namespace korvo::desktop {
 
@@ -37,6 +37,8 @@ class DesktopHost {
   void arrange();
   // Writes every window's tree to the dump directory.
   void dumpAll();
+  // Asks every widget's provider again now (`korvo-widgets reload`).
+  void reloadTimelines();
   void appearanceChanged();
   // The shared file changed: the widgets that show it ask their providers again at once.
   void sharedFileChanged();

@@ -2,11 +2,13 @@
 
 #include <clocale>
 #include <cstdio>
+#include <string>
 
 #include "base/clock.hpp"
 #include "cli/command_line.hpp"
 #include "desktop/desktop.hpp"
 #include "desktop/run_options.hpp"
+#include "desktop/session_instance.hpp"
 #include "extension/korvo_widgets.hpp"
 
 namespace {
@@ -18,6 +20,26 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
   if (options.warp != desktop::TimeWarp{}) {
     clock::setWarp(options.warp.offsetSeconds, options.warp.rate);
   }
+  // Before the display: a second host leaves at once, with or without one.
+  desktop::DesktopHost* shown = nullptr;
+  desktop::SessionInstance instance(
+      options.replace,
+      [] {
+        std::fprintf(stderr, "korvo-widgets: another desktop host took over this session\n");
+        gtk_main_quit();
+      },
+      [&shown] {
+        if (shown != nullptr) shown->reloadTimelines();
+      });
+  if (instance.claim() == desktop::SessionInstance::Claim::taken) {
+    const auto owner = instance.ownerProcess();
+    const std::string which = owner ? " (pid " + std::to_string(*owner) + ")" : "";
+    std::fprintf(stderr,
+                 "korvo-widgets: the desktop host is already running in this session%s; "
+                 "--replace takes over\n",
+                 which.c_str());
+    return cli::exitSuccess;
+  }
   // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
   // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
   g_setenv("GDK_GL", "disable", FALSE);
@@ -27,6 +49,7 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
     return cli::exitFailure;
   }
   desktop::DesktopHost host(widgets, std::move(options));
+  shown = &host;
   host.run();
   return cli::exitSuccess;
 }

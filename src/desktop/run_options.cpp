@@ -24,8 +24,8 @@ HostOptions resolveRunOptions(RunArguments arguments,
   if (!(options.scale > 0 && options.scale <= 8)) {
     throw cli::UsageError("--scale: must be a number above 0 and at most 8");
   }
-  const auto fromEnvironment = timeWarpFromEnvironment(std::getenv("KORVO_TIME_OFFSET"),
-                                                             std::getenv("KORVO_TIME_RATE"));
+  const auto fromEnvironment =
+      timeWarpFromEnvironment(std::getenv("KORVO_TIME_OFFSET"), std::getenv("KORVO_TIME_RATE"));
   if (fromEnvironment.error) throw cli::UsageError(*fromEnvironment.error);
   options.warp = fromEnvironment.warp;
   if (arguments.timeRate) {
@@ -52,11 +52,10 @@ void addRunOptions(CLI::App& app, RunArguments& arguments) {
                       "more. Replaces the placements file.");
   command->add_option("--placements", arguments.placementsFile,
                       "Read and watch this placements file instead of the user's.");
-  cli::addChoice(command, "--appearance", arguments.options.appearance,
-      ui::colorSchemeWords,
-      "Colour scheme: light or dark instead of following the desktop.");
-  cli::addChoice(command, "--rendering", arguments.options.renderingMode,
-      ui::renderingModeWords,
+  cli::addChoice(command, "--appearance", arguments.options.appearance, ui::colorSchemeWords,
+                 "Colour scheme: light or dark instead of following the desktop.");
+  cli::addChoice(
+      command, "--rendering", arguments.options.renderingMode, ui::renderingModeWords,
       "Rendering mode: full-color (the default), or accented (accent group tinted, the rest "
       "white).");
   cli::addTextOption(command, "--accent", arguments.accent,
@@ -69,6 +68,9 @@ void addRunOptions(CLI::App& app, RunArguments& arguments) {
   command->add_option("--time-offset", arguments.timeOffset,
                       "Shift the widgets' clock by this many seconds (tests; also "
                       "KORVO_TIME_OFFSET).");
+  command->add_flag("--replace", arguments.options.replace,
+                    "Take over from the desktop host already running in this session (without "
+                    "it, a second host says that one runs and exits 0).");
   command->add_option("--dump-dir", arguments.dumpDirectory,
                       "Write each window's laid-out tree as JSON into this folder on every new "
                       "entry and on SIGUSR1 (N-KIND-FAMILY.json).");

@@ -37,9 +37,12 @@ bool isSafeComponent(std::string_view group) {
 std::filesystem::path bundleInfoPath() {
   if (const char* explicitPath = std::getenv("KORVO_BUNDLE_INFO")) return explicitPath;
   if (const auto directory = executableDirectory()) {
-    auto installed = *directory / ".." / "share" / "korvo-widgets" / "Info.json";
-    std::error_code error;
-    if (std::filesystem::is_regular_file(installed, error)) return installed.lexically_normal();
+    // bin/ programs look one level up, the desktop host in libexec/korvo-widgets/ two.
+    for (const auto& prefix : {*directory / "..", *directory / ".." / ".."}) {
+      auto installed = prefix / "share" / "korvo-widgets" / "Info.json";
+      std::error_code error;
+      if (std::filesystem::is_regular_file(installed, error)) return installed.lexically_normal();
+    }
   }
   return std::filesystem::path(KORVO_SHARED_BUILD_DATA_DIR) / "Info.json";
 }

@@ -14,8 +14,9 @@ namespace korvo {
 inline constexpr const char* appGroupInfoKey = "KorvoAppGroup";
 
 // Where the bundle information Info.json is looked for: $KORVO_BUNDLE_INFO when set (and then
-// only there), else <executable dir>/../share/korvo-widgets/Info.json when that file exists,
-// else the build tree's copy.
+// only there), else <executable dir>/../share/korvo-widgets/Info.json when that file exists (or
+// <executable dir>/../../share/… for a program installed in libexec/korvo-widgets/), else the
+// build tree's copy.
 std::filesystem::path bundleInfoPath();
 
 // The non-empty string value of KorvoAppGroup in the bundle information, or why there is none.

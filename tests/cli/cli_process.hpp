@@ -26,12 +26,14 @@ inline std::string slurp(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// Runs the built korvo-widgets with `args` in an environment of exactly `environment`, its
-// standard output going to `outPath` (a file, /dev/full, a terminal) and its errors caught in a
-// file under `scratch`; `out` holds what a regular `outPath` received.
-inline CliResult runCliWritingTo(const std::vector<std::string>& args,
-                                 const std::map<std::string, std::string>& environment,
-                                 const std::filesystem::path& scratch, const std::string& outPath) {
+// Runs `program` with `args` in an environment of exactly `environment`, its standard output
+// going to `outPath` (a file, /dev/full, a terminal) and its errors caught in a file under
+// `scratch`; `out` holds what a regular `outPath` received.
+inline CliResult runProgramWritingTo(const std::string& program,
+                                     const std::vector<std::string>& args,
+                                     const std::map<std::string, std::string>& environment,
+                                     const std::filesystem::path& scratch,
+                                     const std::string& outPath) {
   const std::string errPath = (scratch / "stderr").string();
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -41,7 +43,7 @@ inline CliResult runCliWritingTo(const std::vector<std::string>& args,
                                    0644);
   posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
 
-  std::vector<std::string> argStrings{KORVO_BINARY};
+  std::vector<std::string> argStrings{program};
   argStrings.insert(argStrings.end(), args.begin(), args.end());
   std::vector<char*> argv;
   for (auto& arg : argStrings) argv.push_back(arg.data());
@@ -58,7 +60,7 @@ inline CliResult runCliWritingTo(const std::vector<std::string>& args,
 
   CliResult result;
   pid_t pid = 0;
-  if (posix_spawn(&pid, KORVO_BINARY, &actions, nullptr, argv.data(), envp.data()) == 0) {
+  if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data()) == 0) {
     int status = 0;
     waitpid(pid, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
@@ -70,10 +72,24 @@ inline CliResult runCliWritingTo(const std::vector<std::string>& args,
 }
 
 // As above, its output caught in a file under `scratch`.
+inline CliResult runProgram(const std::string& program, const std::vector<std::string>& args,
+                            const std::map<std::string, std::string>& environment,
+                            const std::filesystem::path& scratch) {
+  return runProgramWritingTo(program, args, environment, scratch, (scratch / "stdout").string());
+}
+
+// Runs the built korvo-widgets, as runProgramWritingTo does.
+inline CliResult runCliWritingTo(const std::vector<std::string>& args,
+                                 const std::map<std::string, std::string>& environment,
+                                 const std::filesystem::path& scratch, const std::string& outPath) {
+  return runProgramWritingTo(KORVO_BINARY, args, environment, scratch, outPath);
+}
+
+// Runs the built korvo-widgets, its output caught in a file under `scratch`.
 inline CliResult runCli(const std::vector<std::string>& args,
                         const std::map<std::string, std::string>& environment,
                         const std::filesystem::path& scratch) {
-  return runCliWritingTo(args, environment, scratch, (scratch / "stdout").string());
+  return runProgram(KORVO_BINARY, args, environment, scratch);
 }
 
 }  // namespace korvo::testing

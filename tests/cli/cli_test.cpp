@@ -2,51 +2,18 @@
 
 #include <nlohmann/json.hpp>
 
-#include "support/scoped_environment.hpp"
-#include "cli_process.hpp"
+#include "cli_fixture.hpp"
 
 namespace korvo {
 namespace {
 
 using nlohmann::json;
+using testing::Cli;
 using testing::CliResult;
-
-const std::string fixtureRoot = std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram";
-const std::string sampleFile = std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json";
-// 2026-11-15T01:45:00Z: 816,399,900 seconds after 2001-01-01.
-constexpr const char* nowISO = "2026-11-15T01:45:00Z";
-constexpr double nowReference = 816'399'900;
-
-// A machine of the test's making: fixture /proc, a data home with the group container, the build
-// tree's bundle information.
-class Cli : public ::testing::Test {
- protected:
-  std::map<std::string, std::string> environment() const {
-    return {{"KORVO_SYSROOT", fixtureRoot},
-            {"XDG_DATA_HOME", dataHome.path().string()},
-            {"HOME", dataHome.path().string()},
-            {"KORVO_BUNDLE_INFO", std::string(KORVO_BUILD_DATA_DIR) + "/Info.json"},
-            {"LANG", "C.UTF-8"},
-            {"TZ", "UTC"},
-            {"PATH", "/usr/bin:/bin"}};
-  }
-  CliResult run(const std::vector<std::string>& args) const {
-    return testing::runCli(args, environment(), scratch.path());
-  }
-  CliResult run(const std::vector<std::string>& args,
-                const std::map<std::string, std::string>& environment) const {
-    return testing::runCli(args, environment, scratch.path());
-  }
-  void writeSharedFile(std::string_view bytes) const {
-    dataHome.write(testing::sharedFileRelative(), bytes);
-  }
-  std::string sharedFilePath() const {
-    return (dataHome.path() / testing::sharedFileRelative()).string();
-  }
-
-  testing::TempDir dataHome;
-  testing::TempDir scratch;
-};
+using testing::fixtureRoot;
+using testing::nowISO;
+using testing::nowReference;
+using testing::sampleFile;
 
 TEST_F(Cli, ListJsonNamesTheFourWidgetsInGalleryOrder) {
   const CliResult result = run({"list", "--json"});

@@ -27,6 +27,8 @@ struct HostOptions {
   std::optional<std::filesystem::path> dumpDirectory = std::nullopt;
   // Log every timeline request on standard error (KORVO_HOST_DEBUG).
   bool logRequests = false;
+  // Take over from the session's running host instead of leaving it be.
+  bool replace = false;
 };
 
 }  // namespace korvo::desktop

@@ -82,21 +82,6 @@ ui::View primaryColumn(const MemoryEntry& entry, const ui::Environment& environm
   return ui::vstack(HorizontalAlignment::leading, 6, std::move(children));
 }
 
-// The level names are the levels' raw values, spelled out here so the text template carries them.
-std::string pressureLine(MemoryPressure pressure) {
-  switch (pressure) {
-    case MemoryPressure::normal:
-      return _("Normal") + _(" pressure");
-    case MemoryPressure::warning:
-      return _("Elevated") + _(" pressure");
-    case MemoryPressure::critical:
-      return _("High") + _(" pressure");
-    case MemoryPressure::unknown:
-      break;
-  }
-  return _("Pressure unavailable");
-}
-
 ui::View figureRow(std::string title, std::uint64_t bytes) {
   return ui::hstack(
       {ui::text(std::move(title)), ui::spacer(), ui::text(MemoryFormat::gigabytes(bytes))});
@@ -125,6 +110,21 @@ ui::View detailColumn(const MemoryEntry& entry, const ui::Palette& palette) {
 }
 
 }  // namespace
+
+// The level names are the levels' raw values, spelled out here so the text template carries them.
+std::string pressureLine(MemoryPressure pressure) {
+  switch (pressure) {
+    case MemoryPressure::normal:
+      return _("Normal") + _(" pressure");
+    case MemoryPressure::warning:
+      return _("Elevated") + _(" pressure");
+    case MemoryPressure::critical:
+      return _("High") + _(" pressure");
+    case MemoryPressure::unknown:
+      break;
+  }
+  return _("Pressure unavailable");
+}
 
 ui::View MemoryWidgetContent::body(const ui::Environment& environment) const {
   std::vector<ui::View> columns{primaryColumn(entry, environment)};

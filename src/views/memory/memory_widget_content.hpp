@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "model/memory_entry.hpp"
 #include "ui/environment.hpp"
 #include "ui/view.hpp"
@@ -16,5 +18,8 @@ struct MemoryWidgetContent {
   ui::View body(const ui::Environment& environment) const;
   friend bool operator==(const MemoryWidgetContent&, const MemoryWidgetContent&) = default;
 };
+
+// "Normal pressure", "Elevated pressure", "High pressure" or "Pressure unavailable".
+std::string pressureLine(MemoryPressure pressure);
 
 }  // namespace korvo

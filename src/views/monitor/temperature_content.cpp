@@ -15,6 +15,10 @@ State state(const std::optional<WidgetSnapshot>& snapshot) {
   return snapshot->temperature ? State::reading : State::unavailable;
 }
 
+std::string degreesText(double celsius) {
+  return cFormat("%.0f°C", celsius);
+}
+
 std::vector<ui::View> items(const MonitorEntry& entry, const ui::Environment& environment) {
   const ui::Palette palette = environment.palette();
   std::vector<ui::View> items{
@@ -24,7 +28,7 @@ std::vector<ui::View> items(const MonitorEntry& entry, const ui::Environment& en
   };
   const State current = state(entry.snapshot);
   if (current == State::reading) {
-    items.push_back(ui::text(cFormat("%.0f°C", *entry.snapshot->temperature))
+    items.push_back(ui::text(degreesText(*entry.snapshot->temperature))
                         .font(Font::system(40, FontWeight::medium, FontDesign::rounded))
                         .monospacedDigit()
                         .foregroundStyle(palette.primary));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "model/monitor_entry.hpp"
@@ -18,6 +19,9 @@ enum class State {
 };
 
 State state(const std::optional<WidgetSnapshot>& snapshot);
+
+// A reading as the widget writes it, whole degrees: "54°C".
+std::string degreesText(double celsius);
 
 // The items, top to bottom: header, then the reading, its caption and (with a reading date) the
 // last-updated footer; or a title and the settings hint.

@@ -30,8 +30,7 @@ ui::View smallRow(const MonitorEntry& entry, UsageProvider provider,
   const ui::Palette palette = environment.palette();
   const UsageState providerState = state(entry, provider);
   const std::optional<UsageWindow> weekly = UsageWindows::weekly(providerState);
-  const std::string figure =
-      weekly ? cFormat("%.0f%%", UsageWindows::remainingPercent(*weekly)) : _("—");
+  const std::string figure = weekly ? UsageWindows::remainingText(*weekly) : _("—");
   ui::View head = ui::hstack({
       ui::text(shortName(provider)).font(Font::caption().withWeight(FontWeight::semibold)),
       ui::spacer(3),

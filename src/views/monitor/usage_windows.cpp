@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "base/c_format.hpp"
+
 namespace korvo::UsageWindows {
 
 std::optional<UsageWindow> weekly(const UsageState& state) {
@@ -23,6 +25,10 @@ double remainingPercent(const UsageWindow& window) {
   const double remaining = 100 - window.usedPercent;
   if (std::isnan(remaining) || remaining < 0) return 0;
   return remaining;
+}
+
+std::string remainingText(const UsageWindow& window) {
+  return cFormat("%.0f%%", remainingPercent(window));
 }
 
 ui::Color tint(UsageProvider provider, const ui::Palette& palette) {

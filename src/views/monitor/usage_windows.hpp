@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "shared/usage_provider.hpp"
 #include "shared/usage_snapshot.hpp"
@@ -20,6 +21,9 @@ std::optional<UsageWindow> fiveHour(const UsageSnapshot& snapshot);
 
 // 100 − usedPercent, raised to 0 when negative (or not a number) and never capped at 100, percent.
 double remainingPercent(const UsageWindow& window);
+
+// The remaining percentage as the widget writes it: "58%".
+std::string remainingText(const UsageWindow& window);
 
 // Codex in teal, every other provider in orange.
 ui::Color tint(UsageProvider provider, const ui::Palette& palette);

@@ -1,0 +1,101 @@
+#include <array>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+#include "cli/commands.hpp"
+#include "cli/status_line.hpp"
+#include "cli/widgets.hpp"
+#include "extension/memory_provider.hpp"
+#include "extension/monitor_provider.hpp"
+
+namespace korvo::cli {
+namespace {
+
+struct StatusOptions {
+  std::string kind;
+  std::string format = "text";
+  std::string mode = std::string(rawValue(DisplayMode::usedPercent));
+  std::optional<std::string> now;
+};
+
+// The line of each widget that has one, from the provider the widget itself asks; status bars
+// run this every few seconds, so it loads no toolkit and reads only what the line needs.
+StatusLine::Line memoryLine(DisplayMode mode) {
+  std::optional<MemoryEntry> entry;
+  MemoryProvider{}.getTimeline(
+      {}, [&](Timeline<MemoryEntry> timeline) { entry = std::move(timeline.entries.front()); });
+  return StatusLine::memory(*entry, mode);
+}
+
+MonitorEntry monitorEntry() {
+  std::optional<MonitorEntry> entry;
+  MonitorProvider{}.getTimeline(
+      {}, [&](Timeline<MonitorEntry> timeline) { entry = std::move(timeline.entries.front()); });
+  return *entry;
+}
+
+struct StatusKind {
+  std::string_view shortKind;
+  StatusLine::Line (*line)(DisplayMode mode);
+};
+
+constexpr std::array statusKinds{
+    StatusKind{"memory", memoryLine},
+    StatusKind{"usage", [](DisplayMode) { return StatusLine::usage(monitorEntry()); }},
+    StatusKind{"temperature", [](DisplayMode) { return StatusLine::temperature(monitorEntry()); }},
+};
+
+std::string statusKindWords() {
+  std::string words;
+  for (const StatusKind& kind : statusKinds) {
+    words += (words.empty() ? "" : ", ") + std::string(kind.shortKind);
+  }
+  return words;
+}
+
+const StatusKind& statusKindNamed(const std::string& kind) {
+  const WidgetConfiguration& widget = widgetNamed(kind);
+  for (const StatusKind& candidate : statusKinds) {
+    if (candidate.shortKind == widget.shortKind()) return candidate;
+  }
+  throw UsageError("widget " + widget.shortKind() +
+                   " has no status line; valid kinds: " + statusKindWords());
+}
+
+std::vector<std::string> modeWords() {
+  std::vector<std::string> words;
+  for (const DisplayMode mode : allDisplayModes) words.emplace_back(rawValue(mode));
+  return words;
+}
+
+}  // namespace
+
+void addStatusCommand(CLI::App& app, CommandOutcome& outcome) {
+  auto* command = app.add_subcommand(
+      "status",
+      "Print one line for a status bar (memory, usage, temperature) from the widget's own "
+      "provider; \"—\" when there is no data, still exit 0.");
+  auto options = std::make_shared<StatusOptions>();
+  addKindArgument(command, options->kind);
+  command
+      ->add_option("--format", options->format,
+                   "text: the figure alone; waybar: one JSON object {text, tooltip, class, "
+                   "percentage} for a Waybar custom module.")
+      ->check(CLI::IsMember({"text", "waybar"}));
+  command
+      ->add_option("--mode", options->mode,
+                   "How the memory figure is written (default usedPercent).")
+      ->check(CLI::IsMember(modeWords()));
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  command->callback([options, &outcome] {
+    const StatusKind& kind = statusKindNamed(options->kind);
+    pinClock(options->now);
+    const StatusLine::Line line = kind.line(*displayModeFromRaw(options->mode));
+    std::cout << (options->format == "waybar" ? StatusLine::waybarJson(line) : line.text) << '\n';
+    outcome.exitCode = exitSuccess;
+  });
+}
+
+}  // namespace korvo::cli

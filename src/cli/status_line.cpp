@@ -1,0 +1,136 @@
+#include "cli/status_line.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <vector>
+
+#include "base/date_text.hpp"
+#include "base/text.hpp"
+#include "model/entry_json.hpp"
+#include "sampling/memory_format.hpp"
+#include "shared/usage_provider.hpp"
+#include "views/memory/memory_widget_content.hpp"
+#include "views/monitor/last_updated_footer.hpp"
+#include "views/monitor/temperature_content.hpp"
+#include "views/monitor/usage_content.hpp"
+#include "views/monitor/usage_windows.hpp"
+
+namespace korvo::StatusLine {
+namespace {
+
+// Waybar draws this when there is nothing to show.
+std::string noFigure() {
+  return _("—");
+}
+
+int wholePercent(double percent) {
+  if (!std::isfinite(percent)) return 0;
+  // Rounded as the texts are (printf: halves to even), so "52°C" comes with 52.
+  return static_cast<int>(std::nearbyint(std::clamp(percent, 0.0, 100.0)));
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+  return text;
+}
+
+std::string windowLine(const UsageWindow& window, Date now) {
+  return window.remainingSummary() + " · " + window.resetCountdown(now);
+}
+
+}  // namespace
+
+Line memory(const MemoryEntry& entry, DisplayMode mode) {
+  if (!entry.memory) {
+    return {noFigure(), _("Memory") + std::string(": ") + _("Unavailable"), "unavailable", 0};
+  }
+  const MemorySnapshot& reading = *entry.memory;
+  const auto figure = [](std::string title, std::uint64_t bytes) {
+    return title + " " + MemoryFormat::compactSize(bytes);
+  };
+  const std::vector<std::string> details{
+      MemoryFormat::gigabytes(reading.used()) + _(" of ") + MemoryFormat::gigabytes(reading.total),
+      figure(_("Apps"), reading.app),
+      figure(_("Wired"), reading.wired),
+      figure(_("Compressed"), reading.compressed),
+      figure(_("Cached"), reading.cached),
+      reading.swap ? figure(_("Swap"), *reading.swap) : _("Swap") + std::string(" ") + _("—"),
+      MemoryFormat::gigabytes(reading.available()) + _(" available"),
+      pressureLine(reading.pressure),
+  };
+  return {MemoryFormat::modeText(reading, mode), joined(details),
+          std::string(rawValue(reading.pressure)), wholePercent(reading.usedFraction() * 100)};
+}
+
+Line usage(const MonitorEntry& entry) {
+  if (!entry.snapshot) return {noFigure(), _("Usage unavailable"), "unavailable", 0};
+  std::vector<std::string> figures;
+  std::vector<std::string> details;
+  std::optional<double> lowest;
+  bool anyEnabled = false;
+  bool stale = false;
+  for (const UsageProvider provider : allCases<UsageProvider>()) {
+    const UsageState state = UsageContent::state(entry, provider);
+    details.push_back(shortName(provider) + " · " + state.statusText());
+    if (!state.enabled) continue;
+    anyEnabled = true;
+    stale = stale || state.isStale();
+    const std::optional<UsageWindow> weekly = UsageWindows::weekly(state);
+    figures.push_back(shortName(provider) + " " +
+                      (weekly ? UsageWindows::remainingText(*weekly) : noFigure()));
+    if (weekly) {
+      const double remaining = UsageWindows::remainingPercent(*weekly);
+      lowest = lowest ? std::min(*lowest, remaining) : remaining;
+      details.push_back(windowLine(*weekly, entry.date));
+    }
+    if (state.snapshot) {
+      if (const auto fiveHour = UsageWindows::fiveHour(*state.snapshot)) {
+        details.push_back(windowLine(*fiveHour, entry.date));
+      }
+    }
+  }
+  if (!anyEnabled) return {noFigure(), joined(details), "disabled", 0};
+  std::string text;
+  for (const std::string& figure : figures) text += (text.empty() ? "" : " · ") + figure;
+  const std::string cssClass = !lowest ? "unavailable" : stale ? "stale" : "";
+  return {text, joined(details), cssClass, lowest ? wholePercent(*lowest) : 0};
+}
+
+Line temperature(const MonitorEntry& entry) {
+  switch (TemperatureContent::state(entry.snapshot)) {
+    case TemperatureContent::State::disabled:
+      return {noFigure(),
+              _("Enable in Korvo") + std::string(": ") + _("Settings → Monitors → CPU temperature"),
+              "disabled", 0};
+    case TemperatureContent::State::unavailable:
+      return {noFigure(), _("CPU temperature") + std::string(": ") + _("Unavailable"),
+              "unavailable", 0};
+    case TemperatureContent::State::reading:
+      break;
+  }
+  const WidgetSnapshot& snapshot = *entry.snapshot;
+  const double celsius = *snapshot.temperature;
+  std::string tooltip = _("Hottest CPU sensor");
+  bool stale = false;
+  if (snapshot.temperatureDate) {
+    const LastUpdatedFooter footer{entry.date, *snapshot.temperatureDate};
+    stale = footer.isStale();
+    tooltip +=
+        "\n" + (stale ? _("Stale ·") : _("Updated")) + " " + shortTime(*snapshot.temperatureDate);
+  }
+  return {TemperatureContent::degreesText(celsius), tooltip, stale ? "stale" : "",
+          wholePercent(celsius)};
+}
+
+std::string waybarJson(const Line& line) {
+  nlohmann::ordered_json document{{"text", line.text},
+                                  {"tooltip", line.tooltip},
+                                  {"class", line.cssClass},
+                                  {"percentage", line.percentage}};
+  return documentText(document);
+}
+
+}  // namespace korvo::StatusLine

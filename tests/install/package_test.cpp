@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <sstream>
+
+#include "desktop/desktop_harness.hpp"
+
+namespace korvo::desktop_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* package = "korvo-widgets";
+constexpr bool buildsKorvo = KORVO_BUILDS_KORVO;
+
+const Environment aptEnvironment{{"PATH", "/usr/sbin:/usr/bin:/sbin:/bin"},
+                                 {"DEBIAN_FRONTEND", "noninteractive"},
+                                 {"LANG", "C.UTF-8"}};
+
+bool installed() {
+  return runCommand({"dpkg-query", "-W", "-f=${Status}", package}, aptEnvironment)
+             .output.find("install ok installed") != std::string::npos;
+}
+
+// Standard error with standard output, and the exit status.
+CommandResult shell(const std::string& commandLine, const Environment& environment) {
+  return runCommand({"/bin/sh", "-c", commandLine + " 2>&1"}, environment);
+}
+
+// apt-get run in `folder`, waiting for the machine's dpkg lock as long as another install holds it.
+CommandResult apt(const std::string& arguments, const fs::path& folder = "/") {
+  return shell(
+      "cd " + folder.string() + " && apt-get -y -q -o DPkg::Lock::Timeout=600 " + arguments,
+      aptEnvironment);
+}
+
+// The package as CPack builds it from this build tree, installed on this machine with apt, used
+// from /usr, and purged. It changes the machine, so it runs only where it may: as root with apt,
+// and not over an installation of someone else's.
+class Package : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (::geteuid() != 0) GTEST_SKIP() << "installing a package needs root";
+    if (!fs::exists("/usr/bin/apt-get")) GTEST_SKIP() << "no apt-get on this machine";
+    if (installed() || fs::exists("/usr/bin/korvo-widgets")) {
+      GTEST_SKIP() << "korvo-widgets is already installed here; the test would remove it";
+    }
+  }
+  void TearDown() override {
+    if (installed()) apt("purge korvo-widgets");
+  }
+
+  TempFolder folder_;
+};
+
+TEST_F(Package, InstallsRunsFromUsrAndLeavesNothingBehindOnPurge) {
+  const CommandResult built = shell(
+      std::string(KORVO_CPACK) + " -G DEB --config " KORVO_BUILD_DIR "/CPackConfig.cmake -B " +
+          folder_.path().string(),
+      aptEnvironment);
+  ASSERT_EQ(built.exitStatus, 0) << built.output;
+  fs::path deb;
+  for (const auto& entry : fs::directory_iterator(folder_.path())) {
+    if (entry.path().filename().string().starts_with("korvo-widgets_") &&
+        entry.path().extension() == ".deb") {
+      deb = entry.path();
+    }
+  }
+  ASSERT_FALSE(deb.empty()) << built.output;
+  const CommandResult depends = shell("dpkg-deb -f " + deb.string() + " Depends", aptEnvironment);
+  for (const char* dependency : {"libgtk-3-0", "libpango-1.0-0", "libcairo2", "libicu72",
+                                 "fonts-inter", "fonts-material-design-icons-iconfont"}) {
+    EXPECT_NE(depends.output.find(dependency), std::string::npos) << depends.output;
+  }
+
+  const CommandResult install =
+      apt("install --no-install-recommends ./" + deb.filename().string(), folder_.path());
+  ASSERT_EQ(install.exitStatus, 0) << install.output;
+  ASSERT_TRUE(installed());
+  // Only what the package owns: files, and folders no other package shares.
+  std::vector<fs::path> owned;
+  std::istringstream listed(runCommand({"dpkg", "-L", package}, aptEnvironment).output);
+  for (std::string line; std::getline(listed, line);) {
+    if (fs::is_regular_file(line) || line.find("korvo") != std::string::npos) owned.push_back(line);
+  }
+  ASSERT_FALSE(owned.empty());
+
+  const Environment user{{"PATH", "/usr/bin:/bin"},
+                         {"HOME", folder_.path().string()},
+                         {"LANG", "C.UTF-8"},
+                         {"TZ", "UTC"}};
+  const CommandResult list = shell("/usr/bin/korvo-widgets list", user);
+  EXPECT_EQ(list.exitStatus, 0) << list.output;
+  for (const char* name : {"Memory", "Keep Awake", "AI Usage", "CPU Temperature"}) {
+    EXPECT_NE(list.output.find(name), std::string::npos) << list.output;
+  }
+  EXPECT_EQ(shell("/usr/bin/korvo-widgets snapshot path", user).output,
+            folder_.path().string() +
+                "/.local/share/app-groups/group.com.tessmoor.Korvo/usage-snapshot.json\n")
+      << "the installed Info.json names the group";
+  if (buildsKorvo) {
+    const CommandResult publish = shell("/usr/bin/korvo publish --print", user);
+    EXPECT_EQ(publish.exitStatus, 0) << publish.output;
+  }
+
+  // The desktop host from /usr, under Xvfb, showing the memory widget.
+  XServer server(1280, 1024, folder_.path());
+  Environment desktop = user;
+  desktop["DISPLAY"] = server.display();
+  desktop["GDK_BACKEND"] = "x11";
+  desktop["NO_AT_BRIDGE"] = "1";
+  const fs::path dumps = folder_.path() / "dump";
+  fs::create_directories(dumps);
+  {
+    Process host(
+        {"/usr/bin/korvo-widgets", "run", "--widget", "memory", "--dump-dir", dumps.string()},
+        desktop, folder_.path() / "host.out", folder_.path() / "host.err");
+    EXPECT_TRUE(waitFor([&] {
+      return readFile(dumps / "1-memory-small.json").find("\"MEMORY\"") != std::string::npos;
+    })) << readFile(folder_.path() / "host.err");
+    EXPECT_TRUE(host.running()) << readFile(folder_.path() / "host.err");
+  }
+
+  const CommandResult purge = apt("purge korvo-widgets");
+  ASSERT_EQ(purge.exitStatus, 0) << purge.output;
+  EXPECT_FALSE(installed());
+  for (const auto& path : owned) EXPECT_FALSE(fs::exists(path)) << path << " was left behind";
+}
+
+}  // namespace
+}  // namespace korvo::desktop_test
