@@ -1,10 +1,10 @@
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
-#include "sample_card.hpp"
 #include "render/image_output.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
+#include "sample_card.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace {

@@ -1,9 +1,10 @@
 #include "base/c_format.hpp"
 
+#include <locale.h>
+
 #include <clocale>
 #include <cstdarg>
 #include <cstdio>
-#include <locale.h>
 
 namespace korvo {
 namespace {

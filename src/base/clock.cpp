@@ -27,8 +27,8 @@ Date now() {
   std::scoped_lock lock(settingsMutex);
   if (settings.fixed) return *settings.fixed;
   const double real = realUnixSeconds();
-  const double warped =
-      settings.warpStartUnix + (real - settings.warpStartUnix) * settings.rate + settings.offsetSeconds;
+  const double warped = settings.warpStartUnix + (real - settings.warpStartUnix) * settings.rate +
+                        settings.offsetSeconds;
   return Date::fromUnixSeconds(warped);
 }
 

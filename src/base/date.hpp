@@ -18,7 +18,9 @@ struct Date {
   constexpr double secondsSince(Date earlier) const {
     return secondsSinceReferenceDate - earlier.secondsSinceReferenceDate;
   }
-  constexpr Date addingSeconds(double seconds) const { return {secondsSinceReferenceDate + seconds}; }
+  constexpr Date addingSeconds(double seconds) const {
+    return {secondsSinceReferenceDate + seconds};
+  }
 
   friend constexpr auto operator<=>(const Date&, const Date&) = default;
 };

@@ -9,6 +9,8 @@ constexpr const char* textDomain = "korvo-widgets";
 
 }  // namespace
 
-std::string _(const char* literal) { return dgettext(textDomain, literal); }
+std::string _(const char* literal) {
+  return dgettext(textDomain, literal);
+}
 
 }  // namespace korvo

@@ -42,7 +42,8 @@ std::vector<fs::path> hostCandidates() {
     std::vector<char*> argv;
     std::string program = "korvo-widgets";
     argv.push_back(program.data());
-    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : arguments)
+      argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     ::execv(candidate.c_str(), argv.data());
     std::cerr << "korvo-widgets: cannot start the desktop host " << candidate.string() << ": "

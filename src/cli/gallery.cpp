@@ -75,10 +75,10 @@ std::string indexPage(const std::vector<Picture>& pictures) {
               htmlEscaped(current->description) + "</p>\n<div class=\"row\">\n";
     }
     const ui::Size size = ui::familySize(picture.family);
-    html += "<figure class=\"" + std::string(ui::colorSchemeWord(picture.scheme)) + "\"><img src=\"" +
-            htmlEscaped(picture.file) + "\" width=\"" + std::to_string(int(size.width)) +
-            "\" height=\"" + std::to_string(int(size.height)) + "\" alt=\"" +
-            htmlEscaped(picture.widget->displayName) + "\"><figcaption>" +
+    html += "<figure class=\"" + std::string(ui::colorSchemeWord(picture.scheme)) +
+            "\"><img src=\"" + htmlEscaped(picture.file) + "\" width=\"" +
+            std::to_string(int(size.width)) + "\" height=\"" + std::to_string(int(size.height)) +
+            "\" alt=\"" + htmlEscaped(picture.widget->displayName) + "\"><figcaption>" +
             std::string(ui::familyWord(picture.family)) + " · " +
             std::string(ui::colorSchemeWord(picture.scheme)) + " · " +
             std::string(requestWord(picture.request)) + "</figcaption></figure>\n";

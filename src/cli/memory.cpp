@@ -1,9 +1,9 @@
 #include <iostream>
 
 #include "base/c_format.hpp"
-#include "model/entry_json.hpp"
 #include "cli/commands.hpp"
 #include "cli/moment.hpp"
+#include "model/entry_json.hpp"
 #include "sampling/memory_format.hpp"
 #include "sampling/memory_json.hpp"
 #include "sampling/system_sampler.hpp"

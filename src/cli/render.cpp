@@ -108,24 +108,22 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
       "laid-out view tree (JSON or an indented outline).");
   auto options = std::make_shared<RenderOptions>();
   addKindArgument(command, options->kind);
-  addChoice(
-      command, "--family", options->family, ui::familyWords,
-      "Widget size: small (170x170 points, the default) or medium "
-      "(364x170); the widget must offer it.");
+  addChoice(command, "--family", options->family, ui::familyWords,
+            "Widget size: small (170x170 points, the default) or medium "
+            "(364x170); the widget must offer it.");
   addChoice(command, "--entry", options->entry, entryRequestWords,
-                          "Which request supplies the entry: placeholder (sample data), snapshot "
-                          "or timeline (live data, the default).");
+            "Which request supplies the entry: placeholder (sample data), snapshot "
+            "or timeline (live data, the default).");
   command->add_option("--snapshot-file", options->snapshotFile,
                       "Read the shared snapshot from this file instead of the group container.");
   addTextOption(command, "--now", options->now,
                 "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
                 "Unix seconds.");
   addChoice(command, "--appearance", options->appearance, ui::colorSchemeWords,
-                             "Colour scheme: light (the default) or dark.");
-  addChoice(
-      command, "--rendering", options->rendering, ui::renderingModeWords,
-      "Rendering mode: full-color (the default), or accented (accent "
-      "group tinted, the rest white).");
+            "Colour scheme: light (the default) or dark.");
+  addChoice(command, "--rendering", options->rendering, ui::renderingModeWords,
+            "Rendering mode: full-color (the default), or accented (accent "
+            "group tinted, the rest white).");
   addTextOption(command, "--accent", options->accent,
                 "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_flag("--legacy-background", options->legacyBackground,
@@ -134,8 +132,8 @@ void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
   command->add_option("--scale", options->scale,
                       "Device pixels per point (default 2 for png, json and tree; 1 for svg).");
   addChoice(command, "--format", options->format, outputFormatWords,
-                          "Output: png (the default), svg, json (the laid-out tree) or tree (an "
-                          "indented outline).");
+            "Output: png (the default), svg, json (the laid-out tree) or tree (an "
+            "indented outline).");
   command->add_option("-o,--output", options->output,
                       "Write to this file instead of standard output.");
   command->callback([options, &outcome] { run(*options, outcome); });

@@ -1,8 +1,8 @@
 #include "cli/render_widget.hpp"
 
-#include "render/image_output.hpp"
 #include "base/clock.hpp"
 #include "model/timeline_cursor.hpp"
+#include "render/image_output.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
 #include "ui/tree_json.hpp"
@@ -23,9 +23,8 @@ AnyEntry requestEntry(const WidgetConfiguration& widget, EntryRequest request,
     }
     case EntryRequest::timeline: {
       std::optional<TimelineCursor<AnyEntry>> cursor;
-      widget.getTimeline(context, [&](AnyTimeline answer) {
-        cursor.emplace(std::move(answer), clock::now());
-      });
+      widget.getTimeline(
+          context, [&](AnyTimeline answer) { cursor.emplace(std::move(answer), clock::now()); });
       return cursor->current();
     }
   }
@@ -35,8 +34,9 @@ AnyEntry requestEntry(const WidgetConfiguration& widget, EntryRequest request,
 std::optional<std::string> renderEntry(const WidgetConfiguration& widget, const AnyEntry& entry,
                                        const ui::Environment& environment, OutputFormat format,
                                        double scale) {
-  const ui::WidgetLayout laidOut = ui::layoutWidget(
-      widget.kind, entry.view(environment), environment, render::PangoTextMeasurer::shared(), scale);
+  const ui::WidgetLayout laidOut =
+      ui::layoutWidget(widget.kind, entry.view(environment), environment,
+                       render::PangoTextMeasurer::shared(), scale);
   switch (format) {
     case OutputFormat::png: {
       std::string png = render::renderPNG(laidOut, {.scale = scale});

@@ -2,10 +2,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "model/entry_json.hpp"
 #include "cli/commands.hpp"
 #include "cli/moment.hpp"
 #include "cli/widgets.hpp"
+#include "model/entry_json.hpp"
 
 namespace korvo::cli {
 namespace {

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "base/clock.hpp"
-#include "extension/korvo_widgets.hpp"
 #include "cli/command_line.hpp"
 #include "cli/moment.hpp"
+#include "extension/korvo_widgets.hpp"
 #include "ui/words.hpp"
 
 namespace korvo::cli {

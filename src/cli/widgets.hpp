@@ -1,11 +1,11 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <array>
 #include <vector>
 
 #include "extension/widget_configuration.hpp"

@@ -1,7 +1,5 @@
 #include "desktop/window.hpp"
 
-#include "ui/words.hpp"
-
 #include <gtk-layer-shell.h>
 
 #include <cstdio>
@@ -16,6 +14,7 @@
 #include "render/pango_text_measurer.hpp"
 #include "ui/hit_test.hpp"
 #include "ui/tree_json.hpp"
+#include "ui/words.hpp"
 
 namespace korvo::desktop {
 namespace {
@@ -204,8 +203,8 @@ void WidgetWindow::relayout() {
     return;
   }
   const auto environment = this->environment();
-  layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment),
-                             environment, render::PangoTextMeasurer::shared(), deviceScale());
+  layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment), environment,
+                             render::PangoTextMeasurer::shared(), deviceScale());
   describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, options_.scale,
                                   options_.logRequests);
 }

@@ -4,11 +4,11 @@
 
 #include <optional>
 
-#include "extension/widget_configuration.hpp"
-#include "model/timeline_cursor.hpp"
 #include "desktop/appearance.hpp"
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
+#include "extension/widget_configuration.hpp"
+#include "model/timeline_cursor.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo::desktop {

@@ -2,9 +2,9 @@
 
 #include <functional>
 
+#include "extension/timeline_context.hpp"
 #include "model/awake_entry.hpp"
 #include "model/timeline.hpp"
-#include "extension/timeline_context.hpp"
 
 namespace korvo {
 

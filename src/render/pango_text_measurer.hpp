@@ -23,7 +23,7 @@ class PangoTextMeasurer final : public ui::TextMeasurer {
   PangoTextMeasurer& operator=(const PangoTextMeasurer&) = delete;
 
   ui::TextMetrics measure(std::string_view text, const ui::Font& font, double tracking,
-                      double maxWidth) override;
+                          double maxWidth) override;
   ui::TextMetrics measureSymbol(std::string_view name, const ui::Font& font) override;
 
   // Measurements currently cached, never more than the capacity.

@@ -104,7 +104,8 @@ LayoutEngine::Measured LayoutEngine::measure(const View& view, int context, Prop
 }
 
 std::optional<double> LayoutEngine::textBaseline(const LayoutNode& node) {
-  if (node.kind == NodeKind::text || node.kind == NodeKind::relativeDate || node.kind == NodeKind::label) {
+  if (node.kind == NodeKind::text || node.kind == NodeKind::relativeDate ||
+      node.kind == NodeKind::label) {
     return node.frame.y + node.baseline;
   }
   for (std::size_t i = 0; i < node.children.size(); ++i) {
@@ -164,17 +165,21 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
       Overloaded{
           [&](const Empty&) { return LayoutNode{.kind = NodeKind::empty}; },
           [&](const Stack& stack) { return placeStack(stack, contextIndex, proposal); },
-          [&](const Text& text) { return placeText(NodeKind::text, text.content, context, width, height); },
+          [&](const Text& text) {
+            return placeText(NodeKind::text, text.content, context, width, height);
+          },
           [&](const RelativeDate& date) {
-            LayoutNode node = placeText(NodeKind::relativeDate, relativeText(&view.node(), date.date),
-                                        context, width, height);
+            LayoutNode node =
+                placeText(NodeKind::relativeDate, relativeText(&view.node(), date.date), context,
+                          width, height);
             node.relativeTo = date.date;
             return node;
           },
           [&](const Symbol& symbol) {
             const Font font = resolvedFont(context);
             const TextMetrics metrics = measurer_.measureSymbol(symbol.name, font);
-            LayoutNode node{.kind = NodeKind::symbol, .frame = {0, 0, metrics.width, metrics.height}};
+            LayoutNode node{.kind = NodeKind::symbol,
+                            .frame = {0, 0, metrics.width, metrics.height}};
             node.symbol = symbol.name;
             node.font = font;
             node.color = context.color;
@@ -226,7 +231,8 @@ LayoutNode LayoutEngine::placeUncached(const View& view, int contextIndex, Propo
           [&](const Meter& meter) { return placeMeter(meter, width); },
           [&](const Link& link) {
             LayoutNode child = place(link.content, contextIndex, proposal);
-            LayoutNode node{.kind = NodeKind::link, .frame = {0, 0, child.frame.width, child.frame.height}};
+            LayoutNode node{.kind = NodeKind::link,
+                            .frame = {0, 0, child.frame.width, child.frame.height}};
             node.url = link.destination;
             node.children.push_back(std::move(child));
             return node;
@@ -434,8 +440,8 @@ LayoutNode LayoutEngine::placeStack(const Stack& stack, int contextIndex, Propos
     if (!isEmpty(child)) children.push_back(&child);
   }
   const NodeKind kind = stack.axis == StackAxis::vertical     ? NodeKind::vstack
-                       : stack.axis == StackAxis::horizontal ? NodeKind::hstack
-                                                             : NodeKind::zstack;
+                        : stack.axis == StackAxis::horizontal ? NodeKind::hstack
+                                                              : NodeKind::zstack;
   LayoutNode node{.kind = kind};
 
   if (stack.axis == StackAxis::layered) {

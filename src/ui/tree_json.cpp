@@ -1,8 +1,8 @@
 #include "ui/tree_json.hpp"
 
-#include "ui/words.hpp"
-
 #include <cmath>
+
+#include "ui/words.hpp"
 
 namespace korvo::ui {
 

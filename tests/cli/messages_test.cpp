@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "support/scoped_environment.hpp"
 #include "cli_process.hpp"
+#include "support/scoped_environment.hpp"
 
 // Every refusal names what it refuses and why, once, on one line.
 namespace korvo {

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <thread>
 
-#include "support/scoped_environment.hpp"
 #include "cli_process.hpp"
+#include "support/scoped_environment.hpp"
 
 namespace korvo {
 namespace {

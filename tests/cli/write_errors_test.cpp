@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "support/scoped_environment.hpp"
 #include "cli_process.hpp"
+#include "support/scoped_environment.hpp"
 
 // Output that cannot be written is a failure like any other: every command checks what it wrote,
 // says on one line what could not be written and why, and exits 1.

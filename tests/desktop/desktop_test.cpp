@@ -332,8 +332,8 @@ TEST_F(DesktopHost, APublishedFileReachesTheMonitorWidgetsAtOnce) {
   writeFile(staging, usageSnapshot(42, 63, static_cast<double>(std::time(nullptr))));
   fs::rename(staging, snapshotFile());
 
-  EXPECT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "58"); },
-                      std::chrono::seconds(10)))
+  EXPECT_TRUE(
+      waitFor([&] { return contains(dumpedTexts(usageDump), "58"); }, std::chrono::seconds(10)))
       << readFile(hostLog());
   EXPECT_TRUE(waitFor([&] { return contains(dumpedTexts(temperatureDump), "63°C"); },
                       std::chrono::seconds(10)));

@@ -4,8 +4,8 @@
 
 #include <fstream>
 
-#include "extension/korvo_widgets.hpp"
 #include "desktop/core/widget_lookup.hpp"
+#include "extension/korvo_widgets.hpp"
 
 namespace korvo::desktop {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "extension/korvo_widgets.hpp"
-#include "desktop/core/widget_lookup.hpp"
 #include "desktop/core/placement.hpp"
+#include "desktop/core/widget_lookup.hpp"
+#include "extension/korvo_widgets.hpp"
 
 // A placements file is read whole: a NUL byte does not end it early.
 namespace korvo::desktop {

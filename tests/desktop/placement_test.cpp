@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "extension/korvo_widgets.hpp"
 #include "desktop/core/widget_lookup.hpp"
+#include "extension/korvo_widgets.hpp"
 #include "ui/words.hpp"
 
 namespace korvo::desktop {

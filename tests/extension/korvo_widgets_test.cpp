@@ -5,11 +5,11 @@
 #include "base/clock.hpp"
 #include "extension/sample_data.hpp"
 #include "extension/widget_content.hpp"
+#include "render/pango_text_measurer.hpp"
 #include "sampling/system_sampler.hpp"
-#include "support/scoped_environment.hpp"
 #include "shared/app_identity.hpp"
 #include "shared/widget_snapshot_store.hpp"
-#include "render/pango_text_measurer.hpp"
+#include "support/scoped_environment.hpp"
 #include "ui/widget_layout.hpp"
 #include "views/awake/awake_shortcut_view.hpp"
 #include "views/memory/memory_widget_view.hpp"
@@ -186,8 +186,8 @@ TEST_F(WidgetViews, UsageOpensUsageAndTemperatureOpensResources) {
                {KorvoAwakeWidget{}.body(), "korvo://awake"}};
   for (const auto& c : cases) {
     const AnyEntry entry = timelineEntry(c.widget, {});
-    const ui::WidgetLayout laidOut =
-        ui::layoutWidget(c.widget.kind, entry.view(small), small, render::PangoTextMeasurer::shared());
+    const ui::WidgetLayout laidOut = ui::layoutWidget(c.widget.kind, entry.view(small), small,
+                                                      render::PangoTextMeasurer::shared());
     EXPECT_EQ(laidOut.url, c.url) << c.widget.kind;
   }
 }

@@ -6,8 +6,8 @@
 #include "extension/monitor_provider.hpp"
 #include "extension/sample_data.hpp"
 #include "sampling/system_sampler.hpp"
-#include "support/scoped_environment.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "support/scoped_environment.hpp"
 
 namespace korvo {
 namespace {

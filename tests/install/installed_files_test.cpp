@@ -94,7 +94,8 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
   };
   if (buildsKorvo) {
     for (const char* file :
-         {"bin/korvo", "libexec/korvo/korvo-service", "share/applications/com.tessmoor.Korvo.desktop",
+         {"bin/korvo", "libexec/korvo/korvo-service",
+          "share/applications/com.tessmoor.Korvo.desktop",
           "etc/xdg/autostart/com.tessmoor.Korvo.Service.desktop", "lib/systemd/user/korvo.service",
           "share/dbus-1/services/com.tessmoor.Korvo.service",
           "share/icons/hicolor/scalable/apps/com.tessmoor.Korvo.svg", "share/man/man1/korvo.1",

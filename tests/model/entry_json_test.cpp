@@ -5,8 +5,8 @@
 #include <string>
 
 #include "extension/sample_data.hpp"
-#include "support/scoped_environment.hpp"
 #include "shared/widget_snapshot_json.hpp"
+#include "support/scoped_environment.hpp"
 
 namespace korvo {
 namespace {

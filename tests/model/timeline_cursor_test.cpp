@@ -19,9 +19,9 @@ struct CursorCase {
   std::vector<double> dates;
   std::optional<double> reload;
   double now;
-  double shown;                       // the date of the entry on screen
-  std::optional<double> nextEntry;    // when the next entry takes over
-  std::optional<double> nextChange;   // when the host must act
+  double shown;                      // the date of the entry on screen
+  std::optional<double> nextEntry;   // when the next entry takes over
+  std::optional<double> nextChange;  // when the host must act
 };
 
 TEST(TimelineCursorTest, ShowsTheLatestEntryDueAndWakesForTheNextOrTheReload) {
@@ -31,9 +31,19 @@ TEST(TimelineCursorTest, ShowsTheLatestEntryDueAndWakesForTheNextOrTheReload) {
       {"before every entry: the first", {100, 200}, 1000, 50, 100, 200, 200},
       {"between entries", {100, 200, 300}, 1000, 250, 200, 300, 300},
       {"an entry dated exactly now", {100, 200}, 1000, 200, 200, std::nullopt, 1000},
-      {"next entry after the reload: the reload wins", {100, 2000}, 1000, 150, 100, std::nullopt,
+      {"next entry after the reload: the reload wins",
+       {100, 2000},
+       1000,
+       150,
+       100,
+       std::nullopt,
        1000},
-      {"next entry at the reload date: the reload wins", {100, 1000}, 1000, 150, 100, std::nullopt,
+      {"next entry at the reload date: the reload wins",
+       {100, 1000},
+       1000,
+       150,
+       100,
+       std::nullopt,
        1000},
       {"future entries without a reload", {100, 200}, std::nullopt, 150, 100, 200, 200},
   };

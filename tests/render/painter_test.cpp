@@ -1,4 +1,3 @@
-#include "render/image_output.hpp"
 #include "render/painter.hpp"
 
 #include <gtest/gtest.h>
@@ -7,8 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "support/png_pixels.hpp"
+#include "render/image_output.hpp"
 #include "render/pango_text_measurer.hpp"
+#include "support/png_pixels.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo::ui {
@@ -17,8 +17,8 @@ namespace {
 using testing::PngPixels;
 
 WidgetLayout card(const View& view, Environment environment = {}, double scale = 2) {
-  return layoutWidget("com.tessmoor.Korvo.test", view, environment, render::PangoTextMeasurer::shared(),
-                      scale);
+  return layoutWidget("com.tessmoor.Korvo.test", view, environment,
+                      render::PangoTextMeasurer::shared(), scale);
 }
 
 // A red bar across the whole card, 6 points high at the top, on a grey card.

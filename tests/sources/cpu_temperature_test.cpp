@@ -5,8 +5,8 @@
 
 #include <filesystem>
 
-#include "support/unprivileged.hpp"
 #include "support/temporary_directory.hpp"
+#include "support/unprivileged.hpp"
 
 namespace korvo {
 namespace {

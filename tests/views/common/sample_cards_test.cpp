@@ -1,16 +1,15 @@
 #include <gtest/gtest.h>
 
-#include "ui/words.hpp"
-
 #include <filesystem>
 #include <fstream>
 
-#include "support/png_pixels.hpp"
-#include "sample_card.hpp"
 #include "render/image_output.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
+#include "sample_card.hpp"
+#include "support/png_pixels.hpp"
 #include "ui/widget_layout.hpp"
+#include "ui/words.hpp"
 
 namespace korvo {
 namespace {
@@ -23,8 +22,9 @@ TEST(SampleCards, RenderInBothFamiliesAndSchemes) {
     for (auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
       const ui::Environment environment{
           .family = family, .colorScheme = scheme, .now = Date::fromUnixSeconds(1'800'000'000)};
-      const ui::WidgetLayout widget = ui::layoutWidget(
-          "sample", testing::sampleCard(environment), environment, render::PangoTextMeasurer::shared());
+      const ui::WidgetLayout widget =
+          ui::layoutWidget("sample", testing::sampleCard(environment), environment,
+                           render::PangoTextMeasurer::shared());
       const std::string png = render::renderPNG(widget, {.scale = 2});
       const ui::testing::PngPixels pixels(png);
       ASSERT_TRUE(pixels.valid());

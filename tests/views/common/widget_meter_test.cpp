@@ -5,10 +5,10 @@
 #include <cmath>
 #include <limits>
 
-#include "support/png_pixels.hpp"
 #include "render/image_output.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
+#include "support/png_pixels.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo {

@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "ui/words.hpp"
-
 #include <optional>
 #include <string>
 
 #include "base/clock.hpp"
 #include "png_probe.hpp"
+#include "ui/words.hpp"
 #include "view_tree_query.hpp"
 #include "views/memory/memory_widget_view.hpp"
 

@@ -177,7 +177,8 @@ TEST_P(MemoryWidgetVariationTest, BackgroundFollowsTheHostCapability) {
       EXPECT_EQ(backdrop.frame, (ui::Rect{0, 0, 170, 170}));
       EXPECT_NE(viewtest::firstOfKind(backdrop, "gradient"), nullptr);
     } else {
-      EXPECT_EQ(backdrop.kind, ui::NodeKind::empty);  // accented: the desktop's tinted card shows through
+      EXPECT_EQ(backdrop.kind,
+                ui::NodeKind::empty);  // accented: the desktop's tinted card shows through
     }
     EXPECT_EQ(viewtest::firstOfKind(widget.root.children[1], "gradient"), nullptr);
   } else {

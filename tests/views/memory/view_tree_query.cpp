@@ -30,7 +30,8 @@ bool drawsText(const ui::LayoutNode& node) {
 }
 
 std::string describe(const ui::LayoutNode& node) {
-  const std::string name = node.text ? "\"" + *node.text + "\"" : std::string(ui::nodeKindName(node.kind));
+  const std::string name =
+      node.text ? "\"" + *node.text + "\"" : std::string(ui::nodeKindName(node.kind));
   return name +
          cFormat(" (%g,%g %gx%g)", node.frame.x, node.frame.y, node.frame.width, node.frame.height);
 }
@@ -84,7 +85,8 @@ std::vector<const ui::LayoutNode*> allNodes(const ui::LayoutNode& root) {
 
 std::vector<const ui::LayoutNode*> nodesOfKind(const ui::LayoutNode& root, std::string_view kind) {
   std::vector<const ui::LayoutNode*> nodes = allNodes(root);
-  std::erase_if(nodes, [kind](const ui::LayoutNode* node) { return ui::nodeKindName(node->kind) != kind; });
+  std::erase_if(
+      nodes, [kind](const ui::LayoutNode* node) { return ui::nodeKindName(node->kind) != kind; });
   return nodes;
 }
 
@@ -148,7 +150,8 @@ std::vector<std::string> legibilityProblems(const ui::WidgetLayout& widget) {
   const ui::Rect area = contentArea(widget);
   for (const ui::LayoutNode* node : allNodes(widget.root)) {
     const bool isText = drawsText(*node);
-    if (!isText && node->kind != ui::NodeKind::symbol && node->kind != ui::NodeKind::meter) continue;
+    if (!isText && node->kind != ui::NodeKind::symbol && node->kind != ui::NodeKind::meter)
+      continue;
     marks.push_back(node);
     if (!contains(area, node->frame)) problems.push_back(describe(*node) + " leaves the content");
     if (!isText || !node->text) continue;

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "base/date_text.hpp"
-#include "ui/layout.hpp"
 #include "render/pango_text_measurer.hpp"
+#include "ui/layout.hpp"
 #include "view_tree_query.hpp"
 
 namespace korvo {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "ui/words.hpp"
-
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +7,7 @@
 #include "base/clock.hpp"
 #include "monitor_test_data.hpp"
 #include "png_probe.hpp"
+#include "ui/words.hpp"
 #include "views/monitor/monitor_widget_view.hpp"
 
 namespace korvo {
