@@ -342,6 +342,32 @@ TEST_F(DesktopHost, APublishedFileReachesTheMonitorWidgetsAtOnce) {
   EXPECT_EQ(requestsBefore("com.tessmoor.Korvo.memory"), memoryRequests);
 }
 
+TEST_F(DesktopHost, KorvoPublishTurnsEnableInKorvoIntoFiguresOnScreen) {
+  ASSERT_STRNE(KORVO_APP_BINARY, "") << "korvo was not built";
+  startHost({"--widget", "usage:medium", "--widget", "temperature", "--dump-dir",
+             (folder_.path() / "dump").string()});
+  const auto usageDump = dump("1-usage-medium.json");
+  const auto temperatureDump = dump("2-temperature-small.json");
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "Enable in Korvo"); }))
+      << readFile(hostLog());
+
+  // korvo itself, reading a two-package coretemp machine and Codex's fixture rollout.
+  auto environment = environment_;
+  environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/hwmon/coretemp_two_packages";
+  environment["CODEX_HOME"] = KORVO_FIXTURES_DIR "/codex";
+  const CommandResult publish = runCommand({KORVO_APP_BINARY, "publish"}, environment);
+  ASSERT_EQ(publish.exitStatus, 0) << publish.output;
+
+  EXPECT_TRUE(waitFor([&] { return contains(dumpedTexts(temperatureDump), "62°C"); },
+                      std::chrono::seconds(10)))
+      << readFile(hostLog());
+  // Codex's weekly window has 58 % left in the fixture rollout.
+  EXPECT_TRUE(
+      waitFor([&] { return contains(dumpedTexts(usageDump), "58"); }, std::chrono::seconds(10)))
+      << readFile(hostLog());
+  EXPECT_FALSE(contains(dumpedTexts(usageDump), "Enable in Korvo"));
+}
+
 TEST_F(DesktopHost, ThePlacementsFileIsFollowedAsItChangesAndABadOneKeepsTheWidgetsShown) {
   const auto placements = folder_.path() / "config" / "korvo-widgets" / "placements.json";
   writeFile(placements, R"([{"kind": "awake", "anchor": "top-left"}])");
