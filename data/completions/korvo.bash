@@ -33,7 +33,7 @@ _korvo() {
         settings)
             if ((cword == 2)); then
                 COMPREPLY=($(compgen -W "temperature codex claude codexHome publishSeconds
-                    awakeMinutes memoryDisplayMode" -- "$cur"))
+                    awakeMinutes memoryDisplayMode waybarSignal" -- "$cur"))
             elif ((cword == 3)); then
                 case ${words[2]} in
                     temperature | codex | claude) COMPREPLY=($(compgen -W "true false" -- "$cur")) ;;

@@ -5,6 +5,7 @@
 
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
+#include "app/status_bar_signal.hpp"
 #include "base/clock.hpp"
 #include "base/text.hpp"
 #include "shared/widget_snapshot_store.hpp"
@@ -81,7 +82,7 @@ void apply(const std::vector<UsageWindow>& windows, const Settings& settings) {
     if (!lock) return;
     const auto url = Url::file(file);
     if (auto snapshot = merge(WidgetSnapshotStore::load(url), windows, settings, clock::now())) {
-      WidgetSnapshotStore::save(*snapshot, url);
+      if (WidgetSnapshotStore::save(*snapshot, url)) status_bar::refresh(settings.waybarSignal);
     }
   } catch (const std::exception&) {
     // No place for the shared file: the status line still prints.

@@ -17,7 +17,7 @@ void addSettingsCommand(CLI::App& app, int& exitCode) {
   auto options = std::make_shared<Options>();
   command->add_option("KEY", options->key,
                       "temperature, codex, claude, codexHome, "
-                      "publishSeconds, awakeMinutes, memoryDisplayMode");
+                      "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal");
   command->add_option("VALUE", options->value, "The new value (an empty codexHome removes it)");
   command->callback([options, &exitCode] {
     if (options->value) {

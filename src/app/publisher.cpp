@@ -5,6 +5,7 @@
 #include "app/claude_settings_file.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
+#include "app/status_bar_signal.hpp"
 #include "base/clock.hpp"
 #include "base/text.hpp"
 #include "shared/url.hpp"
@@ -85,6 +86,7 @@ void publish(const Settings& settings) {
   if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
     throw std::runtime_error("cannot write the shared file " + file.string());
   }
+  status_bar::refresh(settings.waybarSignal);
 }
 
 std::string preview(const Settings& settings) {

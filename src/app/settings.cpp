@@ -17,6 +17,8 @@ struct Range {
 };
 constexpr Range publishSecondsRange{5, 3600};
 constexpr Range awakeMinutesRange{1, 1440};
+// Waybar's module signals count from SIGRTMIN; Linux has 30 of them above it.
+constexpr Range waybarSignalRange{0, 30};
 
 std::string rangeText(Range range) {
   return std::to_string(range.low) + "–" + std::to_string(range.high);
@@ -71,6 +73,9 @@ Decoded<Settings> parseSettings(std::string_view json) {
     if (const Json* value = json_reader::optional(root, "awakeMinutes")) {
       settings.awakeMinutes = readWhole(*value, "awakeMinutes", awakeMinutesRange);
     }
+    if (const Json* value = json_reader::optional(root, "waybarSignal")) {
+      settings.waybarSignal = readWhole(*value, "waybarSignal", waybarSignalRange);
+    }
     if (const Json* value = json_reader::optional(root, "memoryDisplayMode")) {
       const auto raw = json_reader::readString(*value, "memoryDisplayMode");
       const auto mode = displayModeFromRaw(raw);
@@ -93,6 +98,7 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   document["publishSeconds"] = settings.publishSeconds;
   document["awakeMinutes"] = settings.awakeMinutes;
   document["memoryDisplayMode"] = std::string(rawValue(settings.memoryDisplayMode));
+  document["waybarSignal"] = settings.waybarSignal;
   return document;
 }
 
@@ -104,8 +110,10 @@ nlohmann::ordered_json settingValue(std::string_view key, std::string_view text)
     throw app::UsageError(name + ": not a boolean: \"" + std::string(text) +
                           "\"; valid: true, false");
   }
-  if (key == "publishSeconds" || key == "awakeMinutes") {
-    const Range range = key == "publishSeconds" ? publishSecondsRange : awakeMinutesRange;
+  if (key == "publishSeconds" || key == "awakeMinutes" || key == "waybarSignal") {
+    const Range range = key == "publishSeconds" ? publishSecondsRange
+                        : key == "awakeMinutes" ? awakeMinutesRange
+                                                : waybarSignalRange;
     int number = 0;
     const auto [ptr, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || error != std::errc() || ptr != text.data() + text.size() ||

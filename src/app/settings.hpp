@@ -20,14 +20,15 @@ struct Settings {
   int publishSeconds = 60;               // seconds between the service's publications
   int awakeMinutes = 60;                 // the default length of a Keep Awake session
   DisplayMode memoryDisplayMode = DisplayMode::usedPercent;  // the memory figure's form
+  int waybarSignal = 0;  // after a publication, SIGRTMIN+N to the user's waybar; 0 sends none
 
   friend bool operator==(const Settings&, const Settings&) = default;
 };
 
 // The keys of the settings file, in the order they are listed.
-inline constexpr std::array<std::string_view, 7> settingKeys{
-    "temperature",    "codex",        "claude",           "codexHome",
-    "publishSeconds", "awakeMinutes", "memoryDisplayMode"};
+inline constexpr std::array<std::string_view, 8> settingKeys{
+    "temperature",       "codex",       "claude", "codexHome", "publishSeconds", "awakeMinutes",
+    "memoryDisplayMode", "waybarSignal"};
 
 // Reads a settings document: an object whose keys are all optional (missing means the default)
 // and unknown keys ignored; a wrong type or a value out of range fails, naming the key.

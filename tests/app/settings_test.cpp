@@ -22,8 +22,9 @@ TEST(SettingsTest, MissingKeysTakeTheirDefaultsAndUnknownKeysAreIgnored) {
 TEST(SettingsTest, EveryKeyIsRead) {
   const auto settings =
       parseSettings(R"({"temperature":false,"codex":false,"claude":false,"codexHome":"/srv/codex",)"
-                    R"("publishSeconds":5,"awakeMinutes":90,"memoryDisplayMode":"usedGB"})");
-  const Settings expected{false, false, false, "/srv/codex", 5, 90, DisplayMode::usedGB};
+                    R"("publishSeconds":5,"awakeMinutes":90,"memoryDisplayMode":"usedGB",)"
+                    R"("waybarSignal":8})");
+  const Settings expected{false, false, false, "/srv/codex", 5, 90, DisplayMode::usedGB, 8};
   EXPECT_EQ(std::get<Settings>(settings), expected);
 }
 
@@ -38,6 +39,7 @@ TEST(SettingsTest, BadDocumentsNameTheirFault) {
       {R"({"publishSeconds":3601})", "publishSeconds"},
       {R"({"publishSeconds":60.5})", "publishSeconds"},
       {R"({"awakeMinutes":0})", "awakeMinutes"},
+      {R"({"waybarSignal":31})", "waybarSignal must be a whole number in 0–30"},
       {R"({"memoryDisplayMode":"percent"})", "memoryDisplayMode must be one of usedPercent"},
       {R"({"codexHome":"relative/codex"})", "codexHome must be an absolute path"},
       {R"({"claude":true,"claude":false})", "duplicate key claude"},
@@ -82,7 +84,7 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
 TEST(SettingsTest, TheDocumentListsEveryKeyInOrder) {
   EXPECT_EQ(settingsDocument(Settings{}).dump(),
             R"({"temperature":true,"codex":true,"claude":true,"publishSeconds":60,)"
-            R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent"})");
+            R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent","waybarSignal":0})");
 }
 
 }  // namespace
