@@ -79,7 +79,8 @@ INSTANTIATE_TEST_SUITE_P(Files, UnreadableSnapshotFile,
 
 TEST_F(CliSnapshotFile, AnUnreadableSnapshotFileIsReportedWithWhy) {
   const auto file = scratch.write(
-      "unreadable.json", testing::slurp(std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json"));
+      "unreadable.json",
+      testing::slurp(std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json"));
   KORVO_AS_UNPRIVILEGED_USER(scratch.path());
   ASSERT_EQ(::chmod(file.c_str(), 0), 0);
   const CliResult result =
