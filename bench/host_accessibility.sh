@@ -48,6 +48,7 @@ run() {
   while [[ ! -s $bus ]]; do sleep 0.1; done
   local extra=()
   [[ $mode == without ]] && extra=(NO_AT_BRIDGE=1)
+  : >"$log"
   env -i PATH=/usr/bin:/bin HOME="$work/home" DISPLAY="$DISPLAY" DBUS_SESSION_BUS_ADDRESS="$(cat "$bus")" \
     XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" GDK_BACKEND=x11 LANG=C.UTF-8 \
     KORVO_BUNDLE_INFO="$root/data/Info.json" KORVO_HOST_DEBUG=1 KORVO_TIME_RATE=300 "${extra[@]}" \
@@ -76,6 +77,11 @@ run() {
   kill -0 "$host" || { echo "host_accessibility: the host died" >&2; tail "$log" >&2; exit 1; }
   rss_anon[$mode]=$(awk '/^RssAnon/ { print $2 }' "/proc/$host/status")
   printf '%-8s bridge: %s\n' "$mode" "$(awk '/^VmRSS|^RssAnon/ { printf "%s %s kB  ", $1, $2 }' "/proc/$host/status")"
+  # GTK links the bridge either way; NO_AT_BRIDGE keeps it from joining the accessibility bus.
+  local seen=no
+  env -i PATH=/usr/bin:/bin HOME="$work/home" DISPLAY="$DISPLAY" DBUS_SESSION_BUS_ADDRESS="$(cat "$bus")" \
+    /usr/bin/python3 "$root/tests/desktop/a11y/read_accessible.py" >/dev/null 2>&1 && seen=yes
+  echo "  on the accessibility bus: $seen"
   echo "  reloads: $(grep -c 'timeline request' "$log" || true) timeline requests"
   echo "  updates with edits:    $(timings "$log" 'children of .*: [1-9][0-9]* edits')"
   echo "  updates without edits: $(timings "$log" 'children of .*: 0 edits')"
