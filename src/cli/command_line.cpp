@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include "cli/widgets.hpp"
@@ -46,6 +47,17 @@ std::optional<std::string> unknownSubcommand(const CLI::App& app) {
   return std::nullopt;
 }
 
+// Help and the version are output like any other, and said when they cannot be written.
+int printRequested(const CLI::App& app, const CLI::Error& request, std::string_view program) {
+  std::ostringstream text;
+  const int code = app.exit(request, text);
+  if (const auto failure = writeStandardOutput(text.str())) {
+    std::cerr << program << ": " << *failure << '\n';
+    return exitFailure;
+  }
+  return code;
+}
+
 }  // namespace
 
 int parseAndRun(CLI::App& app, int argc, char** argv, std::string_view program,
@@ -53,11 +65,11 @@ int parseAndRun(CLI::App& app, int argc, char** argv, std::string_view program,
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& help) {
-    return app.exit(help);
+    return printRequested(app, help, program);
   } catch (const CLI::CallForAllHelp& help) {
-    return app.exit(help);
+    return printRequested(app, help, program);
   } catch (const CLI::CallForVersion& version) {
-    return app.exit(version);
+    return printRequested(app, version, program);
   } catch (const CLI::ExtrasError& error) {
     std::cerr << program << ": " << firstLine(error.what()) << "; valid: " << validNames(app)
               << '\n';

@@ -7,6 +7,7 @@
 
 #include "cli_process.hpp"
 #include "support/scoped_environment.hpp"
+#include "support/unprivileged.hpp"
 
 namespace korvo {
 namespace {
@@ -75,6 +76,21 @@ INSTANTIATE_TEST_SUITE_P(Files, UnreadableSnapshotFile,
                                            SnapshotFileCase{"Directory", "a directory"},
                                            SnapshotFileCase{"Broken", "missing key"}),
                          [](const auto& info) { return info.param.name; });
+
+TEST_F(CliSnapshotFile, AnUnreadableSnapshotFileIsReportedWithWhy) {
+  const auto file = scratch.write(
+      "unreadable.json",
+      testing::slurp(std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json"));
+  KORVO_AS_UNPRIVILEGED_USER(scratch.path());
+  ASSERT_EQ(::chmod(file.c_str(), 0), 0);
+  const CliResult result =
+      run({"render", "usage", "--snapshot-file", file.string(), "--format", "json"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_THAT(result.err, HasSubstr("--snapshot-file " + file.string()));
+  EXPECT_THAT(result.err, HasSubstr("Permission denied"));
+  EXPECT_EQ(lines(result.err), 1U) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("Enable in Korvo"));
+}
 
 TEST_F(CliSnapshotFile, AReadableSnapshotFileRendersWithoutAWord) {
   const CliResult result = run({"render", "usage", "--snapshot-file",

@@ -71,7 +71,11 @@ INSTANTIATE_TEST_SUITE_P(
         FullOutputCase{"SnapshotCheckReencode", {"snapshot", "check", "--reencode"}},
         FullOutputCase{"RenderPng", {"render", "memory"}},
         FullOutputCase{"RenderJson", {"render", "usage", "--format", "json"}},
-        FullOutputCase{"Gallery", {"gallery", "-o", "GALLERY"}}),
+        FullOutputCase{"Gallery", {"gallery", "-o", "GALLERY"}},
+        FullOutputCase{"Status", {"status", "memory"}},
+        FullOutputCase{"StatusWaybar", {"status", "usage", "--format", "waybar"}},
+        FullOutputCase{"Version", {"--version"}}, FullOutputCase{"Help", {"--help"}},
+        FullOutputCase{"SubcommandHelp", {"render", "--help"}}),
     [](const auto& info) { return info.param.name; });
 
 TEST_F(CliWriteErrors, RenderToAFullFileNamesItAndWhy) {

@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include <cmath>
+#include <cstdio>
 #include <ctime>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -251,7 +252,14 @@ TEST_F(AccessibleHost, EveryWidgetReadsAsItsLaidOutTreeWithBoundsOnScreen) {
                                   [](const Json& child) { return child["role"] == "level bar"; });
   ASSERT_NE(meter, memory["children"].end());
   EXPECT_EQ((*meter)["name"], "Memory used");
-  EXPECT_NE((*meter)["valueText"].get<std::string>().find(" percent"), std::string::npos);
+  // The spoken value is the level in whole percent, the figure the card draws above it.
+  char figure[32];
+  std::snprintf(figure, sizeof figure, "%.0f", (*meter)["value"].get<double>());
+  EXPECT_EQ((*meter)["valueText"], std::string(figure) + " percent");
+  EXPECT_TRUE(
+      std::any_of(memory["children"].begin(), memory["children"].end(),
+                  [&](const Json& child) { return child["name"] == std::string(figure) + "%"; }))
+      << memory.dump(1);
   const Json usage = waitForWindow("AI Usage");
   std::vector<std::string> names;
   for (const auto& child : usage["children"]) names.push_back(child["name"]);
@@ -285,6 +293,32 @@ TEST_F(AccessibleHost, ANewSnapshotRenamesTheFigures) {
   ASSERT_TRUE(shows("63")) << "the figure was never renamed; host log:\n" << hostLog();
   const auto shown = names();
   EXPECT_EQ(std::find(shown.begin(), shown.end(), "90"), shown.end());
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(AccessibleHost, ARelativeTextIsReadAsItReadsNow) {
+  writeFile(snapshotFile(), usageSnapshot(10, static_cast<double>(std::time(nullptr)) - 150));
+  // 20 clock seconds per real second: "2 min" turns "3 min" within two seconds, long before the
+  // reload 45 seconds on, so only the advancing text can rename it.
+  startHost({"--widget", "usage:medium", "--time-rate", "20"});
+  const auto relativeNames = [&] {
+    std::vector<std::string> out;
+    const Json window = waitForWindow("AI Usage");
+    if (window.is_null()) return out;
+    for (const auto& child : window["children"]) {
+      const std::string name = child["name"];
+      if (name.find(" min") != std::string::npos) out.push_back(name);
+    }
+    return out;
+  };
+  const auto first = relativeNames();
+  ASSERT_FALSE(first.empty()) << "no relative text was read; host log:\n" << hostLog();
+  ASSERT_TRUE(waitFor([&] {
+    const auto now = relativeNames();
+    return !now.empty() && now != first;
+  })) << "\""
+      << first.front() << "\" was never read anew; host log:\n"
+      << hostLog();
   EXPECT_TRUE(host_->running());
 }
 

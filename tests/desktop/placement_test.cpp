@@ -72,6 +72,8 @@ INSTANTIATE_TEST_SUITE_P(
     Table, PlacementsDocumentErrors,
     testing::Values(
         BadDocument{"NotJSON", R"([{"kind": "memory",])", "not valid JSON (byte 20)"},
+        BadDocument{"NumberOutOfRange", R"([{"kind": "memory", "margin": 2e308}])",
+                    "not valid JSON (a number out of range)"},
         BadDocument{"NotAnArray", R"({"kind": "memory"})", "expected a JSON array of placements"},
         BadDocument{"ItemNotAnObject", R"(["memory"])", "[0]: expected an object with a \"kind\""},
         BadDocument{"MissingKind", R"([{"family": "small"}])",

@@ -137,6 +137,10 @@ PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup
     document = Json::parse(json);
   } catch (const Json::parse_error& failure) {
     return PlacementError{"not valid JSON (byte " + std::to_string(failure.byte) + ")"};
+  } catch (const Json::out_of_range&) {
+    // 1e400 and the like: the parser throws this one, not a parse error, for a number no
+    // double holds; uncaught it would end the host.
+    return PlacementError{"not valid JSON (a number out of range)"};
   }
   if (!document.is_array()) {
     return PlacementError{"expected a JSON array of placements"};

@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(Readings, TemperatureValueTest,
                          testing::Values(ValueCase{54.0, "54°C"}, ValueCase{54.5, "54°C"},
                                          ValueCase{55.5, "56°C"}, ValueCase{54.49, "54°C"},
                                          ValueCase{-3, "-3°C"}, ValueCase{105, "105°C"},
-                                         ValueCase{0, "0°C"}));
+                                         ValueCase{0, "0°C"}, ValueCase{-0.4, "-0°C"}));
 
 TEST(TemperatureContentTest, ReadingAgeDecidesUpdatedOrStale) {
   for (const auto& [age, prefix] :

@@ -263,13 +263,12 @@ TEST_P(UsageRemainingTest, RemainingIsRaisedToZeroButNeverCapped) {
   EXPECT_DOUBLE_EQ(*mediumBars[0]->fraction, c.fraction);
 }
 
-INSTANTIATE_TEST_SUITE_P(Figures, UsageRemainingTest,
-                         testing::Values(RemainingCase{120, "0%", "0", 0},
-                                         RemainingCase{100, "0%", "0", 0},
-                                         RemainingCase{0, "100%", "100", 1},
-                                         RemainingCase{41.6, "58%", "58", 0.584},
-                                         RemainingCase{41.5, "58%", "58", 0.585},
-                                         RemainingCase{-20, "120%", "120", 1.2}));
+INSTANTIATE_TEST_SUITE_P(
+    Figures, UsageRemainingTest,
+    testing::Values(RemainingCase{120, "0%", "0", 0}, RemainingCase{100, "0%", "0", 0},
+                    RemainingCase{0, "100%", "100", 1}, RemainingCase{41.6, "58%", "58", 0.584},
+                    RemainingCase{41.5, "58%", "58", 0.585}, RemainingCase{-20, "120%", "120", 1.2},
+                    RemainingCase{-50, "150%", "150", 1.5}));
 
 TEST_F(UsageTest, RemainingPercentKeepsTheFigureUnroundedForTheMeter) {
   EXPECT_DOUBLE_EQ(UsageWindows::remainingPercent(window("Weekly", 41.6)), 58.4);
