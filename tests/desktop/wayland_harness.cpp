@@ -1,0 +1,233 @@
+#include "desktop/wayland_harness.hpp"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+namespace korvo::desktop_test {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+constexpr const char* testUser = "nobody";
+
+int parseInt(std::string_view text) {
+  int value = -1;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+std::optional<std::string> fileStartingWith(const fs::path& folder, const std::string& prefix) {
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    const auto name = entry.path().filename().string();
+    if (name.starts_with(prefix) && !name.ends_with(".lock")) return name;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<std::string> asTestUser(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"/usr/sbin/runuser", "-p", "-u", testUser, "--"});
+  return arguments;
+}
+
+void handToTestUser(const fs::path& path) {
+  const passwd* user = getpwnam(testUser);
+  if (user == nullptr) throw std::runtime_error("no user nobody");
+  const auto give = [&](const fs::path& one) {
+    if (lchown(one.c_str(), user->pw_uid, user->pw_gid) != 0) {
+      throw std::runtime_error("cannot hand " + one.string() + " to nobody");
+    }
+  };
+  give(path);
+  if (fs::is_directory(path)) {
+    for (const auto& entry : fs::recursive_directory_iterator(path)) give(entry.path());
+  }
+}
+
+Sway::Sway(int width, int height, double scale, const fs::path& folder)
+    : folder_(folder), runtime_(folder / "runtime") {
+  // The test user must reach its runtime folder, its configuration and the host's files.
+  fs::permissions(folder_, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
+                               fs::perms::others_read | fs::perms::others_exec);
+  fs::create_directories(runtime_);
+  fs::permissions(runtime_, fs::perms::owner_all);
+  handToTestUser(runtime_);
+  const auto config = folder_ / "sway.conf";
+  writeFile(config, "output HEADLESS-1 mode " + std::to_string(width) + "x" +
+                        std::to_string(height) + " position 0 0 scale " + std::to_string(scale) +
+                        "\ndefault_border none\nfocus_follows_mouse no\n");
+  fs::permissions(config, fs::perms::owner_read | fs::perms::owner_write |
+                              fs::perms::group_read | fs::perms::others_read);
+  const Environment environment{
+      {"PATH", "/usr/bin:/bin"},         {"HOME", runtime_.string()},
+      {"XDG_RUNTIME_DIR", runtime_.string()}, {"WLR_BACKENDS", "headless"},
+      {"WLR_RENDERER", "pixman"},        {"WLR_LIBINPUT_NO_DEVICES", "1"},
+  };
+  sway_ = std::make_unique<Process>(asTestUser({"sway", "-c", config.string()}), environment,
+                                    folder_ / "sway.out", folder_ / "sway.err");
+  const bool listening = waitFor(
+      [&] {
+        const auto socket = fileStartingWith(runtime_, "wayland-");
+        const auto ipc = fileStartingWith(runtime_, "sway-ipc.");
+        if (socket) socket_ = *socket;
+        if (ipc) ipc_ = (runtime_ / *ipc).string();
+        return (socket && ipc) || !sway_->running();
+      },
+      20s);
+  if (!listening || socket_.empty() || ipc_.empty()) {
+    failure_ = "sway did not start: " + readFile(folder_ / "sway.err");
+    return;
+  }
+  pointer_ = std::make_unique<Process>(asTestUser({KORVO_VIRTUAL_POINTER}),
+                                       this->environment({{"PATH", "/usr/bin:/bin"}}),
+                                       folder_ / "pointer.out", folder_ / "pointer.err");
+  if (!waitFor([&] { return readFile(folder_ / "pointer.out") == "ready\n"; }, 10s)) {
+    failure_ = "no virtual pointer: " + readFile(folder_ / "pointer.err");
+  }
+}
+
+Sway::~Sway() {
+  pointer_.reset();
+  sway_.reset();
+}
+
+Environment Sway::environment(Environment base) const {
+  base["XDG_RUNTIME_DIR"] = runtime_.string();
+  base["WAYLAND_DISPLAY"] = socket_;
+  base["SWAYSOCK"] = ipc_;
+  return base;
+}
+
+CommandResult Sway::message(const std::vector<std::string>& arguments) const {
+  std::vector<std::string> command{"swaymsg"};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return runCommand(asTestUser(command), environment({{"PATH", "/usr/bin:/bin"}}));
+}
+
+std::vector<SwayOutput> Sway::outputs() const {
+  const auto reply = message({"-t", "get_outputs", "-r"});
+  const auto document = nlohmann::json::parse(reply.output, nullptr, false);
+  std::vector<SwayOutput> result;
+  if (!document.is_array()) return result;
+  for (const auto& output : document) {
+    const auto& rect = output["rect"];
+    result.push_back({output["name"].get<std::string>(), rect["x"].get<int>(),
+                      rect["y"].get<int>(), rect["width"].get<int>(), rect["height"].get<int>(),
+                      output.value("scale", 1.0), output["active"].get<bool>()});
+  }
+  return result;
+}
+
+void Sway::screenshot(const fs::path& file, const std::optional<std::string>& output) const {
+  // grim writes as the test user into its runtime folder; the test reads it from there.
+  const auto shot = runtime_ / "screenshot.png";
+  std::vector<std::string> command{"grim"};
+  if (output) command.insert(command.end(), {"-o", *output});
+  command.push_back(shot.string());
+  runCommand(asTestUser(command), environment({{"PATH", "/usr/bin:/bin"}}));
+  std::error_code ignored;
+  fs::copy_file(shot, file, fs::copy_options::overwrite_existing, ignored);
+}
+
+void Sway::click(int x, int y) const {
+  message({"seat", "-", "cursor", "set", std::to_string(x), std::to_string(y)});
+  message({"seat", "-", "cursor", "press", "button1"});
+  message({"seat", "-", "cursor", "release", "button1"});
+}
+
+std::string Sway::log() const {
+  return readFile(folder_ / "sway.err");
+}
+
+std::optional<PixelRect> paintedBounds(const fs::path& picture, PixelRect area) {
+  const auto crop = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
+                    std::to_string(area.x) + "+" + std::to_string(area.y);
+  const auto result = runCommand({"convert", picture.string(), "-crop", crop, "+repage", "-fuzz",
+                                  "4%", "-trim", "-format", "%@", "info:"},
+                                 {{"PATH", "/usr/bin:/bin"}});
+  // "WxH+X+Y"; ImageMagick trims a uniform picture to a single pixel at -1, -1.
+  const auto& text = result.output;
+  const auto times = text.find('x');
+  const auto plus = text.find('+');
+  const auto second = text.find('+', plus + 1);
+  if (times == std::string::npos || plus == std::string::npos || second == std::string::npos) {
+    return std::nullopt;
+  }
+  const PixelRect box{parseInt(std::string_view(text).substr(plus + 1, second - plus - 1)),
+                      parseInt(std::string_view(text).substr(second + 1)),
+                      parseInt(std::string_view(text).substr(0, times)),
+                      parseInt(std::string_view(text).substr(times + 1, plus - times - 1))};
+  if (box.x < 0 || box.y < 0) return std::nullopt;
+  return PixelRect{area.x + box.x, area.y + box.y, box.width, box.height};
+}
+
+void crop(const fs::path& picture, PixelRect area, const fs::path& file) {
+  const auto geometry = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
+                        std::to_string(area.x) + "+" + std::to_string(area.y);
+  runCommand({"convert", picture.string(), "-crop", geometry, "+repage", file.string()},
+             {{"PATH", "/usr/bin:/bin"}});
+}
+
+long differingPixels(const fs::path& first, const fs::path& second, int fuzzPercent) {
+  // compare prints the count on standard error; send it through the standard output instead.
+  const auto result = runCommand(
+      {"sh", "-c", "compare -metric AE -fuzz \"$1\" \"$2\" \"$3\" null: 2>&1",
+       "compare", std::to_string(fuzzPercent) + "%", first.string(), second.string()},
+      {{"PATH", "/usr/bin:/bin"}});
+  long count = -1;
+  std::from_chars(result.output.data(), result.output.data() + result.output.size(), count);
+  return count;
+}
+
+Weston::Weston(bool xwayland, const fs::path& folder) : runtime_(folder / "weston-runtime") {
+  fs::create_directories(runtime_);
+  fs::permissions(runtime_, fs::perms::owner_all);
+  handToTestUser(runtime_);
+  const auto log = runtime_ / "weston.log";
+  std::vector<std::string> command{"weston",         "--backend=headless-backend.so",
+                                   "--use-pixman",   "--width=1280",
+                                   "--height=1024",  "--idle-time=0",
+                                   "--socket=" + socket_, "--log=" + log.string()};
+  if (xwayland) command.push_back("--xwayland");
+  const Environment environment{{"PATH", "/usr/bin:/bin"},
+                                {"HOME", runtime_.string()},
+                                {"XDG_RUNTIME_DIR", runtime_.string()}};
+  weston_ = std::make_unique<Process>(asTestUser(command), environment, folder / "weston.out",
+                                      folder / "weston.err");
+  const bool ready = waitFor(
+      [&] {
+        if (!weston_->running()) return true;
+        const auto text = readFile(log);
+        if (xwayland) {
+          const auto at = text.find("xserver listening on display ");
+          if (at == std::string::npos) return false;
+          const auto start = at + std::string("xserver listening on display ").size();
+          xDisplay_ = text.substr(start, text.find_first_of("\n ", start) - start);
+        }
+        return fs::exists(runtime_ / socket_);
+      },
+      20s);
+  if (!ready || !weston_->running()) {
+    failure_ = "weston did not start: " + readFile(log) + readFile(folder / "weston.err");
+  }
+}
+
+Weston::~Weston() {
+  weston_.reset();
+}
+
+Environment Weston::environment(Environment base) const {
+  base["XDG_RUNTIME_DIR"] = runtime_.string();
+  base["WAYLAND_DISPLAY"] = socket_;
+  if (!xDisplay_.empty()) base["DISPLAY"] = xDisplay_;
+  return base;
+}
+
+}  // namespace korvo::desktop_test
