@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -60,8 +61,10 @@ Sway::Sway(int width, int height, double scale, const fs::path& folder)
   fs::permissions(runtime_, fs::perms::owner_all);
   handToTestUser(runtime_);
   const auto config = folder_ / "sway.conf";
-  writeFile(config, "output HEADLESS-1 mode " + std::to_string(width) + "x" +
-                        std::to_string(height) + " position 0 0 scale " + std::to_string(scale) +
+  // The mode is in the output's pixels: the layout keeps `width` x `height` at any scale.
+  const auto pixels = [scale](int length) { return std::to_string(std::lround(length * scale)); };
+  writeFile(config, "output HEADLESS-1 mode " + pixels(width) + "x" + pixels(height) +
+                        " position 0 0 scale " + std::to_string(scale) +
                         "\ndefault_border none\nfocus_follows_mouse no\n");
   fs::permissions(config, fs::perms::owner_read | fs::perms::owner_write |
                               fs::perms::group_read | fs::perms::others_read);
@@ -91,6 +94,8 @@ Sway::Sway(int width, int height, double scale, const fs::path& folder)
   if (!waitFor([&] { return readFile(folder_ / "pointer.out") == "ready\n"; }, 10s)) {
     failure_ = "no virtual pointer: " + readFile(folder_ / "pointer.err");
   }
+  // The pointer is drawn into the screenshots: out of the way, in the bottom-right corner.
+  message({"seat", "-", "cursor", "set", std::to_string(width - 1), std::to_string(height - 1)});
 }
 
 Sway::~Sway() {
@@ -150,7 +155,7 @@ std::optional<PixelRect> paintedBounds(const fs::path& picture, PixelRect area) 
   const auto crop = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
                     std::to_string(area.x) + "+" + std::to_string(area.y);
   const auto result = runCommand({"convert", picture.string(), "-crop", crop, "+repage", "-fuzz",
-                                  "4%", "-trim", "-format", "%@", "info:"},
+                                  "4%", "-format", "%@", "info:"},
                                  {{"PATH", "/usr/bin:/bin"}});
   // "WxH+X+Y"; ImageMagick trims a uniform picture to a single pixel at -1, -1.
   const auto& text = result.output;

@@ -36,7 +36,7 @@ struct PixelRect {
   friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
-// Headless sway with one output of the given size and scale, the pixman renderer and a private
+// Headless sway with one output of the given logical size and scale, the pixman renderer and a private
 // runtime folder, plus a virtual pointer so `seat - cursor` clicks reach clients.
 class Sway {
  public:

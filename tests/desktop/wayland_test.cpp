@@ -136,8 +136,8 @@ class WaylandHost : public testing::Test {
   }
 
   // Waits until every widget shows where expected (its painted box within a few pixels around
-  // it), then checks each one; the screenshot is kept for a look.
-  void expectWidgetsAt(const std::vector<Expected>& widgets, const fs::path& keep) {
+  // it), then checks each one; the screenshot is kept in the build tree as `name` for a look.
+  void expectWidgetsAt(const std::vector<Expected>& widgets, const std::string& name) {
     const auto found = [&](const Expected& widget) {
       const auto want = scaled(widget.rect, scale_);
       return paintedBounds(screen(), around(want, 6));
@@ -149,7 +149,9 @@ class WaylandHost : public testing::Test {
       }
       return true;
     });
-    fs::copy_file(screen(), keep, fs::copy_options::overwrite_existing);
+    fs::copy_file(screen(), folder_.path() / name, fs::copy_options::overwrite_existing);
+    fs::copy_file(screen(), fs::path(KORVO_SCREENSHOT_DIR) / name,
+                  fs::copy_options::overwrite_existing);
     for (const auto& widget : widgets) {
       EXPECT_EQ(found(widget), scaled(widget.rect, scale_))
           << widget.what << " is at " << describe(found(widget)) << ", not at "
@@ -193,9 +195,7 @@ TEST_P(WaylandPlacement, EveryAnchorAndMarginLandsWhereThePlacementsSayOnTheBott
   ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == belowColor; }))
       << readFile(folder_.path() / "background.err");
   const auto name = "placements-scale-" + std::to_string(static_cast<int>(GetParam())) + ".png";
-  expectWidgetsAt(widgets, folder_.path() / name);
-  fs::copy_file(folder_.path() / name, fs::path(KORVO_SCREENSHOT_DIR) / name,
-                fs::copy_options::overwrite_existing);
+  expectWidgetsAt(widgets, name);
 
   // An ordinary window covers them all.
   startSurface("window", windowColor);
@@ -220,7 +220,7 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
   startSurface("background", belowColor);
-  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, folder_.path() / "sharp.png");
+  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "sharp.png");
   const auto shown = folder_.path() / "shown.png";
   crop(folder_.path() / "sharp.png", {32, 32, 340, 340}, shown);
 
@@ -260,7 +260,7 @@ TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurf
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
   startSurface("background", belowColor);
-  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, folder_.path() / "clicks.png");
+  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "clicks.png");
 
   // The surface below answers clicks where no widget is.
   sway_->click(600, 600);
@@ -337,7 +337,7 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
   writePlacements(R"([{"kind": "usage", "family": "medium", "anchor": "top-left", "margin": 16}])");
   startHost({"--time-rate", "30"});
   startSurface("background", belowColor);
-  expectWidgetsAt({{"usage", {16, 16, 364, 170}}}, folder_.path() / "first.png");
+  expectWidgetsAt({{"usage", {16, 16, 364, 170}}}, "first.png");
   crop(folder_.path() / "first.png", footerRect, folder_.path() / "footer-first.png");
   crop(folder_.path() / "first.png", above, folder_.path() / "above-first.png");
   const bool advanced = waitFor([&] {
@@ -353,8 +353,6 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
             0)
       << "more than the relative text changed";
   fs::copy_file(screen(), fs::path(KORVO_SCREENSHOT_DIR) / "live-text-later.png",
-                fs::copy_options::overwrite_existing);
-  fs::copy_file(folder_.path() / "first.png", fs::path(KORVO_SCREENSHOT_DIR) / "live-text.png",
                 fs::copy_options::overwrite_existing);
 }
 
@@ -378,11 +376,11 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
   const Expected awakeThere{"awake on HEADLESS-2",
                             {second.x + second.width - 16 - 170, second.y + 16, 170, 170}};
   const Expected awakeHere{"awake moved to HEADLESS-1", {outputWidth - 16 - 170, 16, 170, 170}};
-  expectWidgetsAt({memory, awakeThere}, fs::path(KORVO_SCREENSHOT_DIR) / "two-outputs.png");
+  expectWidgetsAt({memory, awakeThere}, "two-outputs.png");
 
   // Unplugged: its widget comes over to the other output.
   ASSERT_EQ(sway_->message({"output", "HEADLESS-2", "disable"}).exitStatus, 0);
-  expectWidgetsAt({memory, awakeHere}, fs::path(KORVO_SCREENSHOT_DIR) / "unplugged.png");
+  expectWidgetsAt({memory, awakeHere}, "unplugged.png");
   EXPECT_TRUE(host_->running()) << readFile(hostLog());
   EXPECT_NE(readFile(hostLog()).find("output HEADLESS-2 is unplugged or off"), std::string::npos)
       << readFile(hostLog());
@@ -391,7 +389,7 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
   // clients when it comes back on; a new output is the change of monitors they do hear of.
   ASSERT_EQ(sway_->message({"output", "HEADLESS-2", "enable"}).exitStatus, 0);
   ASSERT_EQ(sway_->message({"create_output"}).exitStatus, 0);
-  expectWidgetsAt({memory, awakeThere}, fs::path(KORVO_SCREENSHOT_DIR) / "replugged.png");
+  expectWidgetsAt({memory, awakeThere}, "replugged.png");
   EXPECT_TRUE(host_->running()) << readFile(hostLog());
 }
 
