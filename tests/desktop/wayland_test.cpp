@@ -325,7 +325,8 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
                                     "json"},
                                    environment_);
   ASSERT_EQ(rendered.exitStatus, 0);
-  const auto* footer = findNode(Json::parse(rendered.output)["tree"], "relativeDate");
+  const auto document = Json::parse(rendered.output);
+  const auto* footer = findNode(document["tree"], "relativeDate");
   ASSERT_NE(footer, nullptr) << "the usage card has no relative date";
   const auto& frame = (*footer)["frame"];
   const PixelRect footerRect{16 + static_cast<int>(frame["x"].get<double>()),
