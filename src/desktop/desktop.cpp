@@ -148,12 +148,9 @@ void DesktopHost::apply(std::vector<Placement> placements) {
     }
     const auto* widget = findWidget(widgets_, placements[index].kind);
     if (widget == nullptr) continue;
-    next.push_back(std::make_unique<WidgetWindow>(*widget, std::move(placements[index]),
-                                                  static_cast<int>(index) + 1, options_,
-                                                  *appearance_,
-                                                  [this](GdkMonitor* monitor) {
-                                                    surfaceLost(monitor);
-                                                  }));
+    next.push_back(std::make_unique<WidgetWindow>(
+        *widget, std::move(placements[index]), static_cast<int>(index) + 1, options_, *appearance_,
+        [this](GdkMonitor* monitor) { surfaceLost(monitor); }));
   }
   windows_ = std::move(next);
   arrange();
@@ -167,6 +164,7 @@ void DesktopHost::arrange() {
   // Every output turned the widgets away: wait for the next change of monitors.
   if (monitors.empty() && !refused_.empty()) return;
   const auto primary = primaryIndex(monitors);
+  std::vector<std::string> notices;
   // Each monitor arranges the windows placed on it; a window whose output is gone goes to the
   // primary monitor until it comes back.
   std::vector<std::vector<std::size_t>> onMonitor(std::max<std::size_t>(monitors.size(), 1));
@@ -174,14 +172,20 @@ void DesktopHost::arrange() {
     const auto& placement = windows_[index]->placement();
     const auto monitor = monitorFor(monitors, placement.output, primary).value_or(0);
     if (placement.output && (monitors.empty() || monitors[monitor].name != *placement.output)) {
-      std::fprintf(stderr, "korvo-widgets: %s: output %s is unplugged or off; shown on %s\n",
-                   placement.kind.c_str(), placement.output->c_str(),
-                   monitors.empty() || monitors[monitor].name.empty()
-                       ? "the primary monitor"
-                       : monitors[monitor].name.c_str());
+      notices.push_back(
+          placement.kind + ": output " + *placement.output + " is unplugged or off; shown on " +
+          (monitors.empty() || monitors[monitor].name.empty() ? std::string("the primary monitor")
+                                                              : monitors[monitor].name));
     }
     onMonitor[monitor].push_back(index);
   }
+  // Said once when a widget moves over, not again each time the same monitors are arranged.
+  for (const auto& notice : notices) {
+    if (std::find(notices_.begin(), notices_.end(), notice) == notices_.end()) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", notice.c_str());
+    }
+  }
+  notices_ = std::move(notices);
   for (std::size_t monitor = 0; monitor < onMonitor.size(); ++monitor) {
     std::vector<Placement> placements;
     std::vector<ui::Size> sizes;
@@ -209,7 +213,8 @@ void DesktopHost::monitorsChanged() {
 void DesktopHost::surfaceLost(GdkMonitor* monitor) {
   // Some compositors keep a switched-off output listed (sway 1.7 does): only the closed surface
   // tells, so that monitor is left out until the monitors change or the placements are read.
-  if (monitor != nullptr && std::find(refused_.begin(), refused_.end(), monitor) == refused_.end()) {
+  if (monitor != nullptr &&
+      std::find(refused_.begin(), refused_.end(), monitor) == refused_.end()) {
     refused_.push_back(monitor);
   }
   if (arrangeSource_ == 0) arrangeSource_ = g_idle_add(onArrangeDue, this);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "desktop/appearance.hpp"
@@ -65,6 +66,7 @@ class DesktopHost {
   std::vector<guint> signalSources_;
   guint arrangeSource_ = 0;
   std::vector<GdkMonitor*> refused_;  // monitors whose output closed a widget's surface
+  std::vector<std::string> notices_;  // widgets shown away from their output, as last said
 };
 
 }  // namespace korvo::desktop

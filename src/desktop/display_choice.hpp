@@ -25,8 +25,8 @@ DisplayChoice chooseDisplay(const DisplayFacts& facts);
 // The one line saying why the widgets are not where layer-shell would put them; empty for asIs.
 std::string displayChoiceNotice(DisplayChoice choice);
 
-// Asks the Wayland compositor GTK would connect to whether it offers layer-shell (zwlr_layer_shell_v1);
-// nothing when no compositor answers.
+// Asks the Wayland compositor GTK would connect to whether it offers layer-shell
+// (zwlr_layer_shell_v1); nothing when no compositor answers.
 std::optional<bool> waylandOffersLayerShell();
 
 // The facts of this process's environment and compositor.

@@ -28,7 +28,7 @@ void outputName(void* data, wl_output* output, const char* name) {
   if (at != outputs.outputs.end()) outputs.names[at - outputs.outputs.begin()] = name;
 }
 
-const wl_output_listener outputListener{outputGeometry, outputMode,  outputDone,
+const wl_output_listener outputListener{outputGeometry, outputMode, outputDone,
                                         outputScale,    outputName, outputDescription};
 
 void announce(void* data, wl_registry* registry, uint32_t id, const char* interface,

@@ -19,12 +19,12 @@ TEST_P(DisplayChoiceTable, PicksLayerShellThenXWaylandThenOrdinaryWindows) {
 
 INSTANTIATE_TEST_SUITE_P(
     Facts, DisplayChoiceTable,
-    testing::Values(Case{"X11Only", {false, std::nullopt, true}, DisplayChoice::asIs},
-                    Case{"WaylandWithLayerShell", {false, true, true}, DisplayChoice::asIs},
-                    Case{"WaylandWithoutLayerShell", {false, false, true}, DisplayChoice::xwayland},
-                    Case{"WaylandWithNeither", {false, false, false},
-                         DisplayChoice::ordinaryWindows},
-                    Case{"BackendChosenByTheUser", {true, false, true}, DisplayChoice::asIs}),
+    testing::Values(
+        Case{"X11Only", {false, std::nullopt, true}, DisplayChoice::asIs},
+        Case{"WaylandWithLayerShell", {false, true, true}, DisplayChoice::asIs},
+        Case{"WaylandWithoutLayerShell", {false, false, true}, DisplayChoice::xwayland},
+        Case{"WaylandWithNeither", {false, false, false}, DisplayChoice::ordinaryWindows},
+        Case{"BackendChosenByTheUser", {true, false, true}, DisplayChoice::asIs}),
     [](const auto& info) { return info.param.name; });
 
 TEST(DisplayChoiceNotice, SaysWhyOnceAndNothingWhenLayerShellIsThere) {

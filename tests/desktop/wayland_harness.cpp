@@ -52,39 +52,85 @@ void handToTestUser(const fs::path& path) {
   }
 }
 
-Sway::Sway(int width, int height, double scale, const fs::path& folder)
+namespace {
+
+// A sway of its own in `runtime`, configured by `config`; its socket and IPC path, once both are
+// there.
+struct SwayStart {
+  std::unique_ptr<Process> process;
+  std::string socket;
+  std::string ipc;
+};
+
+SwayStart startSway(const fs::path& runtime, const fs::path& config, const std::string& text,
+                    Environment environment, const fs::path& log) {
+  fs::create_directories(runtime);
+  fs::permissions(runtime, fs::perms::owner_all);
+  handToTestUser(runtime);
+  writeFile(config, text);
+  fs::permissions(config, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
+                              fs::perms::others_read);
+  environment["PATH"] = "/usr/bin:/bin";
+  environment["HOME"] = runtime.string();
+  environment["XDG_RUNTIME_DIR"] = runtime.string();
+  environment["WLR_RENDERER"] = "pixman";
+  environment["WLR_LIBINPUT_NO_DEVICES"] = "1";
+  SwayStart start;
+  start.process = std::make_unique<Process>(asTestUser({"sway", "-c", config.string()}),
+                                            environment, log.string() + ".out", log);
+  waitFor(
+      [&] {
+        const auto socket = fileStartingWith(runtime, "wayland-");
+        const auto ipc = fileStartingWith(runtime, "sway-ipc.");
+        if (socket) start.socket = *socket;
+        if (ipc) start.ipc = (runtime / *ipc).string();
+        return (socket && ipc) || !start.process->running();
+      },
+      20s);
+  return start;
+}
+
+}  // namespace
+
+Sway::Sway(int width, int height, double scale, const fs::path& folder, int outputs)
     : folder_(folder), runtime_(folder / "runtime") {
   // The test user must reach its runtime folder, its configuration and the host's files.
   fs::permissions(folder_, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
                                fs::perms::others_read | fs::perms::others_exec);
-  fs::create_directories(runtime_);
-  fs::permissions(runtime_, fs::perms::owner_all);
-  handToTestUser(runtime_);
-  const auto config = folder_ / "sway.conf";
   // The mode is in the output's pixels: the layout keeps `width` x `height` at any scale.
   const auto pixels = [scale](int length) { return std::to_string(std::lround(length * scale)); };
-  writeFile(config, "output HEADLESS-1 mode " + pixels(width) + "x" + pixels(height) +
-                        " position 0 0 scale " + std::to_string(scale) +
-                        "\ndefault_border none\nfocus_follows_mouse no\n");
-  fs::permissions(config, fs::perms::owner_read | fs::perms::owner_write |
-                              fs::perms::group_read | fs::perms::others_read);
-  const Environment environment{
-      {"PATH", "/usr/bin:/bin"},         {"HOME", runtime_.string()},
-      {"XDG_RUNTIME_DIR", runtime_.string()}, {"WLR_BACKENDS", "headless"},
-      {"WLR_RENDERER", "pixman"},        {"WLR_LIBINPUT_NO_DEVICES", "1"},
-  };
-  sway_ = std::make_unique<Process>(asTestUser({"sway", "-c", config.string()}), environment,
-                                    folder_ / "sway.out", folder_ / "sway.err");
-  const bool listening = waitFor(
-      [&] {
-        const auto socket = fileStartingWith(runtime_, "wayland-");
-        const auto ipc = fileStartingWith(runtime_, "sway-ipc.");
-        if (socket) socket_ = *socket;
-        if (ipc) ipc_ = (runtime_ / *ipc).string();
-        return (socket && ipc) || !sway_->running();
-      },
-      20s);
-  if (!listening || socket_.empty() || ipc_.empty()) {
+  const std::string common = "default_border none\nfocus_follows_mouse no\n";
+  SwayStart start;
+  if (outputs == 1) {
+    start = startSway(runtime_, folder_ / "sway.conf",
+                      "output HEADLESS-1 mode " + pixels(width) + "x" + pixels(height) +
+                          " position 0 0 scale " + std::to_string(scale) + "\n" + common,
+                      {{"WLR_BACKENDS", "headless"}}, folder_ / "sway.err");
+  } else {
+    // Outputs that can be unplugged: sway nested in a headless sway, one window of the outer per
+    // output of the inner, tiled side by side so each is `width` x `height`. Closing a window
+    // unplugs its output.
+    const auto outerRuntime = folder_ / "outer-runtime";
+    auto outer = startSway(outerRuntime, folder_ / "outer.conf",
+                           "output HEADLESS-1 mode " + std::to_string(width * outputs) + "x" +
+                               std::to_string(height) + "\n" + common,
+                           {{"WLR_BACKENDS", "headless"}}, folder_ / "outer.err");
+    if (outer.socket.empty() || outer.ipc.empty()) {
+      failure_ = "sway did not start: " + readFile(folder_ / "outer.err");
+      return;
+    }
+    outer_ = std::move(outer.process);
+    outerIpc_ = outer.ipc;
+    start = startSway(runtime_, folder_ / "sway.conf", common,
+                      {{"WLR_BACKENDS", "wayland"},
+                       {"WLR_WL_OUTPUTS", std::to_string(outputs)},
+                       {"WAYLAND_DISPLAY", (outerRuntime / outer.socket).string()}},
+                      folder_ / "sway.err");
+  }
+  sway_ = std::move(start.process);
+  socket_ = start.socket;
+  ipc_ = start.ipc;
+  if (socket_.empty() || ipc_.empty()) {
     failure_ = "sway did not start: " + readFile(folder_ / "sway.err");
     return;
   }
@@ -98,9 +144,18 @@ Sway::Sway(int width, int height, double scale, const fs::path& folder)
   message({"seat", "-", "cursor", "set", std::to_string(width - 1), std::to_string(height - 1)});
 }
 
+bool Sway::unplug(const std::string& output) const {
+  if (!outer_) return false;
+  const auto result =
+      runCommand(asTestUser({"swaymsg", "[title=\"wlroots - " + output + "\"]", "kill"}),
+                 {{"PATH", "/usr/bin:/bin"}, {"SWAYSOCK", outerIpc_}});
+  return result.exitStatus == 0;
+}
+
 Sway::~Sway() {
   pointer_.reset();
   sway_.reset();
+  outer_.reset();
 }
 
 Environment Sway::environment(Environment base) const {
@@ -123,8 +178,8 @@ std::vector<SwayOutput> Sway::outputs() const {
   if (!document.is_array()) return result;
   for (const auto& output : document) {
     const auto& rect = output["rect"];
-    result.push_back({output["name"].get<std::string>(), rect["x"].get<int>(),
-                      rect["y"].get<int>(), rect["width"].get<int>(), rect["height"].get<int>(),
+    result.push_back({output["name"].get<std::string>(), rect["x"].get<int>(), rect["y"].get<int>(),
+                      rect["width"].get<int>(), rect["height"].get<int>(),
                       output.value("scale", 1.0), output["active"].get<bool>()});
   }
   return result;
@@ -182,10 +237,10 @@ void crop(const fs::path& picture, PixelRect area, const fs::path& file) {
 
 long differingPixels(const fs::path& first, const fs::path& second, int fuzzPercent) {
   // compare prints the count on standard error; send it through the standard output instead.
-  const auto result = runCommand(
-      {"sh", "-c", "compare -metric AE -fuzz \"$1\" \"$2\" \"$3\" null: 2>&1",
-       "compare", std::to_string(fuzzPercent) + "%", first.string(), second.string()},
-      {{"PATH", "/usr/bin:/bin"}});
+  const auto result =
+      runCommand({"sh", "-c", "compare -metric AE -fuzz \"$1\" \"$2\" \"$3\" null: 2>&1", "compare",
+                  std::to_string(fuzzPercent) + "%", first.string(), second.string()},
+                 {{"PATH", "/usr/bin:/bin"}});
   long count = -1;
   std::from_chars(result.output.data(), result.output.data() + result.output.size(), count);
   return count;
@@ -196,10 +251,14 @@ Weston::Weston(bool xwayland, const fs::path& folder) : runtime_(folder / "westo
   fs::permissions(runtime_, fs::perms::owner_all);
   handToTestUser(runtime_);
   const auto log = runtime_ / "weston.log";
-  std::vector<std::string> command{"weston",         "--backend=headless-backend.so",
-                                   "--use-pixman",   "--width=1280",
-                                   "--height=1024",  "--idle-time=0",
-                                   "--socket=" + socket_, "--log=" + log.string()};
+  std::vector<std::string> command{"weston",
+                                   "--backend=headless-backend.so",
+                                   "--use-pixman",
+                                   "--width=1280",
+                                   "--height=1024",
+                                   "--idle-time=0",
+                                   "--socket=" + socket_,
+                                   "--log=" + log.string()};
   if (xwayland) command.push_back("--xwayland");
   const Environment environment{{"PATH", "/usr/bin:/bin"},
                                 {"HOME", runtime_.string()},

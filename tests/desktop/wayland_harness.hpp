@@ -36,11 +36,13 @@ struct PixelRect {
   friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
-// Headless sway with one output of the given logical size and scale, the pixman renderer and a private
-// runtime folder, plus a virtual pointer so `seat - cursor` clicks reach clients.
+// Headless sway with outputs of the given logical size and scale, the pixman renderer and a
+// private runtime folder, plus a virtual pointer so `seat - cursor` clicks reach clients. With more
+// than one output, sway runs nested in a headless sway (at scale 1): sway 1.7 can neither remove
+// nor switch off a headless output, and a nested one goes when its window closes.
 class Sway {
  public:
-  Sway(int width, int height, double scale, const std::filesystem::path& folder);
+  Sway(int width, int height, double scale, const std::filesystem::path& folder, int outputs = 1);
   ~Sway();
   Sway(const Sway&) = delete;
   Sway& operator=(const Sway&) = delete;
@@ -55,6 +57,8 @@ class Sway {
   // The whole layout (or one output) as a PNG, at the largest output scale.
   void screenshot(const std::filesystem::path& file,
                   const std::optional<std::string>& output = std::nullopt) const;
+  // Unplugs a nested output ("WL-2"); false when it cannot.
+  bool unplug(const std::string& output) const;
   // Moves the cursor to (x, y) in layout coordinates and clicks the primary button.
   void click(int x, int y) const;
   std::string log() const;
@@ -65,6 +69,8 @@ class Sway {
   std::string socket_;
   std::string ipc_;
   std::string failure_;
+  std::unique_ptr<Process> outer_;
+  std::string outerIpc_;
   std::unique_ptr<Process> sway_;
   std::unique_ptr<Process> pointer_;
 };
