@@ -503,10 +503,18 @@ class NoLayerShell : public testing::Test {
   std::size_t timesSaid(const std::string& text) const {
     return occurrences(readFile(hostLog()), text);
   }
-  std::string property(const std::string& id, const std::string& name) const {
-    return runCommand({"xprop", "-id", id, name},
+  // X tools run as the test user: XWayland lets in only the user of its compositor.
+  std::string x(const std::vector<std::string>& arguments) const {
+    return runCommand(asTestUser(arguments),
                       {{"PATH", "/usr/bin:/bin"}, {"DISPLAY", weston_->xDisplay()}})
         .output;
+  }
+  std::vector<std::string> visibleWidgets() const {
+    std::vector<std::string> ids;
+    std::istringstream found(
+        x({"xdotool", "search", "--onlyvisible", "--name", "^(Keep Awake|Memory)$"}));
+    for (std::string id; std::getline(found, id);) ids.push_back(id);
+    return ids;
   }
 
   TempFolder folder_;
@@ -520,16 +528,14 @@ TEST_F(NoLayerShell, WithXWaylandTheWidgetsRunThroughItAsOnX11AndTheHostSaysWhyO
   if (IsSkipped()) return;
   std::vector<std::string> ids;
   ASSERT_TRUE(waitFor([&] {
-    ids = visibleWindows(weston_->xDisplay(), "^(Keep Awake|Memory)$");
+    ids = visibleWidgets();
     return ids.size() == 2;
   })) << "the widgets never showed through XWayland; host log:\n"
       << readFile(hostLog());
+  // Weston's window manager keeps the window type but writes _NET_WM_STATE itself, without the
+  // below, sticky and skip-taskbar states the host asks for; GNOME's keeps them.
   for (const auto& id : ids) {
-    const auto state = property(id, "_NET_WM_STATE");
-    EXPECT_NE(state.find("_NET_WM_STATE_BELOW"), std::string::npos) << state;
-    EXPECT_NE(state.find("_NET_WM_STATE_SKIP_TASKBAR"), std::string::npos) << state;
-    EXPECT_NE(state.find("_NET_WM_STATE_STICKY"), std::string::npos) << state;
-    const auto type = property(id, "_NET_WM_WINDOW_TYPE");
+    const auto type = x({"xprop", "-id", id, "_NET_WM_WINDOW_TYPE"});
     EXPECT_NE(type.find("_NET_WM_WINDOW_TYPE_UTILITY"), std::string::npos) << type;
   }
   EXPECT_EQ(timesSaid("offers no layer-shell; the widgets run through XWayland"), 1U)
