@@ -294,4 +294,61 @@ Environment Weston::environment(Environment base) const {
   return base;
 }
 
+Mutter::Mutter(const fs::path& folder) : runtime_(folder / "mutter-runtime") {
+  fs::create_directories(runtime_);
+  fs::permissions(runtime_, fs::perms::owner_all);
+  handToTestUser(runtime_);
+  const auto bus = runtime_ / "bus";
+  const Environment base{{"PATH", "/usr/bin:/bin"},
+                         {"HOME", runtime_.string()},
+                         {"XDG_RUNTIME_DIR", runtime_.string()},
+                         {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + bus.string()}};
+  bus_ = std::make_unique<Process>(
+      asTestUser({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + bus.string()}),
+      base, folder / "mutter-bus.out", folder / "mutter-bus.err");
+  if (!waitFor([&] { return fs::exists(bus); }, 10s)) {
+    failure_ = "no session bus for mutter: " + readFile(folder / "mutter-bus.err");
+    return;
+  }
+  const auto log = folder / "mutter.err";
+  mutter_ = std::make_unique<Process>(
+      asTestUser({"mutter", "--headless", "--wayland", "--virtual-monitor", "1280x1024",
+                  "--wayland-display=" + socket_}),
+      base, folder / "mutter.out", log);
+  const std::string said = "Using public X11 display ";
+  waitFor(
+      [&] {
+        const auto text = readFile(log);
+        if (const auto at = text.find(said); at != std::string::npos) {
+          const auto start = at + said.size();
+          xDisplay_ = text.substr(start, text.find_first_of(", \n", start) - start);
+        }
+        for (const auto& entry : fs::directory_iterator(runtime_)) {
+          if (entry.path().filename().string().starts_with(".mutter-Xwaylandauth")) {
+            xAuthority_ = entry.path().string();
+          }
+        }
+        return !mutter_->running() ||
+               (!xDisplay_.empty() && !xAuthority_.empty() && fs::exists(runtime_ / socket_));
+      },
+      30s);
+  if (!mutter_->running() || xDisplay_.empty() || xAuthority_.empty()) {
+    failure_ = "mutter did not start: " + readFile(log);
+  }
+}
+
+Mutter::~Mutter() {
+  mutter_.reset();
+  bus_.reset();
+}
+
+Environment Mutter::environment(Environment base) const {
+  base["XDG_RUNTIME_DIR"] = runtime_.string();
+  base["WAYLAND_DISPLAY"] = socket_;
+  base["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + (runtime_ / "bus").string();
+  base["DISPLAY"] = xDisplay_;
+  base["XAUTHORITY"] = xAuthority_;
+  return base;
+}
+
 }  // namespace korvo::desktop_test

@@ -105,4 +105,27 @@ class Weston {
   std::unique_ptr<Process> weston_;
 };
 
+// GNOME's compositor, headless on a virtual monitor, with its own session bus; it offers no
+// layer-shell and starts XWayland for X clients.
+class Mutter {
+ public:
+  explicit Mutter(const std::filesystem::path& folder);
+  ~Mutter();
+  Mutter(const Mutter&) = delete;
+  Mutter& operator=(const Mutter&) = delete;
+
+  const std::string& failure() const { return failure_; }
+  // The Wayland socket, the session bus, DISPLAY and XAUTHORITY.
+  Environment environment(Environment base) const;
+
+ private:
+  std::filesystem::path runtime_;
+  std::string socket_ = "wayland-korvo";
+  std::string xDisplay_;
+  std::string xAuthority_;
+  std::string failure_;
+  std::unique_ptr<Process> bus_;
+  std::unique_ptr<Process> mutter_;
+};
+
 }  // namespace korvo::desktop_test

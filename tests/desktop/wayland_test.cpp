@@ -554,5 +554,51 @@ TEST_F(NoLayerShell, WithoutXWaylandTheWidgetsAreOrdinaryWindowsAndTheHostSaysSo
   EXPECT_TRUE(host_->running()) << readFile(hostLog());
 }
 
+// GNOME's compositor keeps what the X11 hints ask for: below, sticky, out of the taskbar.
+TEST(GnomeCompositor, TheWidgetsRunThroughXWaylandBelowOnEveryWorkspaceOutOfTheTaskbar) {
+  ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
+  TempFolder folder;
+  for (const char* name : {"home", "config", "data", "data-dirs"}) {
+    fs::create_directories(folder.path() / name);
+  }
+  handToTestUser(folder.path());
+  Mutter mutter(folder.path());
+  if (!mutter.failure().empty()) GTEST_SKIP() << mutter.failure();
+  const auto environment = mutter.environment({
+      {"PATH", "/usr/bin:/bin"},
+      {"HOME", (folder.path() / "home").string()},
+      {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
+      {"XDG_DATA_HOME", (folder.path() / "data").string()},
+      {"XDG_DATA_DIRS", (folder.path() / "data-dirs").string()},
+      {"NO_AT_BRIDGE", "1"},
+      {"LANG", "en_US.UTF-8"},
+      {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+      {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+  });
+  const auto hostLog = folder.path() / "host.err";
+  Process host(asTestUser({KORVO_BINARY, "run", "--widget", "awake"}), environment,
+               folder.path() / "host.out", hostLog);
+  const auto x = [&](const std::vector<std::string>& arguments) {
+    return runCommand(asTestUser(arguments), environment).output;
+  };
+  std::string id;
+  ASSERT_TRUE(waitFor([&] {
+    id = x({"xdotool", "search", "--onlyvisible", "--name", "^Keep Awake$"});
+    return !id.empty();
+  })) << "the widget never showed through XWayland; host log:\n"
+      << readFile(hostLog);
+  id = id.substr(0, id.find('\n'));
+  const auto state = x({"xprop", "-id", id, "_NET_WM_STATE"});
+  EXPECT_NE(state.find("_NET_WM_STATE_BELOW"), std::string::npos) << state;
+  EXPECT_NE(state.find("_NET_WM_STATE_STICKY"), std::string::npos) << state;
+  EXPECT_NE(state.find("_NET_WM_STATE_SKIP_TASKBAR"), std::string::npos) << state;
+  EXPECT_NE(x({"xprop", "-id", id, "_NET_WM_DESKTOP"}).find("4294967295"), std::string::npos)
+      << "not on every workspace";
+  EXPECT_EQ(
+      occurrences(readFile(hostLog), "offers no layer-shell; the widgets run through XWayland"), 1U)
+      << readFile(hostLog);
+  EXPECT_TRUE(host.running());
+}
+
 }  // namespace
 }  // namespace korvo::desktop_test
