@@ -2,12 +2,14 @@
 
 #include <glib-unix.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
 #include "cli/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
+#include "desktop/monitors.hpp"
 #include "extension/korvo_widgets.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
@@ -39,18 +41,21 @@ gboolean onStop(gpointer) {
 }
 
 void onScreenChanged(GdkScreen*, gpointer host) {
-  self(host).arrange();
+  self(host).monitorsChanged();
 }
 
-ui::Rect workArea() {
-  GdkDisplay* display = gdk_display_get_default();
-  GdkMonitor* monitor = gdk_display_get_primary_monitor(display);
-  if (monitor == nullptr) monitor = gdk_display_get_monitor(display, 0);
-  if (monitor == nullptr) return {0, 0, 1280, 800};
-  GdkRectangle area;
-  gdk_monitor_get_workarea(monitor, &area);
-  return {static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.width),
-          static_cast<double>(area.height)};
+gboolean onArrangeDue(gpointer host) {
+  self(host).arrangeDue();
+  return G_SOURCE_REMOVE;
+}
+
+// The primary monitor's place among `monitors`, when the desktop names one.
+std::optional<std::size_t> primaryIndex(const std::vector<Monitor>& monitors) {
+  GdkMonitor* primary = gdk_display_get_primary_monitor(gdk_display_get_default());
+  for (std::size_t index = 0; index < monitors.size(); ++index) {
+    if (monitors[index].monitor == primary) return index;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -75,6 +80,7 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
 }
 
 DesktopHost::~DesktopHost() {
+  if (arrangeSource_ != 0) g_source_remove(arrangeSource_);
   g_signal_handlers_disconnect_by_data(gdk_screen_get_default(), this);
   for (const auto source : signalSources_) g_source_remove(source);
   windows_.clear();
@@ -96,6 +102,7 @@ void DesktopHost::run() {
 }
 
 void DesktopHost::reloadPlacements() {
+  refused_.clear();
   if (!options_.widgets.empty()) return;
   if (!placementsFile_) {
     if (windows_.empty()) apply(defaultPlacements(lookup_));
@@ -141,29 +148,81 @@ void DesktopHost::apply(std::vector<Placement> placements) {
     }
     const auto* widget = findWidget(widgets_, placements[index].kind);
     if (widget == nullptr) continue;
-    next.push_back(std::make_unique<WidgetWindow>(*widget, std::move(placements[index]),
-                                                  static_cast<int>(index) + 1, options_,
-                                                  *appearance_));
+    next.push_back(std::make_unique<WidgetWindow>(
+        *widget, std::move(placements[index]), static_cast<int>(index) + 1, options_, *appearance_,
+        [this](GdkMonitor* monitor) { surfaceLost(monitor); }));
   }
   windows_ = std::move(next);
   arrange();
 }
 
 void DesktopHost::arrange() {
-  std::vector<Placement> placements;
-  std::vector<ui::Size> sizes;
-  for (const auto& window : windows_) {
-    placements.push_back(window->placement());
-    sizes.push_back(window->logicalSize());
-  }
-  const auto area = workArea();
-  const auto arrangement = arrangeWindows(placements, sizes, area);
-  for (const auto& moved : arrangement.moved) {
-    std::fprintf(stderr, "korvo-widgets: %s\n", moved.c_str());
-  }
+  auto monitors = displayMonitors(gdk_display_get_default());
+  std::erase_if(monitors, [this](const Monitor& monitor) {
+    return std::find(refused_.begin(), refused_.end(), monitor.monitor) != refused_.end();
+  });
+  // Every output turned the widgets away: wait for the next change of monitors.
+  if (monitors.empty() && !refused_.empty()) return;
+  const auto primary = primaryIndex(monitors);
+  std::vector<std::string> notices;
+  // Each monitor arranges the windows placed on it; a window whose output is gone goes to the
+  // primary monitor until it comes back.
+  std::vector<std::vector<std::size_t>> onMonitor(std::max<std::size_t>(monitors.size(), 1));
   for (std::size_t index = 0; index < windows_.size(); ++index) {
-    windows_[index]->place(arrangement.origins[index], area);
+    const auto& placement = windows_[index]->placement();
+    const auto monitor = monitorFor(monitors, placement.output, primary).value_or(0);
+    if (placement.output && (monitors.empty() || monitors[monitor].name != *placement.output)) {
+      notices.push_back(
+          placement.kind + ": output " + *placement.output + " is unplugged or off; shown on " +
+          (monitors.empty() || monitors[monitor].name.empty() ? std::string("the primary monitor")
+                                                              : monitors[monitor].name));
+    }
+    onMonitor[monitor].push_back(index);
   }
+  // Said once when a widget moves over, not again each time the same monitors are arranged.
+  for (const auto& notice : notices) {
+    if (std::find(notices_.begin(), notices_.end(), notice) == notices_.end()) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", notice.c_str());
+    }
+  }
+  notices_ = std::move(notices);
+  for (std::size_t monitor = 0; monitor < onMonitor.size(); ++monitor) {
+    std::vector<Placement> placements;
+    std::vector<ui::Size> sizes;
+    for (const auto index : onMonitor[monitor]) {
+      placements.push_back(windows_[index]->placement());
+      sizes.push_back(windows_[index]->logicalSize());
+    }
+    const auto area = monitors.empty() ? ui::Rect{0, 0, 1280, 800} : monitors[monitor].workArea;
+    const auto arrangement = arrangeWindows(placements, sizes, area);
+    for (const auto& moved : arrangement.moved) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", moved.c_str());
+    }
+    GdkMonitor* gdkMonitor = monitors.empty() ? nullptr : monitors[monitor].monitor;
+    for (std::size_t slot = 0; slot < onMonitor[monitor].size(); ++slot) {
+      windows_[onMonitor[monitor][slot]]->place(arrangement.origins[slot], area, gdkMonitor);
+    }
+  }
+}
+
+void DesktopHost::monitorsChanged() {
+  refused_.clear();
+  arrange();
+}
+
+void DesktopHost::surfaceLost(GdkMonitor* monitor) {
+  // Some compositors keep a switched-off output listed (sway 1.7 does): only the closed surface
+  // tells, so that monitor is left out until the monitors change or the placements are read.
+  if (monitor != nullptr &&
+      std::find(refused_.begin(), refused_.end(), monitor) == refused_.end()) {
+    refused_.push_back(monitor);
+  }
+  if (arrangeSource_ == 0) arrangeSource_ = g_idle_add(onArrangeDue, this);
+}
+
+void DesktopHost::arrangeDue() {
+  arrangeSource_ = 0;
+  arrange();
 }
 
 void DesktopHost::dumpAll() {

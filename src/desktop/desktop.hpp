@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "desktop/appearance.hpp"
@@ -33,8 +34,14 @@ class DesktopHost {
 
   // Reads the placements again (SIGHUP, file changes); a bad file keeps what is shown.
   void reloadPlacements();
-  // Repositions every window (screen or work area changed).
+  // Repositions every window on its monitor (monitors, screen or work area changed).
   void arrange();
+  // Monitors came, went or changed: every monitor may take widgets again.
+  void monitorsChanged();
+  // The compositor took a window's surface away on `monitor` (its output went): arranges again
+  // on the next idle turn of the main loop, without that monitor.
+  void surfaceLost(GdkMonitor* monitor);
+  void arrangeDue();
   // Writes every window's tree to the dump directory.
   void dumpAll();
   // Asks every widget's provider again now (`korvo-widgets reload`).
@@ -57,6 +64,9 @@ class DesktopHost {
   std::unique_ptr<FileWatch> placementsWatch_;
   std::unique_ptr<FileWatch> sharedFileWatch_;
   std::vector<guint> signalSources_;
+  guint arrangeSource_ = 0;
+  std::vector<GdkMonitor*> refused_;  // monitors whose output closed a widget's surface
+  std::vector<std::string> notices_;  // widgets shown away from their output, as last said
 };
 
 }  // namespace korvo::desktop

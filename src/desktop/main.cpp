@@ -7,6 +7,7 @@
 #include "base/clock.hpp"
 #include "cli/command_line.hpp"
 #include "desktop/desktop.hpp"
+#include "desktop/display_choice.hpp"
 #include "desktop/run_options.hpp"
 #include "desktop/session_instance.hpp"
 #include "extension/korvo_widgets.hpp"
@@ -43,6 +44,11 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
   // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
   // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
   g_setenv("GDK_GL", "disable", FALSE);
+  const auto display = desktop::chooseDisplay(desktop::currentDisplayFacts());
+  if (display != desktop::DisplayChoice::asIs) {
+    std::fprintf(stderr, "%s\n", desktop::displayChoiceNotice(display).c_str());
+  }
+  if (display == desktop::DisplayChoice::xwayland) gdk_set_allowed_backends("x11");
   if (!gtk_init_check(nullptr, nullptr)) {
     std::fprintf(stderr,
                  "korvo-widgets: cannot open the display (is DISPLAY or WAYLAND_DISPLAY set?)\n");

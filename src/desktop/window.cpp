@@ -35,6 +35,10 @@ gboolean onButtonRelease(GtkWidget*, GdkEventButton* event, gpointer window) {
   return self(window).buttonRelease(event);
 }
 
+gboolean onDelete(GtkWidget*, GdkEvent*, gpointer window) {
+  return self(window).closeRequested();
+}
+
 gboolean onMap(GtkWidget*, GdkEvent*, gpointer window) {
   self(window).mapped();
   return FALSE;
@@ -94,12 +98,14 @@ void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point
 }  // namespace
 
 WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
-                           const HostOptions& options, const AppearanceWatch& appearance)
+                           const HostOptions& options, const AppearanceWatch& appearance,
+                           std::function<void(GdkMonitor*)> lost)
     : widget_(widget),
       placement_(std::move(placement)),
       index_(index),
       options_(options),
-      appearance_(appearance) {
+      appearance_(appearance),
+      lost_(std::move(lost)) {
   window_ = newCardWindow();
   GtkWindow* window = GTK_WINDOW(window_);
   gtk_window_set_title(window, widget_.displayName.c_str());
@@ -132,6 +138,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
   g_signal_connect(window_, "draw", G_CALLBACK(onDraw), this);
   g_signal_connect(window_, "button-press-event", G_CALLBACK(onButtonPress), this);
   g_signal_connect(window_, "button-release-event", G_CALLBACK(onButtonRelease), this);
+  g_signal_connect(window_, "delete-event", G_CALLBACK(onDelete), this);
   g_signal_connect(window_, "map-event", G_CALLBACK(onMap), this);
   g_signal_connect(window_, "unmap-event", G_CALLBACK(onUnmap), this);
   g_signal_connect(window_, "style-updated", G_CALLBACK(onStyleUpdated), this);
@@ -155,9 +162,12 @@ ui::Size WidgetWindow::logicalSize() const {
   return {std::ceil(points.width * options_.scale), std::ceil(points.height * options_.scale)};
 }
 
-void WidgetWindow::place(ui::Point origin, ui::Rect workArea) {
+void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor) {
   GtkWindow* window = GTK_WINDOW(window_);
+  monitor_ = monitor;
   if (layerShell_) {
+    // Left to itself the compositor would pick the output with focus.
+    gtk_layer_set_monitor(window, monitor);
     anchorLayerSurface(window, placement_, origin, logicalSize(), workArea);
   } else {
     gtk_window_move(window, static_cast<int>(std::lround(origin.x)),
@@ -236,6 +246,12 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
   if (!click || !layout_) return TRUE;
   const ui::Point point{event->x / options_.scale, event->y / options_.scale};
   if (const auto url = ui::urlAt(*layout_, point)) openURL(*url);
+  return TRUE;
+}
+
+gboolean WidgetWindow::closeRequested() {
+  gtk_widget_hide(window_);
+  lost_(monitor_);
   return TRUE;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <optional>
 
 #include "desktop/appearance.hpp"
@@ -20,9 +21,11 @@ namespace korvo::desktop {
 // reloads) and, while the window is mapped, one at the moment a live relative text would change.
 class WidgetWindow {
  public:
-  // `index` numbers the window among the placements (from 1) for its dump file's name.
+  // `index` numbers the window among the placements (from 1) for its dump file's name; `lost`
+  // runs with the window's monitor when the compositor took its surface away (the output went).
   WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
-               const HostOptions& options, const AppearanceWatch& appearance);
+               const HostOptions& options, const AppearanceWatch& appearance,
+               std::function<void(GdkMonitor*)> lost);
   ~WidgetWindow();
   WidgetWindow(const WidgetWindow&) = delete;
   WidgetWindow& operator=(const WidgetWindow&) = delete;
@@ -31,8 +34,9 @@ class WidgetWindow {
   const WidgetConfiguration& widget() const { return widget_; }
   // The window's size in logical pixels: the card's points times the host's scale.
   ui::Size logicalSize() const;
-  // Moves the window so its top-left corner is at `origin` (logical pixels) and shows it.
-  void place(ui::Point origin, ui::Rect workArea);
+  // Moves the window so its top-left corner is at `origin` (logical pixels) in the work area of
+  // `monitor` and shows it.
+  void place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor);
   // The desktop's colours or scheme changed: lay out and paint again.
   void appearanceChanged();
   // Clicks and, without a compositor, the window itself follow the card's rounded corners.
@@ -46,6 +50,9 @@ class WidgetWindow {
   gboolean draw(cairo_t* cr);
   gboolean buttonPress(GdkEventButton* event);
   gboolean buttonRelease(GdkEventButton* event);
+  // The compositor closed the window (layer-shell does so when an output goes): keep it, hidden
+  // until it is placed again.
+  gboolean closeRequested();
   void mapped();
   void unmapped();
   void redraw();
@@ -66,7 +73,9 @@ class WidgetWindow {
   int index_;
   const HostOptions& options_;
   const AppearanceWatch& appearance_;
+  std::function<void(GdkMonitor*)> lost_;
   GtkWidget* window_ = nullptr;
+  GdkMonitor* monitor_ = nullptr;  // where place() last put the window
   std::optional<TimelineCursor<AnyEntry>> cursor_;
   std::optional<ui::WidgetLayout> layout_;
   bool layoutStale_ = true;  // the entry, appearance, scale or a live text changed since layout_

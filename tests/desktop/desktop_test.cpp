@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "desktop/desktop_harness.hpp"
+#include "desktop/host_dumps.hpp"
 
 namespace korvo::desktop_test {
 namespace {
@@ -16,63 +17,6 @@ using Json = nlohmann::json;
 
 constexpr int screenWidth = 1280;
 constexpr int screenHeight = 1024;
-
-// The shared file as the host application writes it, with the Codex weekly window `usedPercent`
-// used and a CPU temperature, all dated `unixNow` (Unix seconds).
-std::string usageSnapshot(int usedPercent, double temperature, double unixNow) {
-  const double now = unixNow - 978307200.0;
-  Json window{{"title", "Weekly"}, {"usedPercent", usedPercent}, {"resetsAt", now + 86400}};
-  Json codex{{"enabled", true},
-             {"snapshot", {{"windows", Json::array({window})}, {"fetchedAt", now}}},
-             {"isRefreshing", false}};
-  Json document{{"date", now},
-                {"temperature", temperature},
-                {"temperatureDate", now},
-                {"temperatureEnabled", true},
-                {"codex", codex},
-                {"claude", {{"enabled", false}, {"isRefreshing", false}}}};
-  return document.dump();
-}
-
-void collectTexts(const Json& node, std::vector<std::string>& texts) {
-  if (node.contains("text")) texts.push_back(node["text"].get<std::string>());
-  if (node.contains("children")) {
-    for (const auto& child : node["children"]) collectTexts(child, texts);
-  }
-}
-
-// Every text a dumped widget tree draws; empty when the dump is missing or half written.
-std::vector<std::string> dumpedTexts(const fs::path& file) {
-  const auto document = Json::parse(readFile(file), nullptr, false);
-  std::vector<std::string> texts;
-  if (document.is_object() && document.contains("tree")) collectTexts(document["tree"], texts);
-  return texts;
-}
-
-bool contains(const std::vector<std::string>& texts, const std::string& wanted) {
-  return std::find(texts.begin(), texts.end(), wanted) != texts.end();
-}
-
-// The clock moments (seconds since 2001) of the host's timeline requests for `kind`.
-std::vector<double> requestMoments(const std::string& log, const std::string& kind) {
-  std::vector<double> moments;
-  const std::string prefix = "timeline request for " + kind + " at ";
-  for (auto found = log.find(prefix); found != std::string::npos;
-       found = log.find(prefix, found + prefix.size())) {
-    moments.push_back(std::stod(log.substr(found + prefix.size())));
-  }
-  return moments;
-}
-
-const Json* findNode(const Json& node, const std::string& kind) {
-  if (node.value("kind", "") == kind) return &node;
-  if (node.contains("children")) {
-    for (const auto& child : node["children"]) {
-      if (const auto* found = findNode(child, kind)) return found;
-    }
-  }
-  return nullptr;
-}
 
 class DesktopHost : public testing::Test {
  protected:

@@ -52,6 +52,12 @@ TEST(PlacementsDocument, OmittedFieldsTakeTheKindsFirstFamilyTopRightAndSixteen)
                                       std::nullopt, ScreenAnchor::topRight, 16}));
 }
 
+TEST(PlacementsDocument, AnOutputNamesTheMonitorByItsConnector) {
+  const auto placements = placementsOf(parse(R"([{"kind": "awake", "output": "HDMI-A-1"}])"));
+  ASSERT_EQ(placements.size(), 1U);
+  EXPECT_EQ(placements[0].output, "HDMI-A-1");
+}
+
 TEST(PlacementsDocument, AnEmptyArrayPlacesNothing) {
   EXPECT_TRUE(placementsOf(parse("[]")).empty());
 }
@@ -98,7 +104,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadDocument{"NegativeMargin", R"([{"kind": "memory", "margin": -3}])",
                     "[0].margin: expected a number of pixels, 0 or more"},
         BadDocument{"UnknownKey", R"([{"kind": "memory", "colour": "red"}])",
-                    "[0].colour: unknown key (kind, family, position, anchor, margin)"}),
+                    "[0].colour: unknown key (kind, family, position, anchor, margin, output)"},
+        BadDocument{"EmptyOutput", R"([{"kind": "memory", "output": ""}])",
+                    "[0].output: expected a monitor's connector name such as \"DP-1\""},
+        BadDocument{"OutputNotAString", R"([{"kind": "memory", "output": 2}])",
+                    "[0].output: expected a monitor's connector name such as \"DP-1\""}),
     [](const auto& info) { return info.param.name; });
 
 TEST(WidgetArguments, KindWithOrWithoutFamilyStackAtTheTopRight) {

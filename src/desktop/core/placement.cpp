@@ -72,8 +72,9 @@ std::variant<Placement, PlacementError> placementFromJSON(const Json& item, std:
   if (!item.is_object()) return error(key, "expected an object with a \"kind\"");
   for (const auto& [name, value] : item.items()) {
     if (name != "kind" && name != "family" && name != "position" && name != "anchor" &&
-        name != "margin") {
-      return error(key + "." + name, "unknown key (kind, family, position, anchor, margin)");
+        name != "margin" && name != "output") {
+      return error(key + "." + name,
+                   "unknown key (kind, family, position, anchor, margin, output)");
     }
   }
   const auto kind = item.find("kind");
@@ -114,6 +115,12 @@ std::variant<Placement, PlacementError> placementFromJSON(const Json& item, std:
       return error(key + ".margin", "expected a number of pixels, 0 or more");
     }
     placement.margin = margin->get<double>();
+  }
+  if (const auto output = item.find("output"); output != item.end()) {
+    if (!output->is_string() || output->get<std::string>().empty()) {
+      return error(key + ".output", "expected a monitor's connector name such as \"DP-1\"");
+    }
+    placement.output = output->get<std::string>();
   }
   return placement;
 }

@@ -28,6 +28,8 @@ struct Placement {
   std::optional<ui::Point> position = std::nullopt;
   ScreenAnchor anchor = ScreenAnchor::topRight;
   double margin = defaultPlacementMargin;  // logical pixels from both edges of the corner
+  // The monitor's connector name ("DP-1"); absent, or not connected = the primary monitor.
+  std::optional<std::string> output = std::nullopt;
   friend bool operator==(const Placement&, const Placement&) = default;
 };
 
@@ -49,7 +51,7 @@ struct PlacementError {
 using PlacementsResult = std::variant<std::vector<Placement>, PlacementError>;
 
 // Reads the placements document: a JSON array of {kind, family?, position {x, y}? | anchor?,
-// margin?}. Family defaults to the kind's first; anchor to "top-right"; margin to 16.
+// margin?, output?}. Family defaults to the kind's first; anchor to "top-right"; margin to 16.
 PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup);
 
 // `--widget memory:medium`: a kind and an optional family, stacked at the top-right corner.

@@ -1,0 +1,604 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <cmath>
+#include <ctime>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "desktop/desktop_harness.hpp"
+#include "desktop/host_dumps.hpp"
+#include "desktop/wayland_harness.hpp"
+
+namespace korvo::desktop_test {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+constexpr int outputWidth = 1280;
+constexpr int outputHeight = 1024;
+// The background-layer surface below the widgets, and an ordinary window above them.
+constexpr const char* belowColor = "3366CC";
+constexpr const char* windowColor = "CC3333";
+
+// A widget where the placements file puts it, in logical pixels of the layout.
+struct Expected {
+  std::string what;
+  PixelRect rect;
+};
+
+PixelRect scaled(PixelRect rect, double scale) {
+  const auto times = [scale](int value) { return static_cast<int>(value * scale); };
+  return {times(rect.x), times(rect.y), times(rect.width), times(rect.height)};
+}
+
+PixelRect around(PixelRect rect, int border) {
+  return {rect.x - border, rect.y - border, rect.width + 2 * border, rect.height + 2 * border};
+}
+
+std::size_t occurrences(const std::string& text, const std::string& wanted) {
+  std::size_t count = 0;
+  for (auto at = text.find(wanted); at != std::string::npos; at = text.find(wanted, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+std::string describe(const std::optional<PixelRect>& rect) {
+  if (!rect) return "nothing";
+  std::ostringstream text;
+  text << rect->width << "x" << rect->height << " at " << rect->x << ", " << rect->y;
+  return text.str();
+}
+
+class WaylandHost : public testing::Test {
+ protected:
+  // Sway with `outputs` outputs at `scale`; skips the test when sway cannot start at all.
+  void startSway(double scale, int outputs = 1) {
+    ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
+    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
+      fs::create_directories(folder_.path() / name);
+    }
+    // The host draws with a theme whose colours are the renderer's defaults.
+    fs::create_directories(folder_.path() / "data" / "themes");
+    fs::create_directory_symlink(KORVO_FIXTURES_DIR "/themes/KorvoPlain",
+                                 folder_.path() / "data" / "themes" / "KorvoPlain");
+    handToTestUser(folder_.path());
+    scale_ = scale;
+    sway_ = std::make_unique<Sway>(outputWidth, outputHeight, scale, folder_.path(), outputs);
+    if (!sway_->failure().empty()) GTEST_SKIP() << sway_->failure();
+    environment_ = sway_->environment({
+        {"PATH", "/usr/bin:/bin"},
+        {"HOME", (folder_.path() / "home").string()},
+        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
+        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
+        // No system-wide handlers: only what a test registers opens korvo:// URLs.
+        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
+        {"GDK_BACKEND", "wayland"},
+        {"GTK_THEME", "KorvoPlain"},
+        {"NO_AT_BRIDGE", "1"},
+        {"LANG", "en_US.UTF-8"},
+        {"TZ", "UTC"},
+        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+        {"KORVO_HOST_DEBUG", "1"},
+        {"KORVO_TEST_URL_LOG", urlLog().string()},
+    });
+  }
+
+  void TearDown() override {
+    clients_.clear();
+    host_.reset();
+    sway_.reset();
+  }
+
+  void startHost(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {KORVO_BINARY, "run"});
+    host_ = std::make_unique<Process>(asTestUser(arguments), environment_,
+                                      folder_.path() / "host.out", hostLog());
+  }
+
+  void writePlacements(const std::string& json) {
+    writeFile(folder_.path() / "config" / "korvo-widgets" / "placements.json", json);
+  }
+
+  // A surface of the test's own: "background" (below the widgets, logging its clicks) or
+  // "window" (an ordinary window, which sway tiles over the whole output).
+  void startSurface(const std::string& layer, const std::string& color) {
+    clients_.push_back(std::make_unique<Process>(
+        asTestUser({"python3", KORVO_TEST_SURFACE, "--layer", layer, "--color", "#" + color,
+                    "--clicks", clicksBelow().string()}),
+        environment_, folder_.path() / (layer + ".out"), folder_.path() / (layer + ".err")));
+  }
+
+  void registerUrlRecorder() {
+    std::string entry = readFile(KORVO_HOST_DESKTOP_DIR "/korvo-test-handler.desktop.in");
+    entry.replace(entry.find("@RECORDER@"), 10, KORVO_HOST_DESKTOP_DIR "/record-url.sh");
+    writeFile(folder_.path() / "data" / "applications" / "korvo-test-handler.desktop", entry);
+    writeFile(folder_.path() / "config" / "mimeapps.list",
+              readFile(KORVO_HOST_DESKTOP_DIR "/mimeapps.list"));
+  }
+
+  fs::path snapshotFile() const {
+    return folder_.path() / "data" / "app-groups" / "group.com.tessmoor.Korvo" /
+           "usage-snapshot.json";
+  }
+  fs::path hostLog() const { return folder_.path() / "host.err"; }
+  std::size_t timesSaid(const std::string& text) const {
+    return occurrences(readFile(hostLog()), text);
+  }
+  fs::path urlLog() const { return folder_.path() / "urls.txt"; }
+  fs::path clicksBelow() const { return folder_.path() / "below.txt"; }
+  fs::path dump(const std::string& name) const { return folder_.path() / "dump" / name; }
+  fs::path screen() const { return folder_.path() / "screen.png"; }
+
+  std::vector<std::string> lines(const fs::path& file) const {
+    std::vector<std::string> result;
+    std::istringstream text(readFile(file));
+    for (std::string line; std::getline(text, line);) result.push_back(line);
+    return result;
+  }
+
+  // The colour of one layout point on a fresh screenshot.
+  std::string colorAt(int x, int y) {
+    sway_->screenshot(screen());
+    return pixel(screen(), static_cast<int>(x * scale_), static_cast<int>(y * scale_));
+  }
+
+  // Waits until every widget shows where expected (its painted box within a few pixels around
+  // it), then checks each one; the screenshot is kept in the build tree as `name` for a look.
+  void expectWidgetsAt(const std::vector<Expected>& widgets, const std::string& name) {
+    const auto found = [&](const Expected& widget) {
+      const auto want = scaled(widget.rect, scale_);
+      return paintedBounds(screen(), around(want, 6));
+    };
+    waitFor([&] {
+      sway_->screenshot(screen());
+      for (const auto& widget : widgets) {
+        if (found(widget) != scaled(widget.rect, scale_)) return false;
+      }
+      return true;
+    });
+    fs::copy_file(screen(), folder_.path() / name, fs::copy_options::overwrite_existing);
+    fs::copy_file(screen(), fs::path(KORVO_SCREENSHOT_DIR) / name,
+                  fs::copy_options::overwrite_existing);
+    for (const auto& widget : widgets) {
+      EXPECT_EQ(found(widget), scaled(widget.rect, scale_))
+          << widget.what << " is at " << describe(found(widget)) << ", not at "
+          << describe(scaled(widget.rect, scale_)) << "; host log:\n"
+          << readFile(hostLog());
+    }
+  }
+
+  TempFolder folder_;
+  double scale_ = 1;
+  std::unique_ptr<Sway> sway_;
+  Environment environment_;
+  std::unique_ptr<Process> host_;
+  std::vector<std::unique_ptr<Process>> clients_;
+};
+
+class WaylandPlacement : public WaylandHost, public testing::WithParamInterface<double> {};
+
+TEST_P(WaylandPlacement, EveryAnchorAndMarginLandsWhereThePlacementsSayOnTheBottomLayer) {
+  startSway(GetParam());
+  if (IsSkipped()) return;
+  writePlacements(R"([
+    {"kind": "memory", "anchor": "top-left", "margin": 24},
+    {"kind": "awake", "anchor": "top-right", "margin": 40},
+    {"kind": "temperature", "anchor": "top-right", "margin": 40},
+    {"kind": "usage", "family": "medium", "anchor": "bottom-left", "margin": 10},
+    {"kind": "awake", "anchor": "bottom-right"},
+    {"kind": "memory", "family": "medium", "position": {"x": 400, "y": 300}}
+  ])");
+  const std::vector<Expected> widgets{
+      {"memory at the top-left", {24, 24, 170, 170}},
+      {"awake at the top-right", {outputWidth - 40 - 170, 40, 170, 170}},
+      {"temperature stacked below it", {outputWidth - 40 - 170, 40 + 170 + 12, 170, 170}},
+      {"usage at the bottom-left", {10, outputHeight - 10 - 170, 364, 170}},
+      {"awake at the bottom-right", {outputWidth - 16 - 170, outputHeight - 16 - 170, 170, 170}},
+      {"medium memory at 400, 300", {400, 300, 364, 170}},
+  };
+  startHost({});
+  // The background layer comes after the widgets and still lies below them.
+  startSurface("background", belowColor);
+  ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == belowColor; }))
+      << readFile(folder_.path() / "background.err");
+  const auto name = "placements-scale-" + std::to_string(static_cast<int>(GetParam())) + ".png";
+  expectWidgetsAt(widgets, name);
+
+  // An ordinary window covers them all.
+  startSurface("window", windowColor);
+  ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == windowColor; }))
+      << readFile(folder_.path() / "window.err");
+  for (const auto& widget : widgets) {
+    EXPECT_EQ(
+        colorAt(widget.rect.x + widget.rect.width / 2, widget.rect.y + widget.rect.height / 2),
+        windowColor)
+        << widget.what << " shows above an ordinary window";
+  }
+  EXPECT_TRUE(host_->running()) << readFile(hostLog());
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, WaylandPlacement, testing::Values(1.0, 2.0), [](const auto& info) {
+  return "Scale" + std::to_string(int(info.param));
+});
+
+// The same card drawn by the host on a scale-2 output and by the headless renderer at 2x: a host
+// that drew at 1x and let the compositor stretch it would blur every edge and glyph.
+TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
+  startSway(2);
+  if (IsSkipped()) return;
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
+  startHost({});
+  startSurface("background", belowColor);
+  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "sharp.png");
+  const auto shown = folder_.path() / "shown.png";
+  crop(folder_.path() / "sharp.png", {32, 32, 340, 340}, shown);
+
+  const auto render = [&](const std::string& scale, const fs::path& file) {
+    const auto rendered = folder_.path() / ("render-" + scale + ".png");
+    const auto result = runCommand(
+        {KORVO_BINARY, "render", "awake", "--scale", scale, "-o", rendered.string()}, environment_);
+    ASSERT_EQ(result.exitStatus, 0);
+    runCommand({"convert", rendered.string(), "-resize", "340x340", "-background",
+                std::string("#") + belowColor, "-flatten", file.string()},
+               {{"PATH", "/usr/bin:/bin"}});
+  };
+  const auto sharp = folder_.path() / "expected-2x.png";
+  const auto stretched = folder_.path() / "stretched-1x.png";
+  render("2", sharp);
+  render("1", stretched);
+  const long pixels = 340 * 340;
+  const long differing = differingPixels(shown, sharp, 10);
+  const long blurred = differingPixels(stretched, sharp, 10);
+  RecordProperty("differing_pixels", std::to_string(differing));
+  RecordProperty("stretched_1x_differing_pixels", std::to_string(blurred));
+  std::printf("scale 2: %ld of %ld pixels differ from the 2x render; a stretched 1x render: %ld\n",
+              differing, pixels, blurred);
+  fs::copy_file(shown, fs::path(KORVO_SCREENSHOT_DIR) / "sharp-shown.png",
+                fs::copy_options::overwrite_existing);
+  ASSERT_GE(differing, 0) << "compare failed";
+  EXPECT_LT(differing, pixels / 200) << "the card differs from the 2x render in " << differing
+                                     << " pixels (a stretched 1x render: " << blurred << ")";
+  EXPECT_GT(blurred, 4 * std::max(differing, 1L)) << "the comparison cannot tell blur apart";
+}
+
+TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurfaceBelow) {
+  startSway(1);
+  if (IsSkipped()) return;
+  registerUrlRecorder();
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
+  startHost({});
+  startSurface("background", belowColor);
+  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "clicks.png");
+
+  // The surface below answers clicks where no widget is.
+  sway_->click(600, 600);
+  ASSERT_TRUE(waitFor([&] { return lines(clicksBelow()).size() == 1; }))
+      << "the background surface never saw a click";
+  EXPECT_EQ(lines(clicksBelow())[0], "600 600");
+
+  sway_->click(16 + 85, 16 + 85);
+  ASSERT_TRUE(waitFor([&] { return lines(urlLog()).size() == 1; }))
+      << "the handler never ran; host log:\n"
+      << readFile(hostLog());
+  EXPECT_EQ(lines(urlLog())[0], "korvo://awake");
+
+  // The window's top-left pixel lies outside the card's rounded corner.
+  sway_->click(16, 16);
+  ASSERT_TRUE(waitFor([&] { return lines(clicksBelow()).size() == 2; }))
+      << "a click beside the corner did not reach the surface below";
+  EXPECT_EQ(lines(clicksBelow())[1], "16 16");
+  EXPECT_EQ(lines(urlLog()).size(), 1U) << "the corner opened the widget's link";
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(WaylandHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNever) {
+  startSway(1);
+  if (IsSkipped()) return;
+  const double start = static_cast<double>(std::time(nullptr));
+  writeFile(snapshotFile(), usageSnapshot(10, 41, start));
+  // 300 clock seconds per real second: the 900-second reload comes after three real seconds.
+  startHost({"--widget", "usage:medium", "--widget", "awake", "--time-rate", "300", "--dump-dir",
+             (folder_.path() / "dump").string()});
+  const auto usageDump = dump("1-usage-medium.json");
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "90"); }))
+      << "the first entry never showed 90 % left; host log:\n"
+      << readFile(hostLog());
+
+  writeFile(snapshotFile(), usageSnapshot(37, 77, start));
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "63"); }))
+      << "no reload showed the new file; host log:\n"
+      << readFile(hostLog());
+  const auto changed = requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size();
+  ASSERT_TRUE(waitFor([&] {
+    return requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size() >= changed + 2;
+  }));
+  const auto log = readFile(hostLog());
+  const auto usage = requestMoments(log, "com.tessmoor.Korvo.usage");
+  for (std::size_t index = changed; index < usage.size(); ++index) {
+    EXPECT_GE(usage[index] - usage[index - 1], 900) << "a reload came early";
+  }
+  EXPECT_EQ(requestMoments(log, "com.tessmoor.Korvo.awake").size(), 1U) << log;
+  EXPECT_TRUE(host_->running());
+}
+
+// "Updated 2 min ago" moves on on screen, without a reload: the clock runs 30 times as fast, so a
+// minute passes every two real seconds and the next reload is half a minute away.
+TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
+  startSway(1);
+  if (IsSkipped()) return;
+  const double now = static_cast<double>(std::time(nullptr));
+  writeFile(snapshotFile(), usageSnapshot(10, 41, now, 150));
+  const auto rendered = runCommand({KORVO_BINARY, "render", "usage", "--family", "medium",
+                                    "--snapshot-file", snapshotFile().string(), "--format", "json"},
+                                   environment_);
+  ASSERT_EQ(rendered.exitStatus, 0);
+  const auto document = Json::parse(rendered.output);
+  const auto* footer = findNode(document["tree"], "relativeDate");
+  ASSERT_NE(footer, nullptr) << "the usage card has no relative date";
+  const auto& frame = (*footer)["frame"];
+  const PixelRect footerRect{16 + static_cast<int>(frame["x"].get<double>()),
+                             16 + static_cast<int>(frame["y"].get<double>()),
+                             static_cast<int>(std::ceil(frame["width"].get<double>())) + 1,
+                             static_cast<int>(std::ceil(frame["height"].get<double>())) + 1};
+  const PixelRect above{16, 16, 364, footerRect.y - 16};
+
+  writePlacements(R"([{"kind": "usage", "family": "medium", "anchor": "top-left", "margin": 16}])");
+  startHost({"--time-rate", "30"});
+  startSurface("background", belowColor);
+  expectWidgetsAt({{"usage", {16, 16, 364, 170}}}, "first.png");
+  crop(folder_.path() / "first.png", footerRect, folder_.path() / "footer-first.png");
+  crop(folder_.path() / "first.png", above, folder_.path() / "above-first.png");
+  const bool advanced = waitFor([&] {
+    sway_->screenshot(screen());
+    crop(screen(), footerRect, folder_.path() / "footer-now.png");
+    return differingPixels(folder_.path() / "footer-now.png", folder_.path() / "footer-first.png",
+                           10) > 0;
+  });
+  EXPECT_TRUE(advanced) << "the relative text never changed on screen";
+  crop(screen(), above, folder_.path() / "above-now.png");
+  EXPECT_EQ(
+      differingPixels(folder_.path() / "above-now.png", folder_.path() / "above-first.png", 10), 0)
+      << "more than the relative text changed";
+  fs::copy_file(screen(), fs::path(KORVO_SCREENSHOT_DIR) / "live-text-later.png",
+                fs::copy_options::overwrite_existing);
+}
+
+TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
+  startSway(1, 2);
+  if (IsSkipped()) return;
+  std::vector<SwayOutput> outputs;
+  ASSERT_TRUE(waitFor([&] {
+    outputs = sway_->outputs();
+    return outputs.size() == 2 && outputs[1].width == outputWidth;
+  })) << sway_->log();
+  const auto second = outputs[1];
+  ASSERT_EQ(second.name, "WL-2");
+  writePlacements(R"([
+    {"kind": "memory", "anchor": "top-left"},
+    {"kind": "awake", "anchor": "top-right", "output": "WL-2"}
+  ])");
+  startHost({});
+  const Expected memory{"memory on WL-1", {16, 16, 170, 170}};
+  const Expected awakeThere{"awake on WL-2",
+                            {second.x + second.width - 16 - 170, second.y + 16, 170, 170}};
+  expectWidgetsAt({memory, awakeThere}, "two-outputs.png");
+
+  // Unplugged: its widget comes over to the other output, which now has the outer's whole width.
+  ASSERT_TRUE(sway_->unplug("WL-2"));
+  ASSERT_TRUE(waitFor([&] {
+    outputs = sway_->outputs();
+    return outputs.size() == 1;
+  })) << sway_->log();
+  const Expected awakeHere{"awake moved to WL-1",
+                           {outputs[0].width - 16 - 170, outputs[0].y + 16, 170, 170}};
+  expectWidgetsAt({memory, awakeHere}, "unplugged.png");
+  EXPECT_TRUE(host_->running()) << readFile(hostLog());
+  EXPECT_NE(readFile(hostLog()).find("output WL-2 is unplugged or off; shown on WL-1"),
+            std::string::npos)
+      << readFile(hostLog());
+
+  EXPECT_EQ(timesSaid("output WL-2 is unplugged or off"), 1U) << readFile(hostLog());
+
+  // An output plugged in (the headless backend names it WL-3): nothing is lost, and the widget
+  // stays on WL-1, which has its first width again.
+  ASSERT_EQ(sway_->message({"create_output"}).exitStatus, 0);
+  ASSERT_TRUE(waitFor([&] {
+    outputs = sway_->outputs();
+    return outputs.size() == 2 && outputs[0].width == outputWidth;
+  })) << sway_->log();
+  const Expected awakeStill{"awake still on WL-1", {outputWidth - 16 - 170, 16, 170, 170}};
+  expectWidgetsAt({memory, awakeStill}, "plugged.png");
+  EXPECT_EQ(timesSaid("output WL-2 is unplugged or off"), 1U) << readFile(hostLog());
+  EXPECT_TRUE(host_->running()) << readFile(hostLog());
+}
+
+// The desktop's colour scheme comes from the portal (a fake one on a private session bus here);
+// switching it while the host runs repaints the cards.
+TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
+  startSway(1);
+  if (IsSkipped()) return;
+  const auto bus = folder_.path() / "bus";
+  const auto scheme = folder_.path() / "scheme";
+  writeFile(scheme, "2");
+  clients_.push_back(std::make_unique<Process>(
+      asTestUser({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + bus.string()}),
+      environment_, folder_.path() / "bus.out", folder_.path() / "bus.err"));
+  ASSERT_TRUE(waitFor([&] { return fs::exists(bus); })) << readFile(folder_.path() / "bus.err");
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus.string();
+  clients_.push_back(std::make_unique<Process>(
+      asTestUser({"python3", KORVO_TEST_PORTAL, scheme.string()}), environment_,
+      folder_.path() / "portal.out", folder_.path() / "portal.err"));
+  ASSERT_TRUE(waitFor([&] { return readFile(folder_.path() / "portal.out") == "ready\n"; }))
+      << readFile(folder_.path() / "portal.err");
+
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
+  startHost({});
+  // A point of the card's own background: inside its padding, clear of the corner. The backdrop
+  // is a gradient, so light and dark are told apart by brightness.
+  const int x = 16 + 8;
+  const int y = 16 + 85;
+  const auto brightness = [](const std::string& hex) {
+    return hex.size() == 6 ? std::stoi(hex.substr(2, 2), nullptr, 16) : -1;
+  };
+  std::string light;
+  ASSERT_TRUE(waitFor([&] {
+    light = colorAt(x, y);
+    return brightness(light) > 0xC0;
+  })) << "not light: "
+      << light;
+  sway_->screenshot(fs::path(KORVO_SCREENSHOT_DIR) / "scheme-light.png");
+  writeFile(scheme, "1");
+  std::string dark;
+  EXPECT_TRUE(waitFor([&] {
+    dark = colorAt(x, y);
+    return brightness(dark) >= 0 && brightness(dark) < 0x60;
+  })) << "not dark: "
+      << dark;
+  sway_->screenshot(fs::path(KORVO_SCREENSHOT_DIR) / "scheme-dark.png");
+  writeFile(scheme, "2");
+  EXPECT_TRUE(waitFor([&] { return colorAt(x, y) == light; }))
+      << "not light again: " << colorAt(x, y);
+  EXPECT_TRUE(host_->running());
+}
+
+// A compositor without layer-shell: weston, headless.
+class NoLayerShell : public testing::Test {
+ protected:
+  void start(bool xwayland) {
+    ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
+    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
+      fs::create_directories(folder_.path() / name);
+    }
+    handToTestUser(folder_.path());
+    weston_ = std::make_unique<Weston>(xwayland, folder_.path());
+    if (!weston_->failure().empty()) GTEST_SKIP() << weston_->failure();
+    environment_ = weston_->environment({
+        {"PATH", "/usr/bin:/bin"},
+        {"HOME", (folder_.path() / "home").string()},
+        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
+        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
+        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
+        {"NO_AT_BRIDGE", "1"},
+        {"LANG", "en_US.UTF-8"},
+        {"TZ", "UTC"},
+        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+    });
+    host_ = std::make_unique<Process>(
+        asTestUser({KORVO_BINARY, "run", "--widget", "awake", "--widget", "memory", "--dump-dir",
+                    (folder_.path() / "dump").string()}),
+        environment_, folder_.path() / "host.out", hostLog());
+  }
+
+  void TearDown() override {
+    host_.reset();
+    weston_.reset();
+  }
+
+  fs::path hostLog() const { return folder_.path() / "host.err"; }
+  std::size_t timesSaid(const std::string& text) const {
+    return occurrences(readFile(hostLog()), text);
+  }
+  // X tools run as the test user: XWayland lets in only the user of its compositor.
+  std::string x(const std::vector<std::string>& arguments) const {
+    return runCommand(asTestUser(arguments),
+                      {{"PATH", "/usr/bin:/bin"}, {"DISPLAY", weston_->xDisplay()}})
+        .output;
+  }
+  std::vector<std::string> visibleWidgets() const {
+    std::vector<std::string> ids;
+    std::istringstream found(
+        x({"xdotool", "search", "--onlyvisible", "--name", "^(Keep Awake|Memory)$"}));
+    for (std::string id; std::getline(found, id);) ids.push_back(id);
+    return ids;
+  }
+
+  TempFolder folder_;
+  std::unique_ptr<Weston> weston_;
+  Environment environment_;
+  std::unique_ptr<Process> host_;
+};
+
+TEST_F(NoLayerShell, WithXWaylandTheWidgetsRunThroughItAsOnX11AndTheHostSaysWhyOnce) {
+  start(true);
+  if (IsSkipped()) return;
+  std::vector<std::string> ids;
+  ASSERT_TRUE(waitFor([&] {
+    ids = visibleWidgets();
+    return ids.size() == 2;
+  })) << "the widgets never showed through XWayland; host log:\n"
+      << readFile(hostLog());
+  // Weston's window manager keeps the window type but writes _NET_WM_STATE itself, without the
+  // below, sticky and skip-taskbar states the host asks for; GNOME's keeps them.
+  for (const auto& id : ids) {
+    const auto type = x({"xprop", "-id", id, "_NET_WM_WINDOW_TYPE"});
+    EXPECT_NE(type.find("_NET_WM_WINDOW_TYPE_UTILITY"), std::string::npos) << type;
+  }
+  EXPECT_EQ(timesSaid("offers no layer-shell; the widgets run through XWayland"), 1U)
+      << readFile(hostLog());
+  EXPECT_TRUE(host_->running());
+}
+
+TEST_F(NoLayerShell, WithoutXWaylandTheWidgetsAreOrdinaryWindowsAndTheHostSaysSo) {
+  start(false);
+  if (IsSkipped()) return;
+  ASSERT_TRUE(waitFor([&] { return fs::exists(folder_.path() / "dump" / "2-memory-small.json"); }))
+      << readFile(hostLog());
+  EXPECT_EQ(timesSaid("offers neither layer-shell nor XWayland; the widgets are ordinary windows"),
+            1U)
+      << readFile(hostLog());
+  EXPECT_TRUE(host_->running()) << readFile(hostLog());
+}
+
+// GNOME's compositor keeps what the X11 hints ask for: below, sticky, out of the taskbar.
+TEST(GnomeCompositor, TheWidgetsRunThroughXWaylandBelowOnEveryWorkspaceOutOfTheTaskbar) {
+  ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
+  TempFolder folder;
+  for (const char* name : {"home", "config", "data", "data-dirs"}) {
+    fs::create_directories(folder.path() / name);
+  }
+  handToTestUser(folder.path());
+  Mutter mutter(folder.path());
+  if (!mutter.failure().empty()) GTEST_SKIP() << mutter.failure();
+  const auto environment = mutter.environment({
+      {"PATH", "/usr/bin:/bin"},
+      {"HOME", (folder.path() / "home").string()},
+      {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
+      {"XDG_DATA_HOME", (folder.path() / "data").string()},
+      {"XDG_DATA_DIRS", (folder.path() / "data-dirs").string()},
+      {"NO_AT_BRIDGE", "1"},
+      {"LANG", "en_US.UTF-8"},
+      {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+      {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+  });
+  const auto hostLog = folder.path() / "host.err";
+  Process host(asTestUser({KORVO_BINARY, "run", "--widget", "awake"}), environment,
+               folder.path() / "host.out", hostLog);
+  const auto x = [&](const std::vector<std::string>& arguments) {
+    return runCommand(asTestUser(arguments), environment).output;
+  };
+  std::string id;
+  ASSERT_TRUE(waitFor([&] {
+    id = x({"xdotool", "search", "--onlyvisible", "--name", "^Keep Awake$"});
+    return !id.empty();
+  })) << "the widget never showed through XWayland; host log:\n"
+      << readFile(hostLog);
+  id = id.substr(0, id.find('\n'));
+  const auto state = x({"xprop", "-id", id, "_NET_WM_STATE"});
+  EXPECT_NE(state.find("_NET_WM_STATE_BELOW"), std::string::npos) << state;
+  EXPECT_NE(state.find("_NET_WM_STATE_STICKY"), std::string::npos) << state;
+  EXPECT_NE(state.find("_NET_WM_STATE_SKIP_TASKBAR"), std::string::npos) << state;
+  EXPECT_NE(x({"xprop", "-id", id, "_NET_WM_DESKTOP"}).find("4294967295"), std::string::npos)
+      << "not on every workspace";
+  EXPECT_EQ(
+      occurrences(readFile(hostLog), "offers no layer-shell; the widgets run through XWayland"), 1U)
+      << readFile(hostLog);
+  EXPECT_TRUE(host.running());
+}
+
+}  // namespace
+}  // namespace korvo::desktop_test
