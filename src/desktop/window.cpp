@@ -251,7 +251,9 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
 
 gboolean WidgetWindow::closeRequested() {
   gtk_widget_hide(window_);
-  lost_(monitor_);
+  // Only a layer surface is closed for its output's sake; a window manager's close request just
+  // brings the widget back.
+  lost_(layerShell_ ? monitor_ : nullptr);
   return TRUE;
 }
 

@@ -22,7 +22,8 @@ namespace korvo::desktop {
 class WidgetWindow {
  public:
   // `index` numbers the window among the placements (from 1) for its dump file's name; `lost`
-  // runs with the window's monitor when the compositor took its surface away (the output went).
+  // runs when the window was closed from outside: with its monitor when the compositor took its
+  // layer surface away (the output went), with none when a window manager asked.
   WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
                const HostOptions& options, const AppearanceWatch& appearance,
                std::function<void(GdkMonitor*)> lost);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace korvo::desktop {
 namespace {
 
@@ -10,6 +12,10 @@ struct Case {
   DisplayFacts facts;
   DisplayChoice choice;
 };
+
+void PrintTo(const Case& one, std::ostream* out) {
+  *out << one.name;
+}
 
 class DisplayChoiceTable : public testing::TestWithParam<Case> {};
 

@@ -99,7 +99,7 @@ Sway::Sway(int width, int height, double scale, const fs::path& folder, int outp
                                fs::perms::others_read | fs::perms::others_exec);
   // The mode is in the output's pixels: the layout keeps `width` x `height` at any scale.
   const auto pixels = [scale](int length) { return std::to_string(std::lround(length * scale)); };
-  const std::string common = "default_border none\nfocus_follows_mouse no\n";
+  const std::string common = "default_border none\nfocus_follows_mouse no\nxwayland disable\n";
   SwayStart start;
   if (outputs == 1) {
     start = startSway(runtime_, folder_ / "sway.conf",
