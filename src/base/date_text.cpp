@@ -1,16 +1,16 @@
 #include "base/date_text.hpp"
 
-#include <unicode/datefmt.h>
-#include <unicode/fieldpos.h>
-#include <unicode/measfmt.h>
-#include <unicode/measunit.h>
-#include <unicode/measure.h>
-#include <unicode/unistr.h>
+#include <dlfcn.h>
 
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <filesystem>
 #include <limits>
-#include <memory>
-#include <vector>
+#include <string>
+#include <system_error>
+
+#include "base/date_text_module.hpp"
 
 namespace korvo {
 namespace {
@@ -18,28 +18,6 @@ namespace {
 constexpr double secondsPerMinute = 60;
 constexpr double secondsPerHour = 3600;
 constexpr double secondsPerDay = 86400;
-
-// ICU 72 puts a narrow no-break space before the day period ("1:44\u202FAM"); the widgets show the
-// ordinary space that users read everywhere else on the desktop.
-std::string toDisplayUtf8(const icu::UnicodeString& text) {
-  icu::UnicodeString copy(text);
-  copy.findAndReplace(icu::UnicodeString(static_cast<UChar>(0x202F)),
-                      icu::UnicodeString(static_cast<UChar>(0x20)));
-  std::string out;
-  copy.toUTF8String(out);
-  return out;
-}
-
-UDate icuMoment(Date moment) {
-  return moment.unixSeconds() * 1000.0;
-}
-
-std::string formatWith(icu::DateFormat* format, Date moment) {
-  if (format == nullptr || !std::isfinite(moment.secondsSinceReferenceDate)) return {};
-  icu::UnicodeString text;
-  format->format(icuMoment(moment), text);
-  return toDisplayUtf8(text);
-}
 
 // The granularity the span text shows at a given age: seconds under a minute, minutes under a day,
 // hours beyond.
@@ -49,51 +27,59 @@ double granularity(double age) {
   return secondsPerHour;
 }
 
+std::string noText(Date) {
+  return {};
+}
+
+std::string noSpan(Date, Date) {
+  return {};
+}
+
+// Where the module is: beside an installed program (bin/ one level below the prefix, the desktop
+// host in libexec/korvo-widgets/ two), else in the build tree the program was built in.
+std::filesystem::path modulePath() {
+  std::error_code error;
+  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (!error) {
+    const auto directory = executable.parent_path();
+    for (const auto& prefix : {directory / "..", directory / ".." / ".."}) {
+      const auto installed = prefix / KORVO_DATE_TEXT_MODULE_INSTALLED;
+      if (std::filesystem::is_regular_file(installed, error)) return installed.lexically_normal();
+    }
+  }
+  return KORVO_DATE_TEXT_MODULE_BUILT;
+}
+
+// The module's functions, loaded once; a module that cannot be loaded is said once on standard
+// error, and every date text is then empty rather than the program failing.
+const DateTextFunctions& functions() {
+  static const DateTextFunctions* loaded = [] {
+    static constexpr DateTextFunctions none{noText, noText, noSpan};
+    const std::string path = modulePath().string();
+    void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* entry = module != nullptr ? dlsym(module, dateTextEntryPoint) : nullptr;
+    if (entry == nullptr) {
+      std::fprintf(stderr, "%s: dates and times cannot be shown: %s\n",
+                   program_invocation_short_name, dlerror());
+      return &none;
+    }
+    return reinterpret_cast<DateTextEntryPoint>(entry)();
+  }();
+  return *loaded;
+}
+
 }  // namespace
 
 std::string shortTime(Date moment) {
-  std::unique_ptr<icu::DateFormat> format(
-      icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, icu::Locale::getDefault()));
-  return formatWith(format.get(), moment);
+  return functions().shortTime(moment);
 }
 
 std::string abbreviatedDateShortTime(Date moment) {
-  std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateTimeInstance(
-      icu::DateFormat::kMedium, icu::DateFormat::kShort, icu::Locale::getDefault()));
-  return formatWith(format.get(), moment);
+  return functions().abbreviatedDateShortTime(moment);
 }
 
 std::string relativeSpan(Date dataMoment, Date now) {
-  const double age = std::fabs(now.secondsSince(dataMoment));
-  if (!std::isfinite(age)) return {};
-  const double whole = std::floor(age);
-
-  UErrorCode status = U_ZERO_ERROR;
-  std::vector<icu::Measure> measures;
-  auto add = [&](double amount, icu::MeasureUnit* unit) {
-    measures.emplace_back(icu::Formattable(amount), unit, status);
-  };
-  if (whole < secondsPerMinute) {
-    add(whole, icu::MeasureUnit::createSecond(status));
-  } else if (whole < secondsPerHour) {
-    add(std::floor(whole / secondsPerMinute), icu::MeasureUnit::createMinute(status));
-  } else if (whole < secondsPerDay) {
-    const double minutes = std::floor(whole / secondsPerMinute);
-    add(std::floor(minutes / 60), icu::MeasureUnit::createHour(status));
-    if (std::fmod(minutes, 60) != 0)
-      add(std::fmod(minutes, 60), icu::MeasureUnit::createMinute(status));
-  } else {
-    const double hours = std::floor(whole / secondsPerHour);
-    add(std::floor(hours / 24), icu::MeasureUnit::createDay(status));
-    if (std::fmod(hours, 24) != 0) add(std::fmod(hours, 24), icu::MeasureUnit::createHour(status));
-  }
-  icu::MeasureFormat format(icu::Locale::getDefault(), UMEASFMT_WIDTH_SHORT, status);
-  icu::UnicodeString text;
-  icu::FieldPosition position(icu::FieldPosition::DONT_CARE);
-  format.formatMeasures(measures.data(), static_cast<int32_t>(measures.size()), text, position,
-                        status);
-  if (U_FAILURE(status)) return {};
-  return toDisplayUtf8(text);
+  return functions().relativeSpan(dataMoment, now);
 }
 
 Date nextRelativeSpanChange(Date dataMoment, Date now) {
