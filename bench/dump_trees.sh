@@ -59,9 +59,10 @@ done < <(families)
 # The command line's own outputs.
 "$binary" list > "$out/list.txt"
 "$binary" list --json > "$out/list.json"
-"$binary" memory --json > "$out/memory.json"
-"$binary" memory > "$out/memory.txt"
-"$binary" snapshot check > "$out/snapshot-check.txt" 2>&1 || true
+# The reading's moment is the clock's, and the scratch folder's name changes from run to run.
+"$binary" memory --json | grep -v timestamp > "$out/memory.json"
+"$binary" memory | grep -v timestamp > "$out/memory.txt"
+"$binary" snapshot check 2>&1 | sed "s|$scratch|SCRATCH|g" > "$out/snapshot-check.txt" || true
 for kind in memory usage temperature; do
   "$binary" status "$kind" --format waybar > "$out/status-$kind.json" 2>&1 || true
 done

@@ -1,16 +1,10 @@
 #include "base/date_text.hpp"
 
-#include <dlfcn.h>
-
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <filesystem>
 #include <limits>
-#include <string>
-#include <system_error>
 
 #include "base/date_text_module.hpp"
+#include "base/module.hpp"
 
 namespace korvo {
 namespace {
@@ -35,35 +29,14 @@ std::string noSpan(Date, Date) {
   return {};
 }
 
-// Where the module is: beside an installed program (bin/ one level below the prefix, the desktop
-// host in libexec/korvo-widgets/ two), else in the build tree the program was built in.
-std::filesystem::path modulePath() {
-  std::error_code error;
-  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (!error) {
-    const auto directory = executable.parent_path();
-    for (const auto& prefix : {directory / "..", directory / ".." / ".."}) {
-      const auto installed = prefix / KORVO_DATE_TEXT_MODULE_INSTALLED;
-      if (std::filesystem::is_regular_file(installed, error)) return installed.lexically_normal();
-    }
-  }
-  return KORVO_DATE_TEXT_MODULE_BUILT;
-}
-
-// The module's functions, loaded once; a module that cannot be loaded is said once on standard
-// error, and every date text is then empty rather than the program failing.
+// The module's functions, loaded once; when it cannot be loaded (said on standard error) every
+// date text is empty rather than the program failing.
 const DateTextFunctions& functions() {
   static const DateTextFunctions* loaded = [] {
     static constexpr DateTextFunctions none{noText, noText, noSpan};
-    const std::string path = modulePath().string();
-    void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* entry = module != nullptr ? dlsym(module, dateTextEntryPoint) : nullptr;
-    if (entry == nullptr) {
-      std::fprintf(stderr, "%s: dates and times cannot be shown: %s\n",
-                   program_invocation_short_name, dlerror());
-      return &none;
-    }
-    return reinterpret_cast<DateTextEntryPoint>(entry)();
+    void* entry = loadModuleEntry(KORVO_DATE_TEXT_MODULE_INSTALLED, KORVO_DATE_TEXT_MODULE_BUILT,
+                                  dateTextEntryPoint);
+    return entry == nullptr ? &none : reinterpret_cast<DateTextEntryPoint>(entry)();
   }();
   return *loaded;
 }
