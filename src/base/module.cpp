@@ -28,7 +28,7 @@ std::filesystem::path modulePath(const char* installed, const char* built) {
 
 void* loadModuleEntry(const char* installed, const char* built, const char* entryPoint) {
   const std::string path = modulePath(installed, built).string();
-  void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* module = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
   void* entry = module != nullptr ? dlsym(module, entryPoint) : nullptr;
   if (entry == nullptr) {
     std::fprintf(stderr, "%s: cannot load %s\n", program_invocation_short_name, dlerror());
