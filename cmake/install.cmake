@@ -11,6 +11,10 @@ install(CODE "set(KORVO_INSTALL_STEP check-prefix)
   include(\"${PROJECT_SOURCE_DIR}/cmake/install_step.cmake\")")
 
 install(TARGETS korvo-widgets RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+# Every program loads its date texts from here (src/base/date_text.cpp), and the command line its
+# renderer (src/cli/render_widget.cpp).
+install(TARGETS korvo_date_text korvo_render_module
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/korvo-widgets")
 if(TARGET korvo-widgets-desktop)
   # `korvo-widgets run` looks for the host here (src/cli/desktop_launch.cpp).
   install(TARGETS korvo-widgets-desktop

@@ -109,8 +109,9 @@ struct PangoTextMeasurer::Impl {
   };
 
   std::size_t capacity;
-  PangoFontMap* fontMap = pango_cairo_font_map_new();
-  PangoContext* context = pango_font_map_create_context(fontMap);
+  // The font map the painter draws with (pango_cairo_create_layout), so fonts are found, opened
+  // and kept once per process rather than once for measuring and again for painting.
+  PangoContext* context = pango_font_map_create_context(pango_cairo_font_map_get_default());
   PangoLayout* layout = nullptr;
   std::list<Entry> recent;  // most recently used first
   std::unordered_map<Key, std::list<Entry>::iterator, KeyHash, KeyEqual> index;
@@ -123,7 +124,6 @@ struct PangoTextMeasurer::Impl {
   ~Impl() {
     g_object_unref(layout);
     g_object_unref(context);
-    g_object_unref(fontMap);
   }
 
   const TextMetrics* find(const Key& key) {

@@ -80,6 +80,8 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
   std::vector<std::string> expected{
       "bin/korvo-widgets",
       "libexec/korvo-widgets/korvo-widgets-desktop",
+      "lib/korvo-widgets/korvo-render.so",
+      "lib/korvo-widgets/korvo-date-text.so",
       "share/korvo-widgets/Info.json",
       "share/applications/com.tessmoor.Korvo.Widgets.desktop",
       "etc/xdg/autostart/com.tessmoor.Korvo.Widgets.desktop",
