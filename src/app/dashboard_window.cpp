@@ -115,7 +115,8 @@ void DashboardWindow::mapped() {
   pageChanged();
   if (ticker_ == 0) {
     ticker_ = g_timeout_add_seconds(
-        1, +[](gpointer self) { return static_cast<DashboardWindow*>(self)->tick(); }, this);
+        1, +[](gpointer self) -> gboolean { return static_cast<DashboardWindow*>(self)->tick(); },
+        this);
   }
 }
 
@@ -154,10 +155,15 @@ void DashboardWindow::reloadSettings() {
 }
 
 void DashboardWindow::appearanceChanged() {
+  // GTK's own widgets follow the scheme the cards follow. Set only on a change: every set
+  // reloads the theme and tells the watch again.
   GtkSettings* settings = gtk_settings_get_default();
+  const gboolean dark = appearance_.scheme() == ui::ColorScheme::dark;
+  gboolean prefersDark = FALSE;
   if (settings != nullptr) {
-    g_object_set(settings, "gtk-application-prefer-dark-theme",
-                 appearance_.scheme() == ui::ColorScheme::dark, nullptr);
+    g_object_get(settings, "gtk-application-prefer-dark-theme", &prefersDark, nullptr);
+    if (prefersDark != dark)
+      g_object_set(settings, "gtk-application-prefer-dark-theme", dark, nullptr);
   }
   gtk_widget_queue_draw(window_);
 }

@@ -95,7 +95,7 @@ void HostApplication::startup() {
   for (auto [index, number] : {std::pair{0, SIGTERM}, std::pair{1, SIGINT}}) {
     signals_[index] = g_unix_signal_add(
         number,
-        +[](gpointer self) {
+        +[](gpointer self) -> gboolean {
           hostOf(self).quit();
           return G_SOURCE_CONTINUE;
         },
@@ -123,7 +123,7 @@ void HostApplication::startup() {
   showFigure();
   figureTimer_ = g_timeout_add_seconds(
       figureSeconds,
-      +[](gpointer self) {
+      +[](gpointer self) -> gboolean {
         hostOf(self).showFigure();
         return G_SOURCE_CONTINUE;
       },
@@ -156,6 +156,11 @@ int HostApplication::commandLine(GApplicationCommandLine* invocation) {
     status = app::exitUsage;
   }
   g_application_command_line_set_exit_status(invocation, status);
+  // A first instance started for a command it could not carry out does not stay on as the
+  // service; only `korvo service` and a shown dashboard keep it.
+  if (status != app::exitSuccess && !g_application_command_line_get_is_remote(invocation)) {
+    quit();
+  }
   return status;
 }
 
