@@ -135,8 +135,12 @@ gboolean DashboardWindow::tick() {
 }
 
 void DashboardWindow::pageChanged() {
-  if (!mapped_) return;
   const char* name = gtk_stack_get_visible_child_name(GTK_STACK(stack_));
+  // The notice speaks of the link that opened AI; another page leaves it behind.
+  if (name != nullptr && std::string_view(name) != rawValue(DashboardTab::ai)) {
+    gtk_widget_hide(notice_);
+  }
+  if (!mapped_) return;
   if (name != nullptr && std::string_view(name) == rawValue(DashboardTab::memory)) {
     memory_.refresh(current_.memoryDisplayMode);
   }

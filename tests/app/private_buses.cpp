@@ -41,6 +41,8 @@ std::string call(const Environment& environment, bool system, const std::string&
   std::vector<std::string> words{"gdbus",  "call",      system ? "--system" : "--session",
                                  "--dest", destination, "--object-path",
                                  path,     "--method",  method};
+  // Arguments such as -1 are values, not options.
+  if (!arguments.empty()) words.push_back("--");
   words.insert(words.end(), arguments.begin(), arguments.end());
   return runCommand(words, environment).output;
 }

@@ -14,7 +14,7 @@
 namespace korvo {
 namespace {
 
-using testing::HasSubstr;
+using ::testing::HasSubstr;
 
 // The page's switches in the order it shows them: CPU temperature, Codex, Claude.
 std::vector<GtkSwitch*> switchesOf(GtkWidget* widget) {
@@ -31,7 +31,7 @@ std::vector<GtkSwitch*> switchesOf(GtkWidget* widget) {
   return found;
 }
 
-class SettingsPageTest : public testing::Test {
+class SettingsPageTest : public ::testing::Test {
  protected:
   void SetUp() override {
     server = std::make_unique<desktop_test::XServer>(640, 480, world.home());
@@ -39,12 +39,14 @@ class SettingsPageTest : public testing::Test {
     environment.set("DISPLAY", server->display());
     environment.set("GDK_BACKEND", "x11");
     environment.set("NO_AT_BRIDGE", "1");
+    // No session bus here: GTK's own settings stay in memory instead of reaching for dconf.
+    environment.set("GSETTINGS_BACKEND", "memory");
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
   }
 
   testing_support::KorvoWorld world;
   std::unique_ptr<desktop_test::XServer> server;
-  testing::ScopedEnvironment environment;
+  korvo::testing::ScopedEnvironment environment;
 };
 
 TEST_F(SettingsPageTest, TurningCpuTemperatureOffWritesTheFileAtOnceAndTheWidgetAsksToEnableIt) {

@@ -35,7 +35,7 @@ class TrayIndicatorTest : public testing::Test {
         {"DBUS_SESSION_BUS_ADDRESS", bus->address()},
         {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (folder.path() / "no-bus").string()},
         {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/hwmon/coretemp_two_packages"},
+        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
         {"KORVO_DASHBOARD_DUMP", (folder.path() / "dashboard.json").string()},
     };
     mock = std::make_unique<bus_test::Mock>(
@@ -100,8 +100,14 @@ TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
                      {"org.kde.StatusNotifierItem", "XAyatanaLabel"});
   EXPECT_THAT(label, HasSubstr("%")) << "the memory figure in the default mode, usedPercent";
 
-  const auto layout = bus_test::call(environment, false, name[1], menu[1],
-                                     "com.canonical.dbusmenu.GetLayout", {"0", "-1", "[]"});
+  // The menu is exported once the main loop has run after the registration.
+  std::string layout;
+  EXPECT_TRUE(waitFor([&] {
+    layout = bus_test::call(environment, false, name[1], menu[1],
+                            "com.canonical.dbusmenu.GetLayout", {"0", "-1", "@as []"});
+    return layout.find("'label'") != std::string::npos;
+  })) << "no menu at "
+      << name[1] << " " << menu[1];
   for (const auto& [title, expected] :
        {std::pair{"Awake", "awake"}, std::pair{"AI", "ai"}, std::pair{"Mem", "memory"},
         std::pair{"Settings", "settings"}}) {
