@@ -29,9 +29,6 @@ new_bus() {
   pids+=($(cat "$1.pid"))
   export DBUS_SESSION_BUS_ADDRESS="unix:path=$1"
 }
-wait_for() { for _ in $(seq 1 600); do if eval "$1"; then return 0; fi; sleep 0.05; done; return 1; }
-owned() { gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
-  --method org.freedesktop.DBus.NameHasOwner "$1" 2>/dev/null | grep -q true; }
 status_kb() { awk -v key="$2:" '$1 == key { print $2 }' "/proc/$1/status"; }
 pss_kb() { awk '$1 == "Pss:" { print $2 }' "/proc/$1/smaps_rollup"; }
 wakeups() { cat /proc/"$1"/task/*/status | awk '/^voluntary_ctxt_switches/ { sum += $2 } END { print sum }'; }
@@ -42,7 +39,7 @@ new_bus "$work/bus"
 /usr/bin/python3 -m dbusmock --session org.gnome.SessionManager /org/gnome/SessionManager \
   org.gnome.SessionManager >"$work/mock.log" 2>&1 &
 pids+=($!)
-wait_for "owned org.gnome.SessionManager"
+wait_for "bus_owned org.gnome.SessionManager"
 gdbus call --session --dest org.gnome.SessionManager --object-path /org/gnome/SessionManager \
   --method org.freedesktop.DBus.Mock.AddMethod '' Inhibit susu u 'ret = 42' >/dev/null
 gdbus call --session --dest org.gnome.SessionManager --object-path /org/gnome/SessionManager \
@@ -54,7 +51,7 @@ pids+=($service)
 "$widgets" run 2>"$work/host.log" &  # execs the desktop host: same process
 host=$!
 pids+=($host)
-wait_for "owned com.tessmoor.Korvo && owned com.tessmoor.Korvo.Widgets"
+wait_for "bus_owned com.tessmoor.Korvo && bus_owned com.tessmoor.Korvo.Widgets"
 sleep 5  # both settle: first publication, first layout
 
 measure() {  # label

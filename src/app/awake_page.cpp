@@ -104,8 +104,10 @@ void AwakePage::refresh() {
         (held.empty() ? "" : ", ") +
         (inhibitor == Inhibitor::logind ? _("logind (idle and sleep)") : _("the session (idle)"));
   }
-  gtk_label_set_text(GTK_LABEL(inhibitors_),
-                     session ? (_("Inhibitors held: ") + held).c_str() : "");
+  gtk_label_set_text(GTK_LABEL(inhibitors_), (_("Inhibitors held: ") + held).c_str());
+  // Without a session there is no countdown and nothing held: no empty lines either.
+  gtk_widget_set_visible(inhibitors_, session.has_value());
+  gtk_widget_set_visible(countdown_, session.has_value());
   gtk_button_set_label(GTK_BUTTON(extend_),
                        (_("Extend by ") + std::to_string(defaultMinutes()) + _(" min")).c_str());
   gtk_widget_set_sensitive(stop_, session.has_value());

@@ -85,6 +85,9 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
 }
 
 DashboardWindow::~DashboardWindow() {
+  // Destroying unmaps: nothing of this object may run from here on.
+  g_signal_handlers_disconnect_by_data(window_, this);
+  g_signal_handlers_disconnect_by_data(stack_, this);
   if (ticker_ != 0) g_source_remove(ticker_);
   gtk_widget_destroy(window_);
 }

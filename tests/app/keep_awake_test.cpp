@@ -134,9 +134,12 @@ TEST_F(KeepAwakeTest, StopClosesLogindsDescriptorAndUninhibitsTheSession) {
   EXPECT_FALSE(std::filesystem::exists(stateFile()));
 }
 
-TEST_F(KeepAwakeTest, TheSessionEndsAtItsEndAndReleasesBoth) {
+TEST_F(KeepAwakeTest, TheSessionEndsAtItsEndReleasesBothAndSaysSo) {
   mockLogind();
   mockSessionManager();
+  mocks.push_back(std::make_unique<Mock>(
+      buses, world.home(), std::vector<std::string>{"--template", "notification_daemon"},
+      "org.freedesktop.Notifications", false));
   startService({{"KORVO_TIME_RATE", "60"}});  // two minutes pass in two seconds
   ASSERT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
   EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
@@ -146,6 +149,8 @@ TEST_F(KeepAwakeTest, TheSessionEndsAtItsEndAndReleasesBoth) {
            std::string::npos;
   }));
   EXPECT_EQ(status()["active"], false);
+  EXPECT_THAT(callsTo("org.freedesktop.Notifications", "/org/freedesktop/Notifications"),
+              HasSubstr("'Keep Awake ended'"));
 }
 
 TEST_F(KeepAwakeTest, AKilledServiceLeavesNoLogindInhibitorBehind) {
