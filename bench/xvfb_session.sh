@@ -20,3 +20,12 @@ xvfb_session_cleanup() {
   wait 2>/dev/null || true
   rm -rf "$work"
 }
+
+# Polls the shell condition $1 every 50 ms for up to 30 s; fails when it never holds.
+wait_for() { for _ in $(seq 1 600); do if eval "$1"; then return 0; fi; sleep 0.05; done; return 1; }
+
+# Whether the bus name $1 has an owner on the session bus.
+bus_owned() {
+  gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+    --method org.freedesktop.DBus.NameHasOwner "$1" 2>/dev/null | grep -q true
+}

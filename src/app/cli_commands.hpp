@@ -11,6 +11,5 @@ void addTemperatureCommand(CLI::App& app, int& exitCode);
 void addCodexCommand(CLI::App& app, int& exitCode);
 void addClaudeStatusLineCommand(CLI::App& app, int& exitCode);
 void addSettingsCommand(CLI::App& app, int& exitCode);
-void addServiceCommand(CLI::App& app, int& exitCode);
 
 }  // namespace korvo::app

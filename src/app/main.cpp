@@ -4,6 +4,8 @@
 
 #include "app/cli_commands.hpp"
 #include "app/exit_codes.hpp"
+#include "app/hand_over.hpp"
+#include "app/host_command.hpp"
 
 namespace {
 
@@ -18,18 +20,26 @@ int main(int argc, char** argv) {
   // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
   std::setlocale(LC_ALL, "");
 
-  CLI::App app("Korvo: publishes the CPU temperature and the AI limits for the widgets.", "korvo");
-  app.require_subcommand(1);
+  CLI::App app(
+      "Korvo: the dashboard behind the widgets, Keep Awake sessions, and the service that "
+      "publishes the CPU temperature and the AI limits for the widgets. Without a command: the "
+      "dashboard.",
+      "korvo");
+  app.require_subcommand(0, 1);
   int exitCode = korvo::app::exitSuccess;
   korvo::app::addPublishCommand(app, exitCode);
   korvo::app::addTemperatureCommand(app, exitCode);
   korvo::app::addCodexCommand(app, exitCode);
   korvo::app::addClaudeStatusLineCommand(app, exitCode);
   korvo::app::addSettingsCommand(app, exitCode);
-  korvo::app::addServiceCommand(app, exitCode);
+  std::optional<korvo::HostCommand> hostCommand;
+  korvo::addHostCommands(app, hostCommand);
 
   try {
     app.parse(argc, argv);
+    // The dashboard, the service and Keep Awake live in the GTK instance; the arguments are
+    // checked here so that a mistake is told before any toolkit loads.
+    if (hostCommand || app.get_subcommands().empty()) korvo::app::handOver(argc, argv);
   } catch (const CLI::CallForHelp& help) {
     return app.exit(help);
   } catch (const CLI::CallForAllHelp& help) {

@@ -5,7 +5,8 @@
 namespace korvo::desktop {
 
 // Shows a short desktop notification through the session's notification service, without
-// waiting for an answer; does nothing when there is no session bus.
-void sendNotification(const std::string& summary, const std::string& body);
+// waiting for an answer; does nothing when there is no session bus. `application` names the sender.
+void sendNotification(const std::string& summary, const std::string& body,
+                      const std::string& application = "Korvo Widgets");
 
 }  // namespace korvo::desktop

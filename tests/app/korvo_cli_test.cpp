@@ -179,7 +179,17 @@ TEST(KorvoCommandLineTest, UnknownCommandsAndOptionsAreUsageErrors) {
   EXPECT_EQ(world.korvo({"frobnicate"}).exitCode, 2);
   EXPECT_EQ(world.korvo({"publish", "--loud"}).exitCode, 2);
   EXPECT_EQ(world.korvo({"claude-statusline", "--install", "--uninstall"}).exitCode, 2);
-  EXPECT_EQ(world.korvo({}).exitCode, 2);
+}
+
+TEST(KorvoCommandLineTest, WithoutADisplayTheDashboardSaysSoAndNothingStaysBehind) {
+  KorvoWorld world;
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{}, std::vector<std::string>{"open", "korvo://awake"}}) {
+    const auto result = world.korvo(args);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.err, StartsWith("korvo: no display to show the dashboard on"));
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+  }
 }
 
 }  // namespace

@@ -1,0 +1,66 @@
+#include "app/awake_session.hpp"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+namespace {
+
+constexpr Date now{816399900};
+
+TEST(AwakeSessionTest, StartEndsAfterTheDurationOrNever) {
+  EXPECT_EQ(startedSession(now, AwakeDuration{120}), AwakeSession{Date{816400020}});
+  EXPECT_EQ(startedSession(now, AwakeDuration{}), AwakeSession{});
+}
+
+TEST(AwakeSessionTest, ExtendAddsToTheEnd) {
+  const AwakeSession running{Date{816400020}};
+  EXPECT_EQ(extendedSession(running, now, AwakeDuration{5400}), AwakeSession{Date{816405420}});
+  EXPECT_EQ(extendedSession(running, now, AwakeDuration{}), AwakeSession{});
+  EXPECT_EQ(extendedSession(AwakeSession{}, now, AwakeDuration{60}), AwakeSession{});
+}
+
+TEST(AwakeSessionTest, ExtendStartsASessionWhenNoneRunsOrItsEndPassed) {
+  EXPECT_EQ(extendedSession(std::nullopt, now, AwakeDuration{60}), AwakeSession{Date{816399960}});
+  EXPECT_EQ(extendedSession(AwakeSession{Date{816399000}}, now, AwakeDuration{60}),
+            AwakeSession{Date{816399960}});
+}
+
+TEST(AwakeSessionTest, TheStateFileReadsBackWhatWasWritten) {
+  for (const AwakeSession& session : {AwakeSession{Date{816400020.5}}, AwakeSession{}}) {
+    EXPECT_EQ(std::get<AwakeSession>(parseAwakeState(awakeStateDocument(session))), session);
+  }
+  EXPECT_EQ(awakeStateDocument(AwakeSession{Date{816400020}}),
+            "{\"endsAt\":816400020.0,\"indefinite\":false}\n");
+}
+
+TEST(AwakeSessionTest, ABadStateFileNamesItsFault) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "empty"},
+      {"[]", "object"},
+      {R"({"endsAt":1})", "indefinite"},
+      {R"({"indefinite":false})", "endsAt"},
+      {R"({"indefinite":false,"endsAt":"soon"})", "endsAt"},
+      {R"({"indefinite":1,"endsAt":5})", "indefinite"},
+  };
+  for (const auto& [json, fault] : cases) {
+    const auto parsed = parseAwakeState(json);
+    ASSERT_TRUE(std::holds_alternative<DecodeFailure>(parsed)) << json;
+    EXPECT_NE(std::get<DecodeFailure>(parsed).reason.find(fault), std::string::npos)
+        << json << ": " << std::get<DecodeFailure>(parsed).reason;
+  }
+}
+
+TEST(AwakeSessionTest, StatusDocumentHasTheFourKeys) {
+  EXPECT_EQ(
+      awakeStatusDocument(AwakeSession{Date{816400020}}, {Inhibitor::logind, Inhibitor::session})
+          .dump(),
+      R"({"active":true,"endsAt":816400020.0,"indefinite":false,)"
+      R"("inhibitors":["logind","session"]})");
+  EXPECT_EQ(awakeStatusDocument(AwakeSession{}, {Inhibitor::session}).dump(),
+            R"({"active":true,"endsAt":null,"indefinite":true,"inhibitors":["session"]})");
+  EXPECT_EQ(awakeStatusDocument(std::nullopt, {}).dump(),
+            R"({"active":false,"endsAt":null,"indefinite":false,"inhibitors":[]})");
+}
+
+}  // namespace
+}  // namespace korvo

@@ -1,0 +1,128 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "app/private_buses.hpp"
+
+// The status icon against a mock org.kde.StatusNotifierWatcher on a private session bus: the
+// service registers its item, and the item's menu (exported over dbusmenu) opens the tabs.
+namespace korvo {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace desktop_test;
+using testing::HasSubstr;
+
+constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
+
+class TrayIndicatorTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    server = std::make_unique<XServer>(1024, 768, folder.path());
+    bus = std::make_unique<bus_test::PrivateBus>(folder.path(), "session");
+    environment = {
+        {"PATH", "/usr/bin:/bin"},
+        {"HOME", folder.path().string()},
+        {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
+        {"XDG_DATA_HOME", (folder.path() / "data").string()},
+        {"XDG_STATE_HOME", (folder.path() / "state").string()},
+        {"DISPLAY", server->display()},
+        {"GDK_BACKEND", "x11"},
+        {"NO_AT_BRIDGE", "1"},
+        {"LANG", "C.UTF-8"},
+        {"DBUS_SESSION_BUS_ADDRESS", bus->address()},
+        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (folder.path() / "no-bus").string()},
+        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+        {"KORVO_DASHBOARD_DUMP", (folder.path() / "dashboard.json").string()},
+    };
+    mock = std::make_unique<bus_test::Mock>(
+        environment, folder.path(),
+        std::vector<std::string>{watcher, "/StatusNotifierWatcher", watcher}, watcher, false);
+    mockCall("AddMethod", {"", "RegisterStatusNotifierItem", "s", "", ""});
+    mockCall("AddMethod", {"", "RegisterStatusNotifierHost", "s", "", ""});
+    mockCall("AddProperty", {"", "IsStatusNotifierHostRegistered", "<true>"});
+    mockCall("AddProperty", {"", "ProtocolVersion", "<0>"});
+    mockCall("AddProperty", {"", "RegisteredStatusNotifierItems", "<@as []>"});
+  }
+  void TearDown() override {
+    service.reset();
+    mock.reset();
+    bus.reset();
+    server.reset();
+  }
+  std::string mockCall(const std::string& method, const std::vector<std::string>& arguments) {
+    return bus_test::call(environment, false, watcher, "/StatusNotifierWatcher",
+                          "org.freedesktop.DBus.Mock." + method, arguments);
+  }
+  std::string page() const {
+    const auto text = readFile(folder.path() / "dashboard.json");
+    return text.empty() ? "" : nlohmann::json::parse(text).value("page", "");
+  }
+
+  TempFolder folder;
+  std::unique_ptr<XServer> server;
+  std::unique_ptr<bus_test::PrivateBus> bus;
+  std::unique_ptr<bus_test::Mock> mock;
+  Environment environment;
+  std::unique_ptr<Process> service;
+};
+
+TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
+  service =
+      std::make_unique<Process>(std::vector<std::string>{KORVO_APP_BINARY, "service"}, environment,
+                                folder.path() / "service.out", folder.path() / "service.err");
+  std::string calls;
+  ASSERT_TRUE(waitFor([&] {
+    calls = mockCall("GetCalls", {});
+    return calls.find("RegisterStatusNotifierItem") != std::string::npos;
+  })) << readFile(folder.path() / "service.err");
+  std::smatch path;
+  ASSERT_TRUE(
+      std::regex_search(calls, path, std::regex("'RegisterStatusNotifierItem', \\[<'([^']+)'>")))
+      << calls;
+
+  const auto owner =
+      bus_test::call(environment, false, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                     "org.freedesktop.DBus.GetNameOwner", {"com.tessmoor.Korvo"});
+  std::smatch name;
+  ASSERT_TRUE(std::regex_search(owner, name, std::regex("'([^']+)'"))) << owner;
+  const std::string itemPath = path[1].str().front() == '/' ? path[1].str() : "/StatusNotifierItem";
+  const auto menuReply =
+      bus_test::call(environment, false, name[1], itemPath, "org.freedesktop.DBus.Properties.Get",
+                     {"org.kde.StatusNotifierItem", "Menu"});
+  std::smatch menu;
+  ASSERT_TRUE(std::regex_search(menuReply, menu, std::regex("objectpath '([^']+)'"))) << menuReply;
+  const auto label =
+      bus_test::call(environment, false, name[1], itemPath, "org.freedesktop.DBus.Properties.Get",
+                     {"org.kde.StatusNotifierItem", "XAyatanaLabel"});
+  EXPECT_THAT(label, HasSubstr("%")) << "the memory figure in the default mode, usedPercent";
+
+  // The menu is exported once the main loop has run after the registration.
+  std::string layout;
+  EXPECT_TRUE(waitFor([&] {
+    layout = bus_test::call(environment, false, name[1], menu[1],
+                            "com.canonical.dbusmenu.GetLayout", {"0", "-1", "@as []"});
+    return layout.find("'label'") != std::string::npos;
+  })) << "no menu at "
+      << name[1] << " " << menu[1];
+  for (const auto& [title, expected] :
+       {std::pair{"Awake", "awake"}, std::pair{"AI", "ai"}, std::pair{"Mem", "memory"},
+        std::pair{"Settings", "settings"}}) {
+    std::smatch item;
+    ASSERT_TRUE(std::regex_search(
+        layout, item, std::regex(std::string("\\((\\d+), \\{[^}]*'label': <'") + title + "'>")))
+        << title << " is not in the menu:\n"
+        << layout;
+    bus_test::call(environment, false, name[1], menu[1], "com.canonical.dbusmenu.Event",
+                   {item[1], "clicked", "<0>", "0"});
+    EXPECT_TRUE(waitFor([&] { return page() == expected; })) << title;
+  }
+  EXPECT_THAT(layout, HasSubstr("'label': <'Start Keep Awake'>"));
+  EXPECT_THAT(layout, HasSubstr("'label': <'Quit'>"));
+}
+
+}  // namespace
+}  // namespace korvo
