@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "app/private_buses.hpp"
 
@@ -70,6 +69,25 @@ class TrayIndicatorTest : public testing::Test {
   std::unique_ptr<Process> service;
 };
 
+// The text between the single quotes that follow `marker` in a gdbus reply; empty when absent.
+std::string quotedAfter(const std::string& reply, const std::string& marker) {
+  const auto at = reply.find(marker);
+  if (at == std::string::npos) return {};
+  const auto open = reply.find('\'', at + marker.size());
+  const auto close = open == std::string::npos ? open : reply.find('\'', open + 1);
+  return close == std::string::npos ? std::string() : reply.substr(open + 1, close - open - 1);
+}
+
+// The id of the dbusmenu item labelled `title` in a GetLayout reply: "(ID, {… 'label': <'title'>".
+std::string menuItemId(const std::string& layout, const std::string& title) {
+  const auto label = layout.find("'label': <'" + title + "'>");
+  if (label == std::string::npos) return {};
+  const auto open = layout.rfind('(', label);
+  if (open == std::string::npos) return {};
+  const auto end = layout.find(',', open);
+  return layout.substr(open + 1, end - open - 1);
+}
+
 TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
   service =
       std::make_unique<Process>(std::vector<std::string>{KORVO_APP_BINARY, "service"}, environment,
@@ -79,45 +97,40 @@ TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
     calls = mockCall("GetCalls", {});
     return calls.find("RegisterStatusNotifierItem") != std::string::npos;
   })) << readFile(folder.path() / "service.err");
-  std::smatch path;
-  ASSERT_TRUE(
-      std::regex_search(calls, path, std::regex("'RegisterStatusNotifierItem', \\[<'([^']+)'>")))
-      << calls;
+  const std::string path = quotedAfter(calls, "'RegisterStatusNotifierItem', [<");
+  ASSERT_FALSE(path.empty()) << calls;
 
   const auto owner =
       bus_test::call(environment, false, "org.freedesktop.DBus", "/org/freedesktop/DBus",
                      "org.freedesktop.DBus.GetNameOwner", {"com.tessmoor.Korvo"});
-  std::smatch name;
-  ASSERT_TRUE(std::regex_search(owner, name, std::regex("'([^']+)'"))) << owner;
-  const std::string itemPath = path[1].str().front() == '/' ? path[1].str() : "/StatusNotifierItem";
+  const std::string name = quotedAfter(owner, "");
+  ASSERT_FALSE(name.empty()) << owner;
+  const std::string itemPath = path.front() == '/' ? path : "/StatusNotifierItem";
   const auto menuReply =
-      bus_test::call(environment, false, name[1], itemPath, "org.freedesktop.DBus.Properties.Get",
+      bus_test::call(environment, false, name, itemPath, "org.freedesktop.DBus.Properties.Get",
                      {"org.kde.StatusNotifierItem", "Menu"});
-  std::smatch menu;
-  ASSERT_TRUE(std::regex_search(menuReply, menu, std::regex("objectpath '([^']+)'"))) << menuReply;
+  const std::string menu = quotedAfter(menuReply, "objectpath ");
+  ASSERT_FALSE(menu.empty()) << menuReply;
   const auto label =
-      bus_test::call(environment, false, name[1], itemPath, "org.freedesktop.DBus.Properties.Get",
+      bus_test::call(environment, false, name, itemPath, "org.freedesktop.DBus.Properties.Get",
                      {"org.kde.StatusNotifierItem", "XAyatanaLabel"});
   EXPECT_THAT(label, HasSubstr("%")) << "the memory figure in the default mode, usedPercent";
 
   // The menu is exported once the main loop has run after the registration.
   std::string layout;
   EXPECT_TRUE(waitFor([&] {
-    layout = bus_test::call(environment, false, name[1], menu[1],
-                            "com.canonical.dbusmenu.GetLayout", {"0", "-1", "@as []"});
+    layout = bus_test::call(environment, false, name, menu, "com.canonical.dbusmenu.GetLayout",
+                            {"0", "-1", "@as []"});
     return layout.find("'label'") != std::string::npos;
   })) << "no menu at "
-      << name[1] << " " << menu[1];
+      << name << " " << menu;
   for (const auto& [title, expected] :
        {std::pair{"Awake", "awake"}, std::pair{"AI", "ai"}, std::pair{"Mem", "memory"},
         std::pair{"Settings", "settings"}}) {
-    std::smatch item;
-    ASSERT_TRUE(std::regex_search(
-        layout, item, std::regex(std::string("\\((\\d+), \\{[^}]*'label': <'") + title + "'>")))
-        << title << " is not in the menu:\n"
-        << layout;
-    bus_test::call(environment, false, name[1], menu[1], "com.canonical.dbusmenu.Event",
-                   {item[1], "clicked", "<0>", "0"});
+    const std::string item = menuItemId(layout, title);
+    ASSERT_FALSE(item.empty()) << title << " is not in the menu:\n" << layout;
+    bus_test::call(environment, false, name, menu, "com.canonical.dbusmenu.Event",
+                   {item, "clicked", "<0>", "0"});
     EXPECT_TRUE(waitFor([&] { return page() == expected; })) << title;
   }
   EXPECT_THAT(layout, HasSubstr("'label': <'Start Keep Awake'>"));

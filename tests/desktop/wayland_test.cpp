@@ -350,7 +350,9 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
   const PixelRect above{16, 16, 364, footerRect.y - 16};
 
   writePlacements(R"([{"kind": "usage", "family": "medium", "anchor": "top-left", "margin": 16}])");
-  startHost({"--time-rate", "30"});
+  // Ten times the clock: "2 min" turns "3 min" within seconds, while the reload (and any other
+  // change of the card) stays a long way off even on a busy machine.
+  startHost({"--time-rate", "10"});
   startSurface("background", belowColor);
   expectWidgetsAt({{"usage", {16, 16, 364, 170}}}, "first.png");
   crop(folder_.path() / "first.png", footerRect, folder_.path() / "footer-first.png");
