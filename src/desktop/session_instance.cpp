@@ -17,10 +17,7 @@ constexpr const char* interfaceXml =
     "<method name='Reload'/>"
     "</interface></node>";
 
-// RequestName's flags and answers (the D-Bus specification's numbers).
-constexpr guint32 allowReplacement = 0x1;
-constexpr guint32 replaceExisting = 0x2;
-constexpr guint32 doNotQueue = 0x4;
+// RequestName's answers that mean the name is ours (GIO names its flags but not these).
 constexpr guint32 primaryOwner = 1;
 constexpr guint32 alreadyOwner = 4;
 
@@ -70,7 +67,10 @@ SessionInstance::SessionInstance(bool replace, std::function<void()> lost,
     lostSubscription_ = g_dbus_connection_signal_subscribe(
         bus_, "org.freedesktop.DBus", "org.freedesktop.DBus", "NameLost", "/org/freedesktop/DBus",
         busName, G_DBUS_SIGNAL_FLAGS_NONE, onNameLost, this, nullptr);
-    const guint32 flags = allowReplacement | doNotQueue | (replace ? replaceExisting : 0);
+    // GBusNameOwnerFlags carry RequestName's own flag values.
+    const guint32 flags = G_BUS_NAME_OWNER_FLAGS_ALLOW_REPLACEMENT |
+                          G_BUS_NAME_OWNER_FLAGS_DO_NOT_QUEUE |
+                          (replace ? G_BUS_NAME_OWNER_FLAGS_REPLACE : 0);
     GVariant* reply = callBus(bus_, "RequestName", g_variant_new("(su)", busName, flags), "(u)");
     if (reply == nullptr) {
       claim_ = Claim::noBus;
