@@ -2,7 +2,7 @@
 
 #include "base/c_format.hpp"
 #include "cli/commands.hpp"
-#include "cli/moment.hpp"
+#include "shared/moment_text.hpp"
 #include "model/entry_json.hpp"
 #include "sampling/memory_format.hpp"
 #include "sampling/memory_json.hpp"

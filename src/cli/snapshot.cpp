@@ -3,7 +3,7 @@
 
 #include "base/c_format.hpp"
 #include "cli/commands.hpp"
-#include "cli/moment.hpp"
+#include "shared/moment_text.hpp"
 #include "cli/widgets.hpp"
 #include "shared/widget_snapshot_json.hpp"
 #include "shared/widget_snapshot_store.hpp"

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "cli/commands.hpp"
-#include "cli/moment.hpp"
+#include "shared/moment_text.hpp"
 #include "cli/widgets.hpp"
 #include "model/entry_json.hpp"
 

@@ -6,7 +6,7 @@
 
 #include "base/clock.hpp"
 #include "cli/command_line.hpp"
-#include "cli/moment.hpp"
+#include "shared/moment_text.hpp"
 #include "extension/korvo_widgets.hpp"
 #include "ui/words.hpp"
 

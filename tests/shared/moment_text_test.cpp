@@ -1,11 +1,11 @@
-#include "cli/moment.hpp"
+#include "shared/moment_text.hpp"
 
 #include <gtest/gtest.h>
 
-namespace korvo::cli {
+namespace korvo {
 namespace {
 
-TEST(CliMoment, ReadsISO8601WithAZoneAndUnixSeconds) {
+TEST(MomentText, ReadsISO8601WithAZoneAndUnixSeconds) {
   const struct {
     const char* text;
     double unixSeconds;
@@ -30,7 +30,7 @@ TEST(CliMoment, ReadsISO8601WithAZoneAndUnixSeconds) {
   }
 }
 
-TEST(CliMoment, RefusesEverythingElse) {
+TEST(MomentText, RefusesEverythingElse) {
   for (const char* text :
        {"", "yesterday", "2026-11-15", "2026-11-15T01:45:00", "2026-13-01T00:00:00Z",
         "2026-02-29T00:00:00Z", "2026-11-31T00:00:00Z", "2026-11-15T24:00:00Z",
@@ -40,11 +40,11 @@ TEST(CliMoment, RefusesEverythingElse) {
   }
 }
 
-TEST(CliMoment, WritesMomentsAsUTCWithMillisecondsOnlyWhenPresent) {
+TEST(MomentText, WritesMomentsAsUTCWithMillisecondsOnlyWhenPresent) {
   EXPECT_EQ(isoMoment(Date::fromUnixSeconds(1'794'707'100)), "2026-11-15T01:45:00Z");
   EXPECT_EQ(isoMoment(Date::fromUnixSeconds(1'794'707'100.25)), "2026-11-15T01:45:00.250Z");
   EXPECT_EQ(isoMoment(Date{0}), "2001-01-01T00:00:00Z");
 }
 
 }  // namespace
-}  // namespace korvo::cli
+}  // namespace korvo
