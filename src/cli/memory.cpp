@@ -2,11 +2,11 @@
 
 #include "base/c_format.hpp"
 #include "cli/commands.hpp"
-#include "shared/moment_text.hpp"
 #include "model/entry_json.hpp"
 #include "sampling/memory_format.hpp"
 #include "sampling/memory_json.hpp"
 #include "sampling/system_sampler.hpp"
+#include "shared/moment_text.hpp"
 
 namespace korvo::cli {
 namespace {

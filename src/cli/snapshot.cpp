@@ -3,8 +3,8 @@
 
 #include "base/c_format.hpp"
 #include "cli/commands.hpp"
-#include "shared/moment_text.hpp"
 #include "cli/widgets.hpp"
+#include "shared/moment_text.hpp"
 #include "shared/widget_snapshot_json.hpp"
 #include "shared/widget_snapshot_store.hpp"
 

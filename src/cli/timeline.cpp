@@ -3,9 +3,9 @@
 #include <sstream>
 
 #include "cli/commands.hpp"
-#include "shared/moment_text.hpp"
 #include "cli/widgets.hpp"
 #include "model/entry_json.hpp"
+#include "shared/moment_text.hpp"
 
 namespace korvo::cli {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "base/clock.hpp"
 #include "cli/command_line.hpp"
-#include "shared/moment_text.hpp"
 #include "extension/korvo_widgets.hpp"
+#include "shared/moment_text.hpp"
 #include "ui/words.hpp"
 
 namespace korvo::cli {

@@ -98,7 +98,7 @@ class DashboardLinks : public testing::Test {
     if (ids.size() != 1) return std::nullopt;
     return windowGeometry(server->display(), ids.front());
   }
-  testing_support::KorvoResult korvo(const std::vector<std::string>& args) {
+  testing_support::ProcessResult korvo(const std::vector<std::string>& args) {
     return testing_support::runProgram(KORVO_APP_BINARY, args, environment);
   }
 

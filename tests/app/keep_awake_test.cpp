@@ -69,7 +69,7 @@ class KeepAwakeTest : public testing::Test {
         << desktop_test::readFile(world.home() / "service.err");
   }
 
-  testing_support::KorvoResult korvo(const std::vector<std::string>& args) {
+  testing_support::ProcessResult korvo(const std::vector<std::string>& args) {
     return testing_support::runProgram(KORVO_APP_BINARY, args, buses);
   }
   nlohmann::json status() {

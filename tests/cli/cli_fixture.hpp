@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <string_view>
@@ -18,6 +19,11 @@ const std::string sampleFile = std::string(KORVO_SOURCE_DIR) + "/data/samples/us
 constexpr const char* nowISO = "2026-11-15T01:45:00Z";
 constexpr double nowReference = 816'399'900;
 
+// How many lines a text holds: one-line messages end in exactly one newline.
+inline std::size_t lines(const std::string& text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
 // A machine of the test's making: fixture /proc, a data home with the group container, the build
 // tree's bundle information.
 class Cli : public ::testing::Test {
@@ -31,12 +37,12 @@ class Cli : public ::testing::Test {
             {"TZ", "UTC"},
             {"PATH", "/usr/bin:/bin"}};
   }
-  testing::CliResult run(const std::vector<std::string>& args) const {
-    return testing::runCli(args, environment(), scratch.path());
+  testing::ProcessResult run(const std::vector<std::string>& args) const {
+    return testing::runCli(args, environment());
   }
-  testing::CliResult run(const std::vector<std::string>& args,
-                         const std::map<std::string, std::string>& environment) const {
-    return testing::runCli(args, environment, scratch.path());
+  testing::ProcessResult run(const std::vector<std::string>& args,
+                             const std::map<std::string, std::string>& environment) const {
+    return testing::runCli(args, environment);
   }
   void writeSharedFile(std::string_view bytes) const {
     dataHome.write(testing::sharedFileRelative(), bytes);

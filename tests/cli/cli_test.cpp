@@ -9,14 +9,14 @@ namespace {
 
 using nlohmann::json;
 using testing::Cli;
-using testing::CliResult;
 using testing::fixtureRoot;
 using testing::nowISO;
 using testing::nowReference;
+using testing::ProcessResult;
 using testing::sampleFile;
 
 TEST_F(Cli, ListJsonNamesTheFourWidgetsInGalleryOrder) {
-  const CliResult result = run({"list", "--json"});
+  const ProcessResult result = run({"list", "--json"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json list = json::parse(result.out);
   const json expected = json::parse(R"([
@@ -36,7 +36,7 @@ TEST_F(Cli, ListJsonNamesTheFourWidgetsInGalleryOrder) {
 }
 
 TEST_F(Cli, TimelineJsonOfMemoryHoldsOneFreshReadingAndReloadsAfter1800Seconds) {
-  const CliResult result = run({"timeline", "memory", "--json", "--now", nowISO});
+  const ProcessResult result = run({"timeline", "memory", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json document = json::parse(result.out);
   EXPECT_EQ(document["widget"], "com.tessmoor.Korvo.memory");
@@ -56,9 +56,9 @@ TEST_F(Cli, TimelineJsonOfMemoryHoldsOneFreshReadingAndReloadsAfter1800Seconds) 
 }
 
 TEST_F(Cli, TimelineJsonOfUsageCarriesTheSharedFileAsItIs) {
-  const std::string bytes = testing::slurp(sampleFile);
+  const std::string bytes = testing::readWhole(sampleFile);
   writeSharedFile(bytes);
-  const CliResult result = run({"timeline", "usage", "--json", "--now", nowISO});
+  const ProcessResult result = run({"timeline", "usage", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json document = json::parse(result.out);
   EXPECT_EQ(document["widget"], "com.tessmoor.Korvo.usage");
@@ -74,7 +74,7 @@ TEST_F(Cli, TimelineJsonWritesDatesInTheirShortestRoundTripForm) {
       R"({"date":742502552.280065,"temperature":54.5,"temperatureDate":742502552.280065,)"
       R"("temperatureEnabled":true,"codex":{"enabled":false,"isRefreshing":false},)"
       R"("claude":{"enabled":false,"isRefreshing":false}})");
-  const CliResult result = run({"timeline", "temperature", "--json", "--now", nowISO});
+  const ProcessResult result = run({"timeline", "temperature", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   EXPECT_NE(result.out.find(R"("date": 742502552.280065,)"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find(R"("temperatureDate": 742502552.280065,)"), std::string::npos);
@@ -82,7 +82,7 @@ TEST_F(Cli, TimelineJsonWritesDatesInTheirShortestRoundTripForm) {
 }
 
 TEST_F(Cli, TimelineJsonWithoutTheFileHasOneEntryWithANullSnapshot) {
-  const CliResult result = run({"timeline", "temperature", "--json", "--now", nowISO});
+  const ProcessResult result = run({"timeline", "temperature", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json document = json::parse(result.out);
   EXPECT_EQ(document["snapshot"], json::parse(R"({"date":816399900,"snapshot":null})"));
@@ -91,8 +91,8 @@ TEST_F(Cli, TimelineJsonWithoutTheFileHasOneEntryWithANullSnapshot) {
 }
 
 TEST_F(Cli, TimelinePreviewAnswersTheSnapshotWithSampleData) {
-  writeSharedFile(testing::slurp(sampleFile));
-  const CliResult result = run({"timeline", "usage", "--preview", "--json", "--now", nowISO});
+  writeSharedFile(testing::readWhole(sampleFile));
+  const ProcessResult result = run({"timeline", "usage", "--preview", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json document = json::parse(result.out);
   EXPECT_EQ(document["snapshot"], document["placeholder"]);
@@ -101,11 +101,12 @@ TEST_F(Cli, TimelinePreviewAnswersTheSnapshotWithSampleData) {
   EXPECT_EQ(codex["snapshot"]["windows"][1]["usedPercent"], 42);
   EXPECT_EQ(codex, document["snapshot"]["snapshot"]["claude"]);
   EXPECT_EQ(document["timeline"]["entries"][0]["snapshot"],
-            json::parse(testing::slurp(sampleFile)));
+            json::parse(testing::readWhole(sampleFile)));
 }
 
 TEST_F(Cli, TimelineJsonOfAwakeNeverReloads) {
-  const CliResult result = run({"timeline", "com.tessmoor.Korvo.awake", "--json", "--now", nowISO});
+  const ProcessResult result =
+      run({"timeline", "com.tessmoor.Korvo.awake", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json document = json::parse(result.out);
   EXPECT_EQ(
@@ -123,7 +124,7 @@ struct RenderCase {
 };
 
 TEST_F(Cli, RenderJsonOfEachWidgetAgainstTheSharedFile) {
-  writeSharedFile(testing::slurp(sampleFile));
+  writeSharedFile(testing::readWhole(sampleFile));
   const RenderCase cases[] = {
       {"memory", "small", "com.tessmoor.Korvo.memory", "systemSmall", 170, "korvo://resources"},
       {"memory", "medium", "com.tessmoor.Korvo.memory", "systemMedium", 364, "korvo://resources"},
@@ -135,7 +136,7 @@ TEST_F(Cli, RenderJsonOfEachWidgetAgainstTheSharedFile) {
   };
   for (const RenderCase& c : cases) {
     SCOPED_TRACE(std::string(c.kind) + " " + c.family);
-    const CliResult result =
+    const ProcessResult result =
         run({"render", c.kind, "--family", c.family, "--format", "json", "--now", nowISO});
     ASSERT_EQ(result.exitCode, 0) << result.err;
     const json document = json::parse(result.out);
@@ -164,23 +165,24 @@ bool drawsText(const json& document, const std::string& wanted) {
 }
 
 TEST_F(Cli, RenderDrawsTheSharedFilesTemperatureAndTheSnapshotFilesOverIt) {
-  writeSharedFile(testing::slurp(sampleFile));
-  const CliResult shared = run({"render", "temperature", "--format", "json", "--now", "816399900"});
+  writeSharedFile(testing::readWhole(sampleFile));
+  const ProcessResult shared =
+      run({"render", "temperature", "--format", "json", "--now", "816399900"});
   ASSERT_EQ(shared.exitCode, 0) << shared.err;
   const json fromContainer = json::parse(shared.out);
 
-  std::string other = testing::slurp(sampleFile);
+  std::string other = testing::readWhole(sampleFile);
   other.replace(other.find("52.5"), 4, "71.5");
   const auto otherPath = scratch.write("other.json", other);
-  const CliResult overridden = run({"render", "temperature", "--format", "json", "--now", nowISO,
-                                    "--snapshot-file", otherPath.string()});
+  const ProcessResult overridden = run({"render", "temperature", "--format", "json", "--now",
+                                        nowISO, "--snapshot-file", otherPath.string()});
   ASSERT_EQ(overridden.exitCode, 0) << overridden.err;
   const json fromFile = json::parse(overridden.out);
   EXPECT_NE(fromContainer["tree"], fromFile["tree"]);
 }
 
 TEST_F(Cli, RenderPlaceholderIgnoresTheMachine) {
-  const CliResult placeholder =
+  const ProcessResult placeholder =
       run({"render", "usage", "--entry", "placeholder", "--format", "json", "--now", nowISO});
   ASSERT_EQ(placeholder.exitCode, 0) << placeholder.err;
   EXPECT_TRUE(drawsText(json::parse(placeholder.out), "58%")) << placeholder.out;
@@ -188,16 +190,16 @@ TEST_F(Cli, RenderPlaceholderIgnoresTheMachine) {
 
 TEST_F(Cli, RenderWritesPNGAndSVG) {
   const auto png = scratch.path() / "memory.png";
-  const CliResult toFile = run({"render", "memory", "-o", png.string(), "--now", nowISO});
+  const ProcessResult toFile = run({"render", "memory", "-o", png.string(), "--now", nowISO});
   ASSERT_EQ(toFile.exitCode, 0) << toFile.err;
-  const std::string bytes = testing::slurp(png);
+  const std::string bytes = testing::readWhole(png);
   ASSERT_GT(bytes.size(), 24u);
   EXPECT_EQ(bytes.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
   // Width and height in the IHDR chunk: 170 points at the default scale of 2.
   EXPECT_EQ(static_cast<unsigned char>(bytes[19]), 340 & 0xff);
   EXPECT_EQ(static_cast<unsigned char>(bytes[18]), 340 >> 8);
 
-  const CliResult svg = run({"render", "usage", "--family", "medium", "--format", "svg"});
+  const ProcessResult svg = run({"render", "usage", "--family", "medium", "--format", "svg"});
   ASSERT_EQ(svg.exitCode, 0) << svg.err;
   EXPECT_NE(svg.out.find("<svg"), std::string::npos);
   EXPECT_NE(svg.out.find("364"), std::string::npos);
@@ -206,7 +208,7 @@ TEST_F(Cli, RenderWritesPNGAndSVG) {
 TEST_F(Cli, SnapshotCheckExplainsABrokenFile) {
   const auto broken =
       scratch.write("broken.json", R"({"date": 816399900, "temperatureEnabled": 1})");
-  const CliResult result = run({"snapshot", "check", broken.string()});
+  const ProcessResult result = run({"snapshot", "check", broken.string()});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_TRUE(result.out.empty());
   EXPECT_NE(result.err.find(broken.string()), std::string::npos) << result.err;
@@ -214,26 +216,26 @@ TEST_F(Cli, SnapshotCheckExplainsABrokenFile) {
 }
 
 TEST_F(Cli, SnapshotCheckOfTheSharedFileSaysWhyItIsMissing) {
-  const CliResult result = run({"snapshot", "check"});
+  const ProcessResult result = run({"snapshot", "check"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_NE(result.err.find(sharedFilePath()), std::string::npos) << result.err;
 }
 
 TEST_F(Cli, SnapshotCheckReadsTheSharedFile) {
-  writeSharedFile(testing::slurp(sampleFile));
-  const CliResult result = run({"snapshot", "check"});
+  writeSharedFile(testing::readWhole(sampleFile));
+  const ProcessResult result = run({"snapshot", "check"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_NE(result.out.find("readable"), std::string::npos);
 }
 
 TEST_F(Cli, SnapshotCheckReencodeWritesTheSampleFileByteForByte) {
-  const CliResult result = run({"snapshot", "check", sampleFile, "--reencode"});
+  const ProcessResult result = run({"snapshot", "check", sampleFile, "--reencode"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(result.out, testing::slurp(sampleFile));
+  EXPECT_EQ(result.out, testing::readWhole(sampleFile));
 }
 
 TEST_F(Cli, SnapshotPathIsTheGroupContainersFile) {
-  const CliResult result = run({"snapshot", "path"});
+  const ProcessResult result = run({"snapshot", "path"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(result.out, sharedFilePath() + "\n");
 }
@@ -242,14 +244,14 @@ TEST_F(Cli, SnapshotPathWithoutAnyDataHomeFails) {
   auto environment = this->environment();
   environment.erase("HOME");
   environment.erase("XDG_DATA_HOME");
-  const CliResult result = run({"snapshot", "path"}, environment);
+  const ProcessResult result = run({"snapshot", "path"}, environment);
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_TRUE(result.out.empty());
   EXPECT_FALSE(result.err.empty());
 }
 
 TEST_F(Cli, MemoryPrintsALiveReadingWithItsDerivedFigures) {
-  const CliResult result = run({"memory", "--json"});
+  const ProcessResult result = run({"memory", "--json"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json reading = json::parse(result.out);
   EXPECT_EQ(reading["used"].get<std::uint64_t>(), reading["app"].get<std::uint64_t>() +
@@ -257,7 +259,7 @@ TEST_F(Cli, MemoryPrintsALiveReadingWithItsDerivedFigures) {
                                                       reading["compressed"].get<std::uint64_t>());
   EXPECT_EQ(reading["available"].get<std::uint64_t>(),
             reading["total"].get<std::uint64_t>() - reading["used"].get<std::uint64_t>());
-  const CliResult text = run({"memory"});
+  const ProcessResult text = run({"memory"});
   ASSERT_EQ(text.exitCode, 0) << text.err;
   for (const char* name : {"total", "app", "wired", "compressed", "cached", "swap", "pressure",
                            "timestamp", "used", "available", "usedFraction"}) {
@@ -268,14 +270,14 @@ TEST_F(Cli, MemoryPrintsALiveReadingWithItsDerivedFigures) {
 TEST_F(Cli, MemoryWithoutAReadableProcFails) {
   auto environment = this->environment();
   environment["KORVO_SYSROOT"] = scratch.path().string();
-  const CliResult result = run({"memory"}, environment);
+  const ProcessResult result = run({"memory"}, environment);
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_FALSE(result.err.empty());
 }
 
 TEST_F(Cli, GalleryRendersEveryWidgetFamilySchemeAndEntryWithAnIndex) {
   const auto directory = scratch.path() / "gallery";
-  const CliResult result = run({"gallery", "-o", directory.string(), "--now", nowISO});
+  const ProcessResult result = run({"gallery", "-o", directory.string(), "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   // memory 2 families, awake 1, usage 2, temperature 1; light and dark; placeholder and live.
   int pictures = 0;
@@ -283,7 +285,7 @@ TEST_F(Cli, GalleryRendersEveryWidgetFamilySchemeAndEntryWithAnIndex) {
     if (file.path().extension() == ".png") {
       ++pictures;
       const std::string name = file.path().filename().string();
-      EXPECT_NE(testing::slurp(directory / "index.html").find("\"" + name + "\""),
+      EXPECT_NE(testing::readWhole(directory / "index.html").find("\"" + name + "\""),
                 std::string::npos)
           << name;
     }
@@ -323,7 +325,7 @@ TEST_F(Cli, UsageErrorsExitWith2AndOneLineNamingTheValidValues) {
     std::string joined;
     for (const auto& arg : c.args) joined += arg + " ";
     SCOPED_TRACE(joined);
-    const CliResult result = run(c.args);
+    const ProcessResult result = run(c.args);
     EXPECT_EQ(result.exitCode, 2);
     ASSERT_FALSE(result.err.empty());
     EXPECT_EQ(result.err.find('\n'), result.err.size() - 1) << result.err;
@@ -343,7 +345,7 @@ TEST_F(Cli, EverySubcommandExplainsItself) {
                                              {"snapshot", "--help"},
                                              {"snapshot", "check", "--help"},
                                              {"memory", "--help"}}) {
-    const CliResult result = run(args);
+    const ProcessResult result = run(args);
     EXPECT_EQ(result.exitCode, 0) << args.front();
     EXPECT_NE(result.out.find("Usage"), std::string::npos) << args.front();
   }

@@ -5,46 +5,22 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "cli_process.hpp"
+#include "cli_fixture.hpp"
 #include "support/scoped_environment.hpp"
 
 // Every refusal names what it refuses and why, once, on one line.
 namespace korvo {
 namespace {
 
-using testing::CliResult;
 using ::testing::HasSubstr;
+using testing::lines;
 using ::testing::Not;
+using testing::ProcessResult;
 
-class CliMessages : public ::testing::Test {
- protected:
-  std::map<std::string, std::string> environment() const {
-    return {{"KORVO_SYSROOT", std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram"},
-            {"XDG_DATA_HOME", dataHome.path().string()},
-            {"HOME", dataHome.path().string()},
-            {"KORVO_BUNDLE_INFO", std::string(KORVO_BUILD_DATA_DIR) + "/Info.json"},
-            {"LANG", "C.UTF-8"},
-            {"TZ", "UTC"},
-            {"PATH", "/usr/bin:/bin"}};
-  }
-  CliResult run(const std::vector<std::string>& args) const {
-    return testing::runCli(args, environment(), scratch.path());
-  }
-  CliResult run(const std::vector<std::string>& args,
-                const std::map<std::string, std::string>& environment) const {
-    return testing::runCli(args, environment, scratch.path());
-  }
-
-  testing::TempDir dataHome;
-  testing::TempDir scratch;
-};
-
-std::size_t lines(const std::string& text) {
-  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
-}
+class CliMessages : public testing::Cli {};
 
 TEST_F(CliMessages, AnUnknownSubcommandIsNamed) {
-  const CliResult result = run({"frobnicate"});
+  const ProcessResult result = run({"frobnicate"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.err, HasSubstr("unknown subcommand \"frobnicate\""));
   EXPECT_THAT(result.err, HasSubstr("list, timeline, render"));
@@ -52,7 +28,7 @@ TEST_F(CliMessages, AnUnknownSubcommandIsNamed) {
 }
 
 TEST_F(CliMessages, NoSubcommandAtAllAsksForOne) {
-  const CliResult result = run({});
+  const ProcessResult result = run({});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.err, HasSubstr("A subcommand is required"));
 }
@@ -70,7 +46,7 @@ TEST_P(EmptyValue, IsAUsageErrorNamingTheOption) {
   for (std::string& arg : args) {
     if (arg == "GALLERY") arg = (scratch.path() / "gallery").string();
   }
-  const CliResult result = run(args);
+  const ProcessResult result = run(args);
   EXPECT_EQ(result.exitCode, 2) << result.err;
   EXPECT_THAT(result.err, HasSubstr(GetParam().named));
   EXPECT_EQ(lines(result.err), 1U) << result.err;
@@ -94,7 +70,7 @@ TEST_F(CliMessages, NoLocationIsSaidOnce) {
   environment.erase("XDG_DATA_HOME");
   for (const auto& args : {std::vector<std::string>{"snapshot", "path"},
                            std::vector<std::string>{"snapshot", "check"}}) {
-    const CliResult result = run(args, environment);
+    const ProcessResult result = run(args, environment);
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.err, HasSubstr("neither XDG_DATA_HOME nor HOME"));
     EXPECT_THAT(result.err, Not(HasSubstr("location: no location")));
@@ -116,7 +92,7 @@ TEST_P(SpecialBundleInfo, IsReportedForWhatItIs) {
       {"FIFO", fifo.string()}, {"Directory", scratch.path().string()}, {"DevZero", "/dev/zero"}};
   auto environment = this->environment();
   environment["KORVO_BUNDLE_INFO"] = places.at(GetParam().name);
-  const CliResult result = run({"snapshot", "path"}, environment);
+  const ProcessResult result = run({"snapshot", "path"}, environment);
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.err, HasSubstr(GetParam().reason));
   EXPECT_THAT(result.err, HasSubstr(places.at(GetParam().name)));
@@ -132,13 +108,13 @@ INSTANTIATE_TEST_SUITE_P(Files, SpecialBundleInfo,
 TEST_F(CliMessages, AMissingBundleInfoHasNoKey) {
   auto environment = this->environment();
   environment["KORVO_BUNDLE_INFO"] = (scratch.path() / "missing.json").string();
-  const CliResult result = run({"snapshot", "path"}, environment);
+  const ProcessResult result = run({"snapshot", "path"}, environment);
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.err, HasSubstr("no KorvoAppGroup in " + environment["KORVO_BUNDLE_INFO"]));
 }
 
 TEST_F(CliMessages, VersionIsPrinted) {
-  const CliResult result = run({"--version"});
+  const ProcessResult result = run({"--version"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_THAT(result.out, HasSubstr("korvo-widgets " KORVO_VERSION));
 }

@@ -11,13 +11,13 @@
 namespace korvo {
 namespace {
 
-using testing::CliResult;
 using ::testing::HasSubstr;
+using testing::ProcessResult;
 
 // A PNG on a terminal is noise that can upset it: the picture has to go to a file.
 class RenderToATerminal : public ::testing::Test {
  protected:
-  CliResult runTo(const std::vector<std::string>& args, const std::string& out) const {
+  ProcessResult runTo(const std::vector<std::string>& args, const std::string& out) const {
     return testing::runCliWritingTo(
         args,
         {{"KORVO_SYSROOT", std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram"},
@@ -25,7 +25,7 @@ class RenderToATerminal : public ::testing::Test {
          {"HOME", scratch.path().string()},
          {"LANG", "C.UTF-8"},
          {"TZ", "UTC"}},
-        scratch.path(), out);
+        out);
   }
   void SetUp() override {
     master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
@@ -53,7 +53,7 @@ class RenderToATerminal : public ::testing::Test {
 };
 
 TEST_F(RenderToATerminal, OfAPNGIsRefusedPointingToTheOutputOption) {
-  const CliResult result = runTo({"render", "memory"}, terminal_);
+  const ProcessResult result = runTo({"render", "memory"}, terminal_);
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.err, HasSubstr("standard output is a terminal"));
   EXPECT_THAT(result.err, HasSubstr("-o FILE"));
@@ -61,9 +61,9 @@ TEST_F(RenderToATerminal, OfAPNGIsRefusedPointingToTheOutputOption) {
 
 TEST_F(RenderToATerminal, WithAnOutputFileWritesThePNG) {
   const auto target = scratch.path() / "memory.png";
-  const CliResult result = runTo({"render", "memory", "-o", target.string()}, terminal_);
+  const ProcessResult result = runTo({"render", "memory", "-o", target.string()}, terminal_);
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(testing::slurp(target).substr(1, 3), "PNG");
+  EXPECT_EQ(testing::readWhole(target).substr(1, 3), "PNG");
 }
 
 }  // namespace

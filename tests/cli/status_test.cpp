@@ -9,9 +9,9 @@ namespace {
 
 using nlohmann::json;
 using testing::Cli;
-using testing::CliResult;
 using testing::nowISO;
 using testing::nowReference;
+using testing::ProcessResult;
 
 // The shared file with `codex` and `claude` as given and a temperature read `temperatureAge`
 // seconds before the tests' now.
@@ -48,7 +48,7 @@ class Status : public Cli {
   json waybar(const std::string& kind, std::vector<std::string> extra = {}) const {
     std::vector<std::string> args{"status", kind, "--format", "waybar", "--now", nowISO};
     args.insert(args.end(), extra.begin(), extra.end());
-    const CliResult result = run(args);
+    const ProcessResult result = run(args);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.out.back(), '\n');
     EXPECT_EQ(result.out.find('\n'), result.out.size() - 1) << "not one line: " << result.out;
@@ -57,7 +57,7 @@ class Status : public Cli {
   std::string text(const std::string& kind, std::vector<std::string> extra = {}) const {
     std::vector<std::string> args{"status", kind, "--now", nowISO};
     args.insert(args.end(), extra.begin(), extra.end());
-    const CliResult result = run(args);
+    const ProcessResult result = run(args);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     return result.out;
   }
@@ -92,10 +92,10 @@ TEST_F(Status, MemoryForWaybarCarriesTheBreakdownThePressureAndTheWholePercentag
 TEST_F(Status, MemoryWithoutAReadingIsADashClassedUnavailable) {
   auto environment = this->environment();
   environment["KORVO_SYSROOT"] = scratch.path().string();
-  const CliResult text = run({"status", "memory"}, environment);
+  const ProcessResult text = run({"status", "memory"}, environment);
   EXPECT_EQ(text.exitCode, 0);
   EXPECT_EQ(text.out, "—\n");
-  const CliResult bar = run({"status", "memory", "--format", "waybar"}, environment);
+  const ProcessResult bar = run({"status", "memory", "--format", "waybar"}, environment);
   EXPECT_EQ(bar.exitCode, 0);
   EXPECT_EQ(json::parse(bar.out), json::parse(R"({"text": "—", "tooltip": "Memory: Unavailable",
       "class": "unavailable", "percentage": 0})"));
@@ -110,7 +110,7 @@ TEST_F(Status, UsageShowsEachEnabledProvidersWeeklyRemainingWithItsWindowsInTheT
 }
 
 TEST_F(Status, UsageOfTheSampleFileLeavesTheDisabledProviderOutOfTheFigure) {
-  writeSharedFile(testing::slurp(testing::sampleFile));
+  writeSharedFile(testing::readWhole(testing::sampleFile));
   const json line = waybar("usage");
   EXPECT_EQ(line["text"], "Codex 58%");
   EXPECT_EQ(line["class"], "");
@@ -201,7 +201,7 @@ TEST_F(Status, KeepAwakeABadModeOrFormatIsAUsageError) {
       {{"status", "disk"}, "valid kinds"},
   };
   for (const auto& [args, named] : cases) {
-    const CliResult result = run(args);
+    const ProcessResult result = run(args);
     EXPECT_EQ(result.exitCode, 2) << args[1];
     EXPECT_EQ(result.out, "");
     EXPECT_NE(result.err.find(named), std::string::npos) << result.err;

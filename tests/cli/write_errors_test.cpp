@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "cli_process.hpp"
+#include "cli_fixture.hpp"
 #include "support/scoped_environment.hpp"
 
 // Output that cannot be written is a failure like any other: every command checks what it wrote,
@@ -12,29 +12,14 @@
 namespace korvo {
 namespace {
 
-using testing::CliResult;
 using ::testing::HasSubstr;
+using testing::ProcessResult;
 
-class CliWriteErrors : public ::testing::Test {
+class CliWriteErrors : public testing::Cli {
  protected:
-  std::map<std::string, std::string> environment() const {
-    return {{"KORVO_SYSROOT", std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram"},
-            {"XDG_DATA_HOME", dataHome.path().string()},
-            {"HOME", dataHome.path().string()},
-            {"KORVO_BUNDLE_INFO", std::string(KORVO_BUILD_DATA_DIR) + "/Info.json"},
-            {"LANG", "C.UTF-8"},
-            {"TZ", "UTC"},
-            {"PATH", "/usr/bin:/bin"}};
+  testing::ProcessResult runTo(const std::vector<std::string>& args, const std::string& out) const {
+    return testing::runCliWritingTo(args, environment(), out);
   }
-  CliResult runTo(const std::vector<std::string>& args, const std::string& out) const {
-    return testing::runCliWritingTo(args, environment(), scratch.path(), out);
-  }
-  std::string sampleFile() const {
-    return std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json";
-  }
-
-  testing::TempDir dataHome;
-  testing::TempDir scratch;
 };
 
 struct FullOutputCase {
@@ -46,12 +31,12 @@ class StandardOutputFull : public CliWriteErrors,
                            public ::testing::WithParamInterface<FullOutputCase> {};
 
 TEST_P(StandardOutputFull, ExitsOneSayingWhatAndWhy) {
-  dataHome.write(testing::sharedFileRelative(), testing::slurp(sampleFile()));
+  dataHome.write(testing::sharedFileRelative(), testing::readWhole(testing::sampleFile));
   std::vector<std::string> args = GetParam().args;
   for (std::string& arg : args) {
     if (arg == "GALLERY") arg = (scratch.path() / "gallery").string();
   }
-  const CliResult result = runTo(args, "/dev/full");
+  const ProcessResult result = runTo(args, "/dev/full");
   EXPECT_EQ(result.exitCode, 1) << result.err;
   EXPECT_THAT(result.err, HasSubstr("cannot write standard output: No space left on device"));
   EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'),
@@ -79,14 +64,14 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return info.param.name; });
 
 TEST_F(CliWriteErrors, RenderToAFullFileNamesItAndWhy) {
-  const CliResult result = runTo({"render", "memory", "-o", "/dev/full"}, "/dev/null");
+  const ProcessResult result = runTo({"render", "memory", "-o", "/dev/full"}, "/dev/null");
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, "korvo-widgets: cannot write /dev/full: No space left on device\n");
 }
 
 TEST_F(CliWriteErrors, RenderIntoAMissingFolderNamesTheFileAndWhy) {
   const auto target = scratch.path() / "missing" / "memory.png";
-  const CliResult result = runTo({"render", "memory", "-o", target.string()}, "/dev/null");
+  const ProcessResult result = runTo({"render", "memory", "-o", target.string()}, "/dev/null");
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err,
             "korvo-widgets: cannot write " + target.string() + ": No such file or directory\n");
@@ -95,7 +80,7 @@ TEST_F(CliWriteErrors, RenderIntoAMissingFolderNamesTheFileAndWhy) {
 TEST_F(CliWriteErrors, GalleryNamesThePictureItCannotWriteAndWhy) {
   const auto folder = scratch.path() / "gallery";
   std::filesystem::create_directories(folder / "memory-small-light-placeholder.png");
-  const CliResult result = runTo({"gallery", "-o", folder.string()}, "/dev/null");
+  const ProcessResult result = runTo({"gallery", "-o", folder.string()}, "/dev/null");
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, "korvo-widgets: cannot write " +
                             (folder / "memory-small-light-placeholder.png").string() +

@@ -14,7 +14,7 @@ namespace korvo {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::CliResult;
+using testing::ProcessResult;
 using TempDir = testing_support::TemporaryDirectory;
 
 const fs::path dataDir = fs::path(KORVO_SOURCE_DIR) / "data";
@@ -38,9 +38,9 @@ class Installed : public ::testing::Test {
     folder_ = new TempDir;
     ::chmod(folder_->path().c_str(), 0755);
     prefix_ = new fs::path(folder_->path() / "prefix");
-    install_ = new CliResult(testing::runProgram(
+    install_ = new ProcessResult(testing_support::runProgram(
         KORVO_CMAKE, {"--install", KORVO_BUILD_DIR, "--prefix", prefix_->string()},
-        {{"PATH", "/usr/bin:/bin"}}, scratch()));
+        {{"PATH", "/usr/bin:/bin"}}));
   }
   static void TearDownTestSuite() {
     delete install_;
@@ -49,18 +49,14 @@ class Installed : public ::testing::Test {
   }
   void SetUp() override { ASSERT_EQ(install_->exitCode, 0) << install_->out << install_->err; }
 
-  static fs::path scratch() {
-    fs::create_directories(folder_->path() / "scratch");
-    return folder_->path() / "scratch";
-  }
   static const fs::path& prefix() { return *prefix_; }
   // `program` run to its end with exactly `environment`.
-  static CliResult run(const std::string& program, const std::vector<std::string>& args,
-                       std::map<std::string, std::string> environment = {}) {
+  static ProcessResult run(const std::string& program, const std::vector<std::string>& args,
+                           std::map<std::string, std::string> environment = {}) {
     environment.emplace("PATH", "/usr/bin:/bin");
     environment.emplace("HOME", (folder_->path() / "home").string());
     environment.emplace("LANG", "C.UTF-8");
-    return testing::runProgram(program, args, environment, scratch());
+    return testing_support::runProgram(program, args, environment);
   }
   static std::vector<fs::path> filesIn(const fs::path& folder, const std::string& extension) {
     std::vector<fs::path> files;
@@ -73,7 +69,7 @@ class Installed : public ::testing::Test {
 
   static inline TempDir* folder_ = nullptr;
   static inline fs::path* prefix_ = nullptr;
-  static inline CliResult* install_ = nullptr;
+  static inline ProcessResult* install_ = nullptr;
 };
 
 TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
@@ -113,12 +109,12 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
 
 TEST_F(Installed, UnitsAndBusServicesStartTheInstalledPrograms) {
   const std::string bin = (prefix() / "bin").string();
-  const auto unit = lines(testing::slurp(prefix() / "lib/systemd/user/korvo-widgets.service"));
+  const auto unit = lines(testing::readWhole(prefix() / "lib/systemd/user/korvo-widgets.service"));
   EXPECT_TRUE(has(unit, "ExecStart=" + bin + "/korvo-widgets run"));
   EXPECT_TRUE(has(unit, "PartOf=graphical-session.target"));
   EXPECT_TRUE(has(unit, "WantedBy=graphical-session.target"));
-  const auto service =
-      lines(testing::slurp(prefix() / "share/dbus-1/services/com.tessmoor.Korvo.Widgets.service"));
+  const auto service = lines(
+      testing::readWhole(prefix() / "share/dbus-1/services/com.tessmoor.Korvo.Widgets.service"));
   EXPECT_TRUE(has(service, "Exec=" + bin + "/korvo-widgets run"));
   EXPECT_TRUE(has(service, "SystemdService=korvo-widgets.service"));
 }
@@ -127,13 +123,13 @@ TEST_F(Installed, TheProgramsFindTheirDataFromThePrefixWithoutEnvironmentVariabl
   // An Info.json of the test's own tells which file the installed programs read.
   std::ofstream(prefix() / "share/korvo-widgets/Info.json", std::ios::trunc)
       << R"({"KorvoAppGroup": "group.test.installed"})";
-  const CliResult path = run((prefix() / "bin/korvo-widgets").string(), {"snapshot", "path"});
+  const ProcessResult path = run((prefix() / "bin/korvo-widgets").string(), {"snapshot", "path"});
   EXPECT_EQ(path.exitCode, 0) << path.err;
   EXPECT_NE(path.out.find("/app-groups/group.test.installed/usage-snapshot.json"),
             std::string::npos)
       << path.out;
   // `run` finds the desktop host in libexec.
-  const CliResult host = run((prefix() / "bin/korvo-widgets").string(), {"run", "--help"});
+  const ProcessResult host = run((prefix() / "bin/korvo-widgets").string(), {"run", "--help"});
   EXPECT_EQ(host.exitCode, 0) << host.err;
   EXPECT_NE(host.out.find("--replace"), std::string::npos) << host.out;
 }
@@ -148,21 +144,21 @@ TEST_F(Installed, EveryDesktopEntryValidates) {
   for (const auto& entry : filesIn(dataDir / "autostart", ".desktop")) entries.push_back(entry);
   ASSERT_GE(entries.size(), 4u);
   for (const auto& entry : entries) {
-    const CliResult result = run("/usr/bin/desktop-file-validate", {entry.string()});
+    const ProcessResult result = run("/usr/bin/desktop-file-validate", {entry.string()});
     EXPECT_EQ(result.exitCode, 0) << entry << result.out << result.err;
     EXPECT_EQ(result.out + result.err, "") << entry;
   }
-  const auto korvo = lines(testing::slurp(dataDir / "com.tessmoor.Korvo.desktop"));
+  const auto korvo = lines(testing::readWhole(dataDir / "com.tessmoor.Korvo.desktop"));
   EXPECT_TRUE(has(korvo, "MimeType=x-scheme-handler/korvo;"));
   EXPECT_TRUE(has(korvo, "Exec=korvo open %u"));
 }
 
 TEST_F(Installed, TheMetainfoValidatesAndShowsTheGallery) {
   const fs::path metainfo = prefix() / "share/metainfo/com.tessmoor.Korvo.Widgets.metainfo.xml";
-  const CliResult result =
+  const ProcessResult result =
       run("/usr/bin/appstreamcli", {"validate", "--no-net", metainfo.string()});
   EXPECT_EQ(result.exitCode, 0) << result.out << result.err;
-  const std::string text = testing::slurp(metainfo);
+  const std::string text = testing::readWhole(metainfo);
   for (const char* picture :
        {"memory-medium-light-placeholder.png", "usage-medium-dark-placeholder.png",
         "temperature-small-light-placeholder.png"}) {
@@ -182,7 +178,7 @@ TEST_F(Installed, TheUserUnitsVerify) {
     fs::create_directories(stub.parent_path());
     std::ofstream(stub) << "#!/bin/sh\n";
     fs::permissions(stub, fs::perms::owner_all);
-    std::string unit = testing::slurp(dataDir / "korvo.service");
+    std::string unit = testing::readWhole(dataDir / "korvo.service");
     const std::string exec = "\nExecStart=korvo ";
     unit.replace(unit.find(exec), exec.size(), "\nExecStart=" + stub.string() + " ");
     const fs::path copy = folder_->path() / "stub" / "korvo.service";
@@ -197,8 +193,9 @@ TEST_F(Installed, TheUserUnitsVerify) {
   ASSERT_EQ(units.size(), 2u);
   for (const auto& unit : units) {
     // Documentation=man:… must name a page man finds.
-    const CliResult result = run("/usr/bin/systemd-analyze", {"--user", "verify", unit.string()},
-                                 {{"XDG_RUNTIME_DIR", runtime.string()}, {"MANPATH", manPath}});
+    const ProcessResult result =
+        run("/usr/bin/systemd-analyze", {"--user", "verify", unit.string()},
+            {{"XDG_RUNTIME_DIR", runtime.string()}, {"MANPATH", manPath}});
     EXPECT_EQ(result.exitCode, 0) << unit << result.out << result.err;
     EXPECT_EQ(result.err, "") << unit;
   }
@@ -208,8 +205,8 @@ TEST_F(Installed, EveryManPageRendersWithoutWarnings) {
   const auto pages = filesIn(dataDir / "man", ".1");
   ASSERT_EQ(pages.size(), 2u);
   for (const auto& page : pages) {
-    const CliResult result = run("/usr/bin/man", {"--warnings", "-l", page.string()},
-                                 {{"MANWIDTH", "80"}, {"MANPAGER", "cat"}, {"PAGER", "cat"}});
+    const ProcessResult result = run("/usr/bin/man", {"--warnings", "-l", page.string()},
+                                     {{"MANWIDTH", "80"}, {"MANPAGER", "cat"}, {"PAGER", "cat"}});
     EXPECT_EQ(result.exitCode, 0) << page << result.err;
     EXPECT_EQ(result.err, "") << page;
     EXPECT_NE(result.out.find("SYNOPSIS"), std::string::npos) << page;
@@ -238,7 +235,8 @@ std::string joinedLine(const std::vector<std::string>& words) {
   return line.substr(0, line.size() - 1);
 }
 
-void expectOffered(const std::string& shell, const CompletionCase& test, const CliResult& result) {
+void expectOffered(const std::string& shell, const CompletionCase& test,
+                   const ProcessResult& result) {
   EXPECT_EQ(result.exitCode, 0) << shell << " " << result.err;
   const auto offered = lines(result.out);
   for (const auto& word : test.offered) {
@@ -268,8 +266,9 @@ TEST_F(Installed, ZshCompletesTheCommandsAndKinds) {
   for (const fs::path& folder : {prefix() / "share/zsh/site-functions", dataDir / "completions"}) {
     for (const auto& test : completionCases) {
       if (!fs::exists(folder / ("_" + test.words[0]))) continue;
-      const CliResult result = run("/usr/bin/zsh", {"-f", KORVO_INSTALL_TESTS_DIR "/complete.zsh",
-                                                    folder.string(), joinedLine(test.words)});
+      const ProcessResult result = run(
+          "/usr/bin/zsh",
+          {"-f", KORVO_INSTALL_TESTS_DIR "/complete.zsh", folder.string(), joinedLine(test.words)});
       expectOffered("zsh", test, result);
     }
   }
@@ -281,7 +280,7 @@ TEST_F(Installed, FishCompletesTheCommandsAndKinds) {
          {prefix() / "share/fish/vendor_completions.d" / (test.words[0] + ".fish"),
           dataDir / "completions" / (test.words[0] + ".fish")}) {
       if (!fs::exists(script)) continue;
-      const CliResult result =
+      const ProcessResult result =
           run("/usr/bin/fish", {"--no-config", "-c",
                                 "source " + script.string() + "; complete -C '" +
                                     joinedLine(test.words) + "' | cut -f1"});
@@ -297,7 +296,7 @@ TEST_F(Installed, AnUnwritablePrefixIsRefusedOnOneClearLine) {
   ::chmod(locked.c_str(), 0755);
   std::vector<std::string> args{"--install", KORVO_BUILD_DIR, "--prefix",
                                 (locked / "usr").string()};
-  CliResult result;
+  ProcessResult result;
   if (::geteuid() == 0) {
     args.insert(args.begin(), {"-u", "nobody", "--", KORVO_CMAKE});
     result = run("/usr/sbin/runuser", args);
