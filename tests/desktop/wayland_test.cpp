@@ -376,10 +376,17 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
   startSway(1, 2);
   if (IsSkipped()) return;
   std::vector<SwayOutput> outputs;
+  // The nested outputs start at the backend's default size and are laid out again as the outer
+  // windows tile: wait for the final side-by-side arrangement.
+  const auto sideBySide = [](const std::vector<SwayOutput>& found) {
+    return found.size() == 2 && found[0].x == 0 && found[1].x == outputWidth &&
+           found[0].width == outputWidth && found[1].width == outputWidth &&
+           found[0].height == outputHeight && found[1].height == outputHeight;
+  };
   ASSERT_TRUE(waitFor([&] {
     outputs = sway_->outputs();
-    return outputs.size() == 2 && outputs[1].width == outputWidth;
-  })) << sway_->log();
+    return sideBySide(outputs);
+  })) << sway_->message({"-t", "get_outputs"}).output;
   const auto second = outputs[1];
   ASSERT_EQ(second.name, "WL-2");
   writePlacements(R"([
@@ -413,7 +420,8 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
   ASSERT_EQ(sway_->message({"create_output"}).exitStatus, 0);
   ASSERT_TRUE(waitFor([&] {
     outputs = sway_->outputs();
-    return outputs.size() == 2 && outputs[0].width == outputWidth;
+    return outputs.size() == 2 && outputs[0].width == outputWidth &&
+           outputs[0].height == outputHeight;
   })) << sway_->log();
   const Expected awakeStill{"awake still on WL-1", {outputWidth - 16 - 170, 16, 170, 170}};
   expectWidgetsAt({memory, awakeStill}, "plugged.png");
