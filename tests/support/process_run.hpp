@@ -60,7 +60,8 @@ inline ProcessResult runProgram(const std::string& program, const std::vector<st
   for (const auto& [name, value] : environment) envStrings.push_back(name + "=" + value);
   // The sanitizer build's settings, leak suppressions included, reach the child.
   for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
-    if (const char* value = std::getenv(name)) envStrings.push_back(std::string(name) + "=" + value);
+    if (const char* value = std::getenv(name))
+      envStrings.push_back(std::string(name) + "=" + value);
   }
   std::vector<char*> envp;
   for (auto& entry : envStrings) envp.push_back(entry.data());
