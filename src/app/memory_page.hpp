@@ -3,7 +3,9 @@
 #include <gtk/gtk.h>
 
 #include <memory>
+#include <string>
 
+#include "app/figure_grid.hpp"
 #include "app/widget_card.hpp"
 #include "sampling/display_mode.hpp"
 #include "sampling/system_sampler.hpp"
@@ -22,7 +24,9 @@ class MemoryPage {
 
  private:
   GtkWidget* page_;
-  GtkWidget* figures_;
+  GtkWidget* headline_;
+  std::string headlineMarkup_;
+  FigureGrid figures_;
   std::unique_ptr<WidgetCard> card_;
   SystemSampler sampler_;
 };

@@ -1,6 +1,8 @@
 #include "app/widget_card.hpp"
 
 #include "base/clock.hpp"
+#include "desktop/accessibility.hpp"
+#include "desktop/accessible_card.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
@@ -9,7 +11,7 @@ namespace korvo {
 
 WidgetCard::WidgetCard(const WidgetConfiguration& widget, ui::WidgetFamily family,
                        const desktop::AppearanceWatch& appearance)
-    : widget_(widget), family_(family), appearance_(appearance), area_(gtk_drawing_area_new()) {
+    : widget_(widget), family_(family), appearance_(appearance), area_(desktop::newCardArea()) {
   const ui::Size size = ui::familySize(family);
   gtk_widget_set_size_request(area_, static_cast<int>(size.width), static_cast<int>(size.height));
   gtk_widget_set_halign(area_, GTK_ALIGN_CENTER);
@@ -38,6 +40,8 @@ gboolean WidgetCard::draw(cairo_t* cr) {
   const auto layout = ui::layoutWidget(widget_.kind, entry_->view(environment), environment,
                                        render::PangoTextMeasurer::shared(), scale);
   render::paintWidget(cr, layout);
+  // What is drawn is what a screen reader reads, live texts as they read now.
+  desktop::describeToAssistiveTechnologies(area_, widget_.displayName, layout, 1, false);
   return TRUE;
 }
 

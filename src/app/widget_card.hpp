@@ -8,7 +8,8 @@
 namespace korvo {
 
 // A widget's card inside the dashboard, drawn as the desktop draws it (same view tree, layout and
-// painter) into a drawing area that asks the provider again on refresh().
+// painter) into a drawing area that asks the provider again on refresh(). Screen readers read its
+// texts, meters and links as they read the desktop's.
 class WidgetCard {
  public:
   WidgetCard(const WidgetConfiguration& widget, ui::WidgetFamily family,

@@ -9,17 +9,17 @@
 
 namespace korvo::desktop {
 
-void describeToAssistiveTechnologies(GtkWidget* window, const std::string& displayName,
+void describeToAssistiveTechnologies(GtkWidget* card, const std::string& displayName,
                                      const ui::WidgetLayout& widget, double scale, bool logTime) {
   const gint64 start = g_get_monotonic_time();
-  AtkObject* accessible = gtk_widget_get_accessible(window);
+  AtkObject* accessible = gtk_widget_get_accessible(card);
   if (accessible == nullptr) return;
   // ATK announces every name it is given, also an unchanged one.
   if (g_strcmp0(atk_object_get_name(accessible), displayName.c_str()) != 0) {
     atk_object_set_name(accessible, displayName.c_str());
   }
   const std::size_t edits =
-      showAccessibleElements(window, widget.url, ui::accessibleElements(widget), scale);
+      showAccessibleElements(card, widget.url, ui::accessibleElements(widget), scale);
   if (logTime) {
     std::fprintf(stderr, "korvo-widgets: accessible children of %s: %zu edits in %lld us\n",
                  displayName.c_str(), edits,

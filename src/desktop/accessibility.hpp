@@ -8,12 +8,12 @@ using GtkWidget = struct _GtkWidget;
 
 namespace korvo::desktop {
 
-// Tells screen readers what the card in `window` (made by newCardWindow) shows: the window is
-// named after the widget, its children are the texts, meters and links of `widget` laid out at
+// Tells screen readers what the card in `card` (made by newCardWindow or newCardArea) shows: it
+// is named after the widget, its children are the texts, meters and links of `widget` laid out at
 // `scale` logical pixels per point, and its action opens the widget URL. Called after every
 // layout; only what changed since the last call is announced. With `logTime`, says on standard
 // error how long that took.
-void describeToAssistiveTechnologies(GtkWidget* window, const std::string& displayName,
+void describeToAssistiveTechnologies(GtkWidget* card, const std::string& displayName,
                                      const ui::WidgetLayout& widget, double scale, bool logTime);
 
 }  // namespace korvo::desktop

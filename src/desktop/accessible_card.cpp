@@ -14,8 +14,9 @@ struct CardState {
   std::string url;
 };
 
-// The window's accessible object: GTK's own for windows, with the card's elements as children
-// instead of child widgets (the card has none) and the tap as an action.
+// The accessible objects of the two widgets that show a card: GTK's own for a window (a frame)
+// and for a drawing area inside a window (the dashboard's), each with the card's elements as
+// children instead of child widgets (the card has none) and the tap as an action.
 struct KorvoCardAccessible {
   GtkWindowAccessible parent;
   CardState* state;
@@ -23,36 +24,77 @@ struct KorvoCardAccessible {
 struct KorvoCardAccessibleClass {
   GtkWindowAccessibleClass parent;
 };
+struct KorvoCardAreaAccessible {
+  GtkWidgetAccessible parent;
+  CardState* state;
+};
+struct KorvoCardAreaAccessibleClass {
+  GtkWidgetAccessibleClass parent;
+};
 
-// A GtkWindow that only differs in its accessible object's type.
+// A GtkWindow and a GtkDrawingArea that only differ in their accessible object's type.
 struct KorvoCardWindow {
   GtkWindow parent;
 };
 struct KorvoCardWindowClass {
   GtkWindowClass parent;
 };
+struct KorvoCardArea {
+  GtkDrawingArea parent;
+};
+struct KorvoCardAreaClass {
+  GtkDrawingAreaClass parent;
+};
 
 void actionInit(AtkActionIface* iface);
 
 G_DEFINE_TYPE_WITH_CODE(KorvoCardAccessible, korvo_card_accessible, GTK_TYPE_WINDOW_ACCESSIBLE,
                         G_IMPLEMENT_INTERFACE(ATK_TYPE_ACTION, actionInit))
+G_DEFINE_TYPE_WITH_CODE(KorvoCardAreaAccessible, korvo_card_area_accessible,
+                        GTK_TYPE_WIDGET_ACCESSIBLE,
+                        G_IMPLEMENT_INTERFACE(ATK_TYPE_ACTION, actionInit))
 G_DEFINE_TYPE(KorvoCardWindow, korvo_card_window, GTK_TYPE_WINDOW)
+G_DEFINE_TYPE(KorvoCardArea, korvo_card_area, GTK_TYPE_DRAWING_AREA)
+
+// The card's state, or null for any other accessible object.
+CardState* stateOf(gpointer card) {
+  if (G_TYPE_CHECK_INSTANCE_TYPE(card, korvo_card_accessible_get_type())) {
+    return reinterpret_cast<KorvoCardAccessible*>(card)->state;
+  }
+  if (G_TYPE_CHECK_INSTANCE_TYPE(card, korvo_card_area_accessible_get_type())) {
+    return reinterpret_cast<KorvoCardAreaAccessible*>(card)->state;
+  }
+  return nullptr;
+}
 
 CardState& state(gpointer card) {
-  return *reinterpret_cast<KorvoCardAccessible*>(card)->state;
+  return *stateOf(card);
+}
+
+void releaseChildren(GObject* card) {
+  for (AtkObject* child : state(card).children) {
+    retireAccessibleElement(child);
+    g_object_unref(child);
+  }
+  delete &state(card);
 }
 
 void korvo_card_accessible_init(KorvoCardAccessible* self) {
   self->state = new CardState;
 }
 
+void korvo_card_area_accessible_init(KorvoCardAreaAccessible* self) {
+  self->state = new CardState;
+}
+
 void finalizeCard(GObject* object) {
-  for (AtkObject* child : state(object).children) {
-    retireAccessibleElement(child);
-    g_object_unref(child);
-  }
-  delete &state(object);
+  releaseChildren(object);
   G_OBJECT_CLASS(korvo_card_accessible_parent_class)->finalize(object);
+}
+
+void finalizeCardArea(GObject* object) {
+  releaseChildren(object);
+  G_OBJECT_CLASS(korvo_card_area_accessible_parent_class)->finalize(object);
 }
 
 gint childCount(AtkObject* card) {
@@ -67,6 +109,12 @@ AtkObject* refChild(AtkObject* card, gint index) {
 
 void korvo_card_accessible_class_init(KorvoCardAccessibleClass* klass) {
   G_OBJECT_CLASS(klass)->finalize = finalizeCard;
+  ATK_OBJECT_CLASS(klass)->get_n_children = childCount;
+  ATK_OBJECT_CLASS(klass)->ref_child = refChild;
+}
+
+void korvo_card_area_accessible_class_init(KorvoCardAreaAccessibleClass* klass) {
+  G_OBJECT_CLASS(klass)->finalize = finalizeCardArea;
   ATK_OBJECT_CLASS(klass)->get_n_children = childCount;
   ATK_OBJECT_CLASS(klass)->ref_child = refChild;
 }
@@ -97,6 +145,15 @@ void korvo_card_window_class_init(KorvoCardWindowClass* klass) {
   gtk_widget_class_set_accessible_type(GTK_WIDGET_CLASS(klass), korvo_card_accessible_get_type());
 }
 
+void korvo_card_area_init(KorvoCardArea*) {}
+
+void korvo_card_area_class_init(KorvoCardAreaClass* klass) {
+  gtk_widget_class_set_accessible_type(GTK_WIDGET_CLASS(klass),
+                                       korvo_card_area_accessible_get_type());
+  // Named after its widget, it reads as the group of the card's texts and meters.
+  gtk_widget_class_set_accessible_role(GTK_WIDGET_CLASS(klass), ATK_ROLE_PANEL);
+}
+
 }  // namespace
 
 GtkWidget* newCardWindow() {
@@ -104,11 +161,15 @@ GtkWidget* newCardWindow() {
       g_object_new(korvo_card_window_get_type(), "type", GTK_WINDOW_TOPLEVEL, nullptr));
 }
 
-std::size_t showAccessibleElements(GtkWidget* cardWindow, const std::string& url,
+GtkWidget* newCardArea() {
+  return GTK_WIDGET(g_object_new(korvo_card_area_get_type(), nullptr));
+}
+
+std::size_t showAccessibleElements(GtkWidget* cardWidget, const std::string& url,
                                    const std::vector<ui::AccessibleElement>& elements,
                                    double scale) {
-  AtkObject* card = gtk_widget_get_accessible(cardWindow);
-  if (!G_TYPE_CHECK_INSTANCE_TYPE(card, korvo_card_accessible_get_type())) return 0;
+  AtkObject* card = gtk_widget_get_accessible(cardWidget);
+  if (stateOf(card) == nullptr) return 0;
   CardState& held = state(card);
   held.url = url;
   auto& children = held.children;

@@ -14,11 +14,16 @@ namespace korvo::desktop {
 // children and, while the card has a widget URL, a "click" action opening it, as a tap does.
 GtkWidget* newCardWindow();
 
-// Makes the children of `cardWindow`'s accessible object show `elements`, drawn at `scale`
-// logical pixels per point, and its action open `url`. Only what changed is touched and
+// A new GtkDrawingArea for a card inside another window, whose accessible object (a panel) has
+// the card's elements as children, as the window's has.
+GtkWidget* newCardArea();
+
+// Makes the children of the accessible object of `cardWidget` (made by newCardWindow or
+// newCardArea) show `elements`, drawn at `scale` logical pixels per point from its corner, and
+// its action open `url`. Only what changed is touched and
 // announced (children added or removed, names, values, bounds). Returns how many children were
 // added, removed or updated.
-std::size_t showAccessibleElements(GtkWidget* cardWindow, const std::string& url,
+std::size_t showAccessibleElements(GtkWidget* cardWidget, const std::string& url,
                                    const std::vector<ui::AccessibleElement>& elements,
                                    double scale);
 

@@ -55,8 +55,8 @@ ElementState& state(gpointer object) {
   return *reinterpret_cast<KorvoAccessibleElement*>(object)->state;
 }
 
-// The window showing the element, while it is there.
-GtkWidget* windowOf(gpointer object) {
+// The widget showing the element (the card's window or drawing area), while it is realized.
+GtkWidget* cardWidgetOf(gpointer object) {
   AtkObject* card = state(object).card;
   if (card == nullptr || !GTK_IS_ACCESSIBLE(card)) return nullptr;
   GtkWidget* window = gtk_accessible_get_widget(GTK_ACCESSIBLE(card));
@@ -91,7 +91,7 @@ gint indexInParent(AtkObject* object) {
 AtkStateSet* stateSet(AtkObject* object) {
   AtkStateSet* states =
       ATK_OBJECT_CLASS(korvo_accessible_element_parent_class)->ref_state_set(object);
-  GtkWidget* window = windowOf(object);
+  GtkWidget* window = cardWidgetOf(object);
   if (window == nullptr) {
     atk_state_set_add_state(states, ATK_STATE_DEFUNCT);
     return states;
@@ -111,14 +111,17 @@ void korvo_accessible_element_class_init(KorvoAccessibleElementClass* klass) {
   atk->ref_state_set = stateSet;
 }
 
-// Pixels of the element on screen, or relative to its window for the other coordinate types.
+// Pixels of the element on screen, relative to the toplevel window, or to the card.
 AtkRectangle extents(gpointer object, AtkCoordType coordinates) {
-  GtkWidget* window = windowOf(object);
+  GtkWidget* window = cardWidgetOf(object);
   if (window == nullptr) return {-1, -1, -1, -1};
   gint originX = 0;
   gint originY = 0;
   if (coordinates == ATK_XY_SCREEN) {
     gdk_window_get_origin(gtk_widget_get_window(window), &originX, &originY);
+  } else if (coordinates == ATK_XY_WINDOW) {
+    gtk_widget_translate_coordinates(window, gtk_widget_get_toplevel(window), 0, 0, &originX,
+                                     &originY);
   }
   const ElementState& element = state(object);
   const ui::Rect& frame = element.element.frame;
@@ -198,7 +201,7 @@ const gchar* actionName(AtkAction*, gint index) {
 }
 
 gboolean doAction(AtkAction* action, gint index) {
-  if (index != 0 || windowOf(action) == nullptr) return FALSE;
+  if (index != 0 || cardWidgetOf(action) == nullptr) return FALSE;
   openURLWhenIdle(state(action).element.url);
   return TRUE;
 }

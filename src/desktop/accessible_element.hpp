@@ -9,9 +9,10 @@
 namespace korvo::desktop {
 
 // The accessible object of one element of a card: a label, a level bar (with its value) or a
-// link (with a "click" action opening it), child of `card`, the accessible object of a GTK
-// window. Its bounds are the element's frame times `scale` (logical pixels per point) from the
-// window's corner. The card holds the one reference returned; the element does not hold the card.
+// link (with a "click" action opening it), child of `card`, the accessible object of the GTK
+// window or drawing area that shows the card. Its bounds are the element's frame times `scale`
+// (logical pixels per point) from that widget's corner. The card holds the one reference returned;
+// the element does not hold the card.
 AtkObject* newAccessibleElement(AtkObject* card, const ui::AccessibleElement& element,
                                 double scale);
 

@@ -150,6 +150,46 @@ TEST_F(AccessibleCard, BoundsAreTheFramesScaledFromTheWindowsCorner) {
   EXPECT_EQ(y, 132);
 }
 
+// A card drawn inside another window (the dashboard's): a panel whose children's bounds start at
+// the card's corner, wherever the card sits in its window.
+TEST_F(AccessibleCard, ACardAreaInsideAWindowCountsFromItsOwnCorner) {
+  GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  gtk_window_set_decorated(GTK_WINDOW(window), FALSE);
+  GtkWidget* area = newCardArea();
+  gtk_widget_set_size_request(area, 364, 170);
+  g_object_set(area, "margin-start", 30, "margin-top", 50, nullptr);
+  gtk_container_add(GTK_CONTAINER(window), area);
+  gtk_window_move(GTK_WINDOW(window), 300, 100);
+  gtk_widget_show_all(window);
+  ASSERT_TRUE(desktop_test::waitFor([&] {
+    pump();
+    gint x = 0;
+    gint y = 0;
+    if (!gtk_widget_get_mapped(area)) return false;
+    gdk_window_get_origin(gtk_widget_get_window(window), &x, &y);
+    return x == 300 && y == 100;
+  })) << "the window never showed at (300, 100)";
+  AtkObject* card = gtk_widget_get_accessible(area);
+  EXPECT_EQ(atk_object_get_role(card), ATK_ROLE_PANEL);
+
+  showAccessibleElements(area, "korvo://resources", reading, 1);
+  ASSERT_EQ(atk_object_get_n_accessible_children(card), 4);
+  AtkObject* meter = atk_object_ref_accessible_child(card, 2);
+  EXPECT_STREQ(atk_object_get_name(meter), "Memory used");
+  EXPECT_EQ(atk_object_get_parent(meter), card);
+  gint x = 0, y = 0, width = 0, height = 0;
+  atk_component_get_extents(ATK_COMPONENT(meter), &x, &y, &width, &height, ATK_XY_SCREEN);
+  EXPECT_EQ(x, 300 + 30 + 16);
+  EXPECT_EQ(y, 100 + 50 + 88);
+  EXPECT_EQ(width, 138);
+  EXPECT_EQ(height, 6);
+  atk_component_get_extents(ATK_COMPONENT(meter), &x, &y, &width, &height, ATK_XY_WINDOW);
+  EXPECT_EQ(x, 30 + 16);
+  EXPECT_EQ(y, 50 + 88);
+  g_object_unref(meter);
+  gtk_widget_destroy(window);
+}
+
 TEST_F(AccessibleCard, TheCardsActionIsTheTapOnlyWhileThereIsAWidgetURL) {
   showAccessibleElements(window_, "korvo://resources", reading, 1);
   ASSERT_TRUE(ATK_IS_ACTION(card_));

@@ -7,7 +7,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "desktop/accessible_expectations.hpp"
 #include "desktop/desktop_harness.hpp"
+#include "desktop/host_dumps.hpp"
 
 // The host read as a screen reader reads it: through AT-SPI, on a private session bus with its
 // own accessibility bus, against the laid-out tree the host dumps of the same widget and entry.
@@ -16,68 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::json;
-
-// The shared file with the Codex weekly window `usedPercent` used and a CPU temperature, all
-// dated `unixNow` (Unix seconds).
-std::string usageSnapshot(int usedPercent, double unixNow) {
-  const double now = unixNow - 978307200.0;
-  Json window{{"title", "Weekly"}, {"usedPercent", usedPercent}, {"resetsAt", now + 86400}};
-  Json codex{{"enabled", true},
-             {"snapshot", {{"windows", Json::array({window})}, {"fetchedAt", now}}},
-             {"isRefreshing", false}};
-  return Json{{"date", now},
-              {"temperature", 54},
-              {"temperatureDate", now},
-              {"temperatureEnabled", true},
-              {"codex", codex},
-              {"claude", {{"enabled", false}, {"isRefreshing", false}}}}
-      .dump();
-}
-
-// What a screen reader should find for one node of the tree JSON.
-struct Expected {
-  std::string role{};  // AT-SPI's role name
-  std::string name{};
-  std::string valueText{};
-  std::optional<double> percent = std::nullopt;  // meters: the share drawn, 0…100
-  Json frame{};
-  std::string url{};
-};
-
-void appendTexts(const Json& node, std::string& out) {
-  if (!node.value("text", "").empty()) {
-    if (!out.empty()) out += ' ';
-    out += node["text"].get<std::string>();
-  }
-  for (const auto& child : node.value("children", Json::array())) appendTexts(child, out);
-}
-
-// Read from the tree JSON alone: a node with an accessibility label or value, a meter, a link or
-// a text is read out (named by its label, else its texts) and hides what it holds.
-void expectedElements(const Json& node, std::vector<Expected>& out) {
-  const std::string kind = node["kind"];
-  const bool labelled = node.contains("accessibilityLabel") || node.contains("accessibilityValue");
-  const bool drawsText = !node.value("text", "").empty();
-  if (!labelled && !drawsText && kind != "meter" && kind != "link") {
-    for (const auto& child : node.value("children", Json::array())) expectedElements(child, out);
-    return;
-  }
-  Expected element{.role = kind == "meter" ? "level bar" : kind == "link" ? "link" : "label"};
-  if (node.contains("accessibilityLabel")) {
-    element.name = node["accessibilityLabel"];
-  } else {
-    appendTexts(node, element.name);
-  }
-  element.valueText = node.value("accessibilityValue", "");
-  if (kind == "meter") {
-    const auto& fraction = node["fraction"];
-    element.percent = fraction.is_number() ? std::clamp(fraction.get<double>(), 0.0, 1.0) * 100 : 0;
-  }
-  element.frame = node["frame"];
-  if (kind == "link") element.url = node["url"];
-  if (element.role == "label" && element.name.empty() && element.valueText.empty()) return;
-  out.push_back(element);
-}
 
 class AccessibleHost : public testing::Test {
  protected:
@@ -188,35 +128,7 @@ class AccessibleHost : public testing::Test {
 
   // Compares the children of `window` with the dumped tree `dumpFile`.
   void expectReadsAsDumped(const Json& window, const fs::path& dumpFile) const {
-    const Json document = Json::parse(readFile(dumpFile));
-    std::vector<Expected> expected;
-    expectedElements(document["tree"], expected);
-    const auto& children = window["children"];
-    ASSERT_EQ(children.size(), expected.size()) << window.dump(1) << "\n" << document.dump(1);
-    const auto& corner = window["bounds"];
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-      const auto& child = children[i];
-      const auto& want = expected[i];
-      SCOPED_TRACE(dumpFile.filename().string() + " element " + std::to_string(i) + " " +
-                   want.name);
-      EXPECT_EQ(child["role"], want.role);
-      EXPECT_EQ(child["name"], want.name);
-      if (want.percent) {
-        EXPECT_NEAR(child["value"].get<double>(), *want.percent, 1e-9);
-        EXPECT_EQ(child["valueText"], want.valueText);
-      }
-      EXPECT_EQ(child["actions"].size(), want.url.empty() ? 0U : 1U);
-      const auto pixel = [](const Json& points) { return std::lround(points.get<double>()); };
-      const auto& frame = want.frame;
-      EXPECT_EQ(child["bounds"]["x"], corner["x"].get<long>() + pixel(frame["x"]));
-      EXPECT_EQ(child["bounds"]["y"], corner["y"].get<long>() + pixel(frame["y"]));
-      EXPECT_EQ(
-          child["bounds"]["width"],
-          std::lround(frame["x"].get<double>() + frame["width"].get<double>()) - pixel(frame["x"]));
-      EXPECT_EQ(child["bounds"]["height"],
-                std::lround(frame["y"].get<double>() + frame["height"].get<double>()) -
-                    pixel(frame["y"]));
-    }
+    expectReadsAsTree(window, Json::parse(readFile(dumpFile))["tree"], dumpFile.filename());
   }
 
   TempFolder folder_;
@@ -230,7 +142,7 @@ class AccessibleHost : public testing::Test {
 TEST_F(AccessibleHost, EveryWidgetReadsAsItsLaidOutTreeWithBoundsOnScreen) {
   // Read two and a half minutes ago: the relative texts say "2 min" while the test runs, in the
   // dump and on the bus alike.
-  writeFile(snapshotFile(), usageSnapshot(10, static_cast<double>(std::time(nullptr)) - 150));
+  writeFile(snapshotFile(), usageSnapshot(10, 54, static_cast<double>(std::time(nullptr)) - 150));
   startHost({"--widget", "memory:medium", "--widget", "awake", "--widget", "usage:small",
              "--widget", "temperature"});
   const std::vector<std::pair<std::string, std::string>> windows{
@@ -270,7 +182,7 @@ TEST_F(AccessibleHost, EveryWidgetReadsAsItsLaidOutTreeWithBoundsOnScreen) {
 
 TEST_F(AccessibleHost, ANewSnapshotRenamesTheFigures) {
   const double start = static_cast<double>(std::time(nullptr));
-  writeFile(snapshotFile(), usageSnapshot(10, start));
+  writeFile(snapshotFile(), usageSnapshot(10, 54, start));
   // 300 clock seconds per real second: the 900-second reload comes after three real seconds.
   startHost({"--widget", "usage:medium", "--time-rate", "300"});
   const auto names = [&] {
@@ -289,7 +201,7 @@ TEST_F(AccessibleHost, ANewSnapshotRenamesTheFigures) {
   };
   ASSERT_TRUE(shows("90")) << hostLog();
 
-  writeFile(snapshotFile(), usageSnapshot(37, start));
+  writeFile(snapshotFile(), usageSnapshot(37, 54, start));
   ASSERT_TRUE(shows("63")) << "the figure was never renamed; host log:\n" << hostLog();
   const auto shown = names();
   EXPECT_EQ(std::find(shown.begin(), shown.end(), "90"), shown.end());
@@ -297,7 +209,7 @@ TEST_F(AccessibleHost, ANewSnapshotRenamesTheFigures) {
 }
 
 TEST_F(AccessibleHost, ARelativeTextIsReadAsItReadsNow) {
-  writeFile(snapshotFile(), usageSnapshot(10, static_cast<double>(std::time(nullptr)) - 150));
+  writeFile(snapshotFile(), usageSnapshot(10, 54, static_cast<double>(std::time(nullptr)) - 150));
   // 20 clock seconds per real second: "2 min" turns "3 min" within two seconds, long before the
   // reload 45 seconds on, so only the advancing text can rename it.
   startHost({"--widget", "usage:medium", "--time-rate", "20"});

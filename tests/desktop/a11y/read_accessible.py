@@ -5,8 +5,14 @@ gir1.2-atspi-2.0; run it with /usr/bin/python3).
     read_accessible.py                   prints the host's windows and their children as JSON
     read_accessible.py WINDOW [CHILD]    does the first action of WINDOW, or of its child named
                                          CHILD, and prints its name
+    read_accessible.py --card NAME       prints the card named NAME found anywhere in the
+                                         application (a panel inside a window) with its children
+    read_accessible.py --card NAME CHILD does the first action of that card's child CHILD
 
-Exit status 1 when the host is not (yet) on the accessibility bus or the object is missing."""
+--application NAME reads another application than the desktop host (korvo's dashboard).
+Exit status 1 when the application is not (yet) on the accessibility bus or the object is
+missing."""
+import argparse
 import json
 import sys
 import warnings
@@ -16,17 +22,16 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-HOST = "korvo-widgets"
 
 # Debian 12's bindings mark the action name getter deprecated without offering its successor.
 warnings.filterwarnings("ignore", category=DeprecationWarning)
 
 
-def host():
+def find_application(name):
     desktop = Atspi.get_desktop(0)
     for index in range(desktop.get_child_count()):
         application = desktop.get_child_at_index(index)
-        if application is not None and application.get_name() == HOST:
+        if application is not None and application.get_name() == name:
             return application
     return None
 
@@ -56,22 +61,58 @@ def element(accessible):
     return described
 
 
+def with_children(accessible):
+    return dict(element(accessible), children=[element(c) for c in children(accessible)])
+
+
+def find_card(accessible, name):
+    """The first panel or frame named `name` under `accessible`, depth first."""
+    for child in children(accessible):
+        if child is None:
+            continue
+        if child.get_name() == name and child.get_role_name() in ("panel", "frame"):
+            return child
+        found = find_card(child, name)
+        if found is not None:
+            return found
+    return None
+
+
 def main(arguments):
-    application = host()
+    parser = argparse.ArgumentParser(description="What a screen reader reads, through AT-SPI.")
+    parser.add_argument("--application", default="korvo-widgets")
+    parser.add_argument("--card")
+    parser.add_argument("path", nargs="*", help="WINDOW [CHILD] whose first action to do")
+    options = parser.parse_args(arguments)
+    application = find_application(options.application)
     if application is None:
-        print(f"read_accessible: {HOST} is not on the accessibility bus", file=sys.stderr)
+        print(f"read_accessible: {options.application} is not on the accessibility bus",
+              file=sys.stderr)
         return 1
-    windows = children(application)
-    if not arguments:
-        document = [dict(element(window), children=[element(c) for c in children(window)])
-                    for window in windows]
-        print(json.dumps(document, ensure_ascii=False, indent=1))
-        return 0
-    target = next((w for w in windows if w.get_name() == arguments[0]), None)
-    if target is not None and len(arguments) > 1:
-        target = next((c for c in children(target) if c.get_name() == arguments[1]), None)
+    if options.card:
+        card = find_card(application, options.card)
+        if card is None:
+            print(f"read_accessible: no card named {options.card}", file=sys.stderr)
+            return 1
+        if not options.path:
+            print(json.dumps(with_children(card), ensure_ascii=False, indent=1))
+            return 0
+        path = [card] + options.path
+    else:
+        windows = children(application)
+        if not options.path:
+            document = [with_children(window) for window in windows]
+            print(json.dumps(document, ensure_ascii=False, indent=1))
+            return 0
+        path = [next((w for w in windows if w.get_name() == options.path[0]), None)]
+        path += options.path[1:]
+    target = path[0]
+    for name in path[1:]:
+        if target is None:
+            break
+        target = next((c for c in children(target) if c.get_name() == name), None)
     if target is None or not actions(target):
-        print(f"read_accessible: no action on {' / '.join(arguments)}", file=sys.stderr)
+        print(f"read_accessible: no action on {' / '.join(options.path)}", file=sys.stderr)
         return 1
     Atspi.Action.do_action(target, 0)
     print(target.get_name())

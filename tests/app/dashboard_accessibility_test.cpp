@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "app/korvo_process.hpp"
+#include "desktop/accessible_expectations.hpp"
+#include "desktop/desktop_harness.hpp"
+
+// The dashboard read as a screen reader reads it: through AT-SPI, on a private session bus with
+// its own accessibility bus. Its cards read as the desktop's widgets do, against the tree the
+// command line lays out for the same widget and entry.
+namespace korvo {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace desktop_test;
+using Json = nlohmann::json;
+
+class DashboardAccessibility : public testing::Test {
+ protected:
+  void SetUp() override {
+    server = std::make_unique<XServer>(1280, 1024, folder.path());
+    for (const char* name : {"home", "config", "data/applications", "state"}) {
+      fs::create_directories(folder.path() / name);
+    }
+    // A private session bus; asking it for the accessibility bus starts one (D-Bus activation
+    // from the system's service files), as on a desktop.
+    const auto address = folder.path() / "bus-address";
+    bus = std::make_unique<Process>(
+        std::vector<std::string>{"dbus-run-session", "--", "sh", "-c",
+                                 "printf %s \"$DBUS_SESSION_BUS_ADDRESS\" > \"$0.tmp\" && "
+                                 "mv \"$0.tmp\" \"$0\" && exec sleep 600",
+                                 address.string()},
+        Environment{{"PATH", "/usr/bin:/bin"},
+                    {"HOME", (folder.path() / "home").string()},
+                    {"DISPLAY", server->display()},
+                    {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"}},
+        folder.path() / "bus.out", folder.path() / "bus.err");
+    ASSERT_TRUE(waitFor([&] { return fs::exists(address); }))
+        << readFile(folder.path() / "bus.err");
+    const std::string programs = fs::path(KORVO_APP_BINARY).parent_path().string();
+    environment = {
+        // `Exec=korvo open %u` finds the built korvo first.
+        {"PATH", programs + ":/usr/bin:/bin"},
+        {"HOME", (folder.path() / "home").string()},
+        {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
+        {"XDG_DATA_HOME", (folder.path() / "data").string()},
+        {"XDG_STATE_HOME", (folder.path() / "state").string()},
+        {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"},
+        {"DISPLAY", server->display()},
+        {"GDK_BACKEND", "x11"},
+        {"LANG", "C.UTF-8"},
+        {"TZ", "UTC"},
+        {"DBUS_SESSION_BUS_ADDRESS", readFile(address)},
+        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (folder.path() / "no-bus").string()},
+        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
+        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
+        {"KORVO_DASHBOARD_DUMP", (folder.path() / "dashboard.json").string()},
+    };
+    // korvo's entry as the default handler: the card's link opens its tab through it.
+    writeFile(folder.path() / "data/applications/com.tessmoor.Korvo.desktop",
+              readFile(KORVO_SOURCE_DATA_DIR "/com.tessmoor.Korvo.desktop"));
+    writeFile(folder.path() / "config/mimeapps.list",
+              "[Default Applications]\nx-scheme-handler/korvo=com.tessmoor.Korvo.desktop\n");
+    reader = {{"PATH", "/usr/bin:/bin"},
+              {"HOME", (folder.path() / "home").string()},
+              {"DISPLAY", server->display()},
+              {"DBUS_SESSION_BUS_ADDRESS", environment["DBUS_SESSION_BUS_ADDRESS"]}};
+  }
+
+  void TearDown() override {
+    service.reset();
+    bus.reset();
+    server.reset();
+  }
+
+  std::string page() const {
+    const auto document = Json::parse(readFile(folder.path() / "dashboard.json"), nullptr, false);
+    return document.is_object() && document.value("mapped", false) ? document.value("page", "")
+                                                                   : "";
+  }
+
+  // The card named `name` with its children as AT-SPI reports them; null until it is there.
+  Json readCard(const std::string& name) const {
+    const auto result = runCommand(
+        {"/usr/bin/python3", KORVO_A11Y_READER, "--application", "korvo-service", "--card", name},
+        reader);
+    return result.exitStatus == 0 ? Json::parse(result.output, nullptr, false) : Json();
+  }
+
+  // The tree the command line lays out for the memory widget's medium card, now, at the
+  // dashboard's one pixel per point.
+  Json memoryTree() const {
+    const auto rendered = testing_support::runProgram(
+        KORVO_BINARY,
+        {"render", "memory", "--family", "medium", "--format", "json", "--scale", "1"},
+        environment);
+    return rendered.exitCode == 0 ? Json::parse(rendered.out, nullptr, false)["tree"] : Json();
+  }
+
+  std::vector<std::string> names(const Json& card) const {
+    std::vector<std::string> out;
+    for (const auto& child : card.value("children", Json::array())) out.push_back(child["name"]);
+    return out;
+  }
+
+  TempFolder folder;
+  std::unique_ptr<XServer> server;
+  std::unique_ptr<Process> bus;
+  Environment environment;
+  Environment reader;
+  std::unique_ptr<Process> service;
+};
+
+TEST_F(DashboardAccessibility, TheMemoryCardReadsAsItsLaidOutTreeAndItsLinkOpensKeepAwake) {
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://resources"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "memory"; }))
+      << readFile(folder.path() / "service.err");
+
+  // The card's "Updated" time and the command line's may straddle a minute: read both until
+  // they agree on every name.
+  Json card;
+  Json tree;
+  const bool agreed = waitFor([&] {
+    card = readCard("Memory");
+    tree = memoryTree();
+    return card.is_object() && tree.is_object() && names(card) == readableNames(tree);
+  });
+  ASSERT_TRUE(agreed) << "the card was never read as laid out; service:\n"
+                      << readFile(folder.path() / "service.err") << card.dump(1) << tree.dump(1);
+  EXPECT_EQ(card["role"], "panel");
+  EXPECT_EQ(card["bounds"]["width"], 364);
+  EXPECT_EQ(card["bounds"]["height"], 170);
+  expectReadsAsTree(card, tree, "memory medium");
+
+  // The page shows a new reading every second; read across a few of them, the card keeps its
+  // children and the toolkit has nothing to complain about.
+  for (int read = 0; read < 3; ++read) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+    EXPECT_EQ(readCard("Memory").value("children", Json::array()).size(), card["children"].size());
+  }
+  EXPECT_EQ(readFile(folder.path() / "service.err").find("CRITICAL"), std::string::npos)
+      << readFile(folder.path() / "service.err");
+
+  // The link inside the card opens Keep Awake's tab, as a click on it would.
+  ASSERT_EQ(runCommand({"/usr/bin/python3", KORVO_A11Y_READER, "--application", "korvo-service",
+                        "--card", "Memory", "Keep Awake"},
+                       reader)
+                .exitStatus,
+            0);
+  EXPECT_TRUE(waitFor([&] { return page() == "awake"; }))
+      << readFile(folder.path() / "service.err");
+}
+
+}  // namespace
+}  // namespace korvo
