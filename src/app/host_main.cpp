@@ -94,6 +94,11 @@ int main(int argc, char** argv) {
     }
     if (!startService(bus, argv[0])) return app::exitFailure;
   }
+  // Named as its desktop entry: the Wayland app_id and X11 WM_CLASS come from the program name,
+  // and desktops match them against the entry for the dashboard's icon and name; screen readers
+  // announce the application name.
+  g_set_prgname(std::string(AppIdentity::applicationIdentifier).c_str());
+  g_set_application_name("Korvo");
   // The dashboard never probes OpenGL (it paints with Cairo); a GDK_GL the user set still wins.
   g_setenv("GDK_GL", "disable", FALSE);
   // A service started without a usable display still publishes and keeps sessions.

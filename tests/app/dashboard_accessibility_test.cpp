@@ -84,9 +84,9 @@ class DashboardAccessibility : public testing::Test {
 
   // The card named `name` with its children as AT-SPI reports them; null until it is there.
   Json readCard(const std::string& name) const {
-    const auto result = runCommand(
-        {"/usr/bin/python3", KORVO_A11Y_READER, "--application", "korvo-service", "--card", name},
-        reader);
+    const auto result = runCommand({"/usr/bin/python3", KORVO_A11Y_READER, "--application",
+                                    "com.tessmoor.Korvo", "--card", name},
+                                   reader);
     return result.exitStatus == 0 ? Json::parse(result.output, nullptr, false) : Json();
   }
 
@@ -147,8 +147,8 @@ TEST_F(DashboardAccessibility, TheMemoryCardReadsAsItsLaidOutTreeAndItsLinkOpens
       << readFile(folder.path() / "service.err");
 
   // The link inside the card opens Keep Awake's tab, as a click on it would.
-  ASSERT_EQ(runCommand({"/usr/bin/python3", KORVO_A11Y_READER, "--application", "korvo-service",
-                        "--card", "Memory", "Keep Awake"},
+  ASSERT_EQ(runCommand({"/usr/bin/python3", KORVO_A11Y_READER, "--application",
+                        "com.tessmoor.Korvo", "--card", "Memory", "Keep Awake"},
                        reader)
                 .exitStatus,
             0);

@@ -35,16 +35,22 @@ Mock::Mock(const Environment& environment, const std::filesystem::path& folder,
   }
 }
 
-std::string call(const Environment& environment, bool system, const std::string& destination,
-                 const std::string& path, const std::string& method,
-                 const std::vector<std::string>& arguments) {
+std::vector<std::string> callCommand(bool system, const std::string& destination,
+                                     const std::string& path, const std::string& method,
+                                     const std::vector<std::string>& arguments) {
   std::vector<std::string> words{"gdbus",  "call",      system ? "--system" : "--session",
                                  "--dest", destination, "--object-path",
                                  path,     "--method",  method};
   // Arguments such as -1 are values, not options.
   if (!arguments.empty()) words.push_back("--");
   words.insert(words.end(), arguments.begin(), arguments.end());
-  return runCommand(words, environment).output;
+  return words;
+}
+
+std::string call(const Environment& environment, bool system, const std::string& destination,
+                 const std::string& path, const std::string& method,
+                 const std::vector<std::string>& arguments) {
+  return runCommand(callCommand(system, destination, path, method, arguments), environment).output;
 }
 
 bool owned(const Environment& environment, bool system, const std::string& name) {

@@ -37,6 +37,11 @@ class Mock {
   std::unique_ptr<desktop_test::Process> process_;
 };
 
+// The `gdbus call` command line for a call on the session or system bus.
+std::vector<std::string> callCommand(bool system, const std::string& destination,
+                                     const std::string& path, const std::string& method,
+                                     const std::vector<std::string>& arguments = {});
+
 // `gdbus call` on the bus the environment names; its output ("(uint32 42,)").
 std::string call(const Environment& environment, bool system, const std::string& destination,
                  const std::string& path, const std::string& method,

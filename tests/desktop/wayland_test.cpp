@@ -3,9 +3,11 @@
 
 #include <cmath>
 #include <ctime>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "app/private_buses.hpp"
 #include "desktop/desktop_harness.hpp"
 #include "desktop/host_dumps.hpp"
 #include "desktop/wayland_harness.hpp"
@@ -118,6 +120,25 @@ class WaylandHost : public testing::Test {
     writeFile(folder_.path() / "data" / "applications" / "korvo-test-handler.desktop", entry);
     writeFile(folder_.path() / "config" / "mimeapps.list",
               readFile(KORVO_HOST_DESKTOP_DIR "/mimeapps.list"));
+  }
+
+  // A session bus of the test user's own, which the clients started from now on join.
+  void startSessionBus() {
+    const auto bus = folder_.path() / "bus";
+    clients_.push_back(std::make_unique<Process>(
+        asTestUser({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + bus.string()}),
+        environment_, folder_.path() / "bus.out", folder_.path() / "bus.err"));
+    ASSERT_TRUE(waitFor([&] { return fs::exists(bus); })) << readFile(folder_.path() / "bus.err");
+    environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus.string();
+  }
+
+  // `gdbus call` on that bus, as the test user; its output ("(uint32 42,)").
+  std::string busCall(const std::string& destination, const std::string& path,
+                      const std::string& method, const std::vector<std::string>& arguments = {}) {
+    return runCommand(
+               asTestUser(bus_test::callCommand(false, destination, path, method, arguments)),
+               environment_)
+        .output;
   }
 
   fs::path snapshotFile() const {
@@ -353,7 +374,11 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
   // Ten times the clock: "2 min" turns "3 min" within seconds, while the reload (and any other
   // change of the card) stays a long way off even on a busy machine.
   startHost({"--time-rate", "10"});
+  // The surface below shows through the card's rounded corners: it must be there before the
+  // first picture, so that only the card can change between the two.
   startSurface("background", belowColor);
+  ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == belowColor; }))
+      << readFile(folder_.path() / "background.err");
   expectWidgetsAt({{"usage", {16, 16, 364, 170}}}, "first.png");
   crop(folder_.path() / "first.png", footerRect, folder_.path() / "footer-first.png");
   crop(folder_.path() / "first.png", above, folder_.path() / "above-first.png");
@@ -434,14 +459,9 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
 TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
   startSway(1);
   if (IsSkipped()) return;
-  const auto bus = folder_.path() / "bus";
+  startSessionBus();
   const auto scheme = folder_.path() / "scheme";
   writeFile(scheme, "2");
-  clients_.push_back(std::make_unique<Process>(
-      asTestUser({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + bus.string()}),
-      environment_, folder_.path() / "bus.out", folder_.path() / "bus.err"));
-  ASSERT_TRUE(waitFor([&] { return fs::exists(bus); })) << readFile(folder_.path() / "bus.err");
-  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus.string();
   clients_.push_back(std::make_unique<Process>(
       asTestUser({"python3", KORVO_TEST_PORTAL, scheme.string()}), environment_,
       folder_.path() / "portal.out", folder_.path() / "portal.err"));
@@ -476,6 +496,116 @@ TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
   EXPECT_TRUE(waitFor([&] { return colorAt(x, y) == light; }))
       << "not light again: " << colorAt(x, y);
   EXPECT_TRUE(host_->running());
+}
+
+// korvo itself under the compositor: the dashboard opens as an ordinary window that takes clicks,
+// and the tray indicator registers with the desktop's StatusNotifierWatcher (a mock here) and
+// opens the dashboard's tabs from its menu.
+TEST_F(WaylandHost, TheDashboardAndItsIndicatorRunHere) {
+  ASSERT_STRNE(KORVO_APP_BINARY, "") << "korvo was not built";
+  startSway(1);
+  if (IsSkipped()) return;
+  startSessionBus();
+  constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
+  clients_.push_back(std::make_unique<Process>(
+      asTestUser(
+          {"/usr/bin/python3", "-m", "dbusmock", watcher, "/StatusNotifierWatcher", watcher}),
+      environment_, folder_.path() / "watcher.out", folder_.path() / "watcher.err"));
+  const auto mock = [&](const std::string& method, const std::vector<std::string>& arguments) {
+    return busCall(watcher, "/StatusNotifierWatcher", "org.freedesktop.DBus.Mock." + method,
+                   arguments);
+  };
+  ASSERT_TRUE(waitFor([&] { return !mock("GetCalls", {}).empty(); }))
+      << readFile(folder_.path() / "watcher.err");
+  mock("AddMethod", {"", "RegisterStatusNotifierItem", "s", "", ""});
+  mock("AddMethod", {"", "RegisterStatusNotifierHost", "s", "", ""});
+  mock("AddProperty", {"", "IsStatusNotifierHostRegistered", "<true>"});
+  mock("AddProperty", {"", "ProtocolVersion", "<0>"});
+  mock("AddProperty", {"", "RegisteredStatusNotifierItems", "<@as []>"});
+
+  // The dashboard in the system's own theme and data, not the host's test theme.
+  Environment korvo = environment_;
+  korvo.erase("GTK_THEME");
+  korvo["XDG_DATA_DIRS"] = "/usr/local/share:/usr/share";
+  korvo["XDG_STATE_HOME"] = (folder_.path() / "state").string();
+  korvo["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (folder_.path() / "no-bus").string();
+  korvo["KORVO_DASHBOARD_DUMP"] = (folder_.path() / "dashboard.json").string();
+  const auto page = [&] {
+    const auto state =
+        nlohmann::json::parse(readFile(folder_.path() / "dashboard.json"), nullptr, false);
+    return state.is_object() && state.value("mapped", false) ? state.value("page", "")
+                                                             : std::string();
+  };
+  clients_.push_back(
+      std::make_unique<Process>(asTestUser({KORVO_APP_BINARY, "open", "korvo://awake"}), korvo,
+                                folder_.path() / "korvo.out", folder_.path() / "korvo.err"));
+  ASSERT_TRUE(waitFor([&] { return page() == "awake"; })) << readFile(folder_.path() / "korvo.err");
+
+  // A native Wayland window of its own application, tiled by sway, drawn.
+  const auto tree = nlohmann::json::parse(sway_->message({"-t", "get_tree", "-r"}).output);
+  const nlohmann::json* view = nullptr;
+  const std::function<void(const nlohmann::json&)> find = [&](const nlohmann::json& node) {
+    if (node.value("app_id", nlohmann::json()).is_string() &&
+        node["app_id"] == "com.tessmoor.Korvo") {
+      view = &node;
+    }
+    if (!node.contains("nodes")) return;
+    for (const auto& child : node["nodes"]) find(child);
+  };
+  find(tree);
+  ASSERT_NE(view, nullptr) << tree.dump(1);
+  EXPECT_EQ((*view)["name"], "Korvo · Resources, AI usage & Keep Awake");
+  EXPECT_EQ((*view)["shell"], "xdg_shell");
+  const auto& rect = (*view)["rect"];
+  const int left = rect["x"];
+  const int top = rect["y"];
+  const int width = rect["width"];
+  sway_->screenshot(screen());
+  fs::copy_file(screen(), fs::path(KORVO_SCREENSHOT_DIR) / "dashboard.png",
+                fs::copy_options::overwrite_existing);
+  const auto painted = paintedBounds(screen(), {left, top + 60, width, 200});
+  EXPECT_TRUE(painted.has_value()) << "the Keep Awake page drew nothing below its tabs";
+
+  // The tab switcher is centred at the top, its four buttons of one width: just left of the
+  // middle is the second, "Mem".
+  sway_->click(left + width / 2 - 30, top + 8 + 14);
+  EXPECT_TRUE(waitFor([&] { return page() == "memory"; }))
+      << "the click on Mem did not reach the dashboard; it shows " << page();
+
+  // The indicator: registered with the watcher; its menu opens the AI tab.
+  std::string calls;
+  ASSERT_TRUE(waitFor([&] {
+    calls = mock("GetCalls", {});
+    return calls.find("RegisterStatusNotifierItem") != std::string::npos;
+  })) << readFile(folder_.path() / "korvo.err");
+  const auto owner = busCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                             "org.freedesktop.DBus.GetNameOwner", {"com.tessmoor.Korvo"});
+  const auto quoted = [](const std::string& text, const std::string& marker) {
+    const auto at = text.find(marker);
+    const auto open = at == std::string::npos ? at : text.find('\'', at + marker.size());
+    const auto close = open == std::string::npos ? open : text.find('\'', open + 1);
+    return close == std::string::npos ? std::string() : text.substr(open + 1, close - open - 1);
+  };
+  const std::string name = quoted(owner, "");
+  const std::string item = quoted(calls, "'RegisterStatusNotifierItem', [<");
+  ASSERT_FALSE(name.empty()) << owner;
+  const std::string itemPath = !item.empty() && item.front() == '/' ? item : "/StatusNotifierItem";
+  const std::string menu = quoted(busCall(name, itemPath, "org.freedesktop.DBus.Properties.Get",
+                                          {"org.kde.StatusNotifierItem", "Menu"}),
+                                  "objectpath ");
+  ASSERT_FALSE(menu.empty());
+  std::string layout;
+  ASSERT_TRUE(waitFor([&] {
+    layout = busCall(name, menu, "com.canonical.dbusmenu.GetLayout", {"0", "-1", "@as []"});
+    return layout.find("'label': <'AI'>") != std::string::npos;
+  })) << layout;
+  const auto label = layout.find("'label': <'AI'>");
+  const auto open = layout.rfind('(', label);
+  const std::string id = layout.substr(open + 1, layout.find(',', open) - open - 1);
+  busCall(name, menu, "com.canonical.dbusmenu.Event", {id, "clicked", "<0>", "0"});
+  EXPECT_TRUE(waitFor([&] { return page() == "ai"; })) << "the menu's AI did not open the tab";
+  EXPECT_EQ(readFile(folder_.path() / "korvo.err").find("CRITICAL"), std::string::npos)
+      << readFile(folder_.path() / "korvo.err");
 }
 
 // A compositor without layer-shell: weston, headless.
