@@ -106,12 +106,14 @@ class WaylandHost : public testing::Test {
   }
 
   // A surface of the test's own: "background" (below the widgets, logging its clicks) or
-  // "window" (an ordinary window, which sway tiles over the whole output).
-  void startSurface(const std::string& layer, const std::string& color) {
+  // "window" (an ordinary window, which sway tiles over the whole output). Returns once it shows
+  // on screen (it shows through the cards' rounded corners, so pictures wait for it), or false.
+  bool startSurface(const std::string& layer, const std::string& color) {
     clients_.push_back(std::make_unique<Process>(
         asTestUser({"python3", KORVO_TEST_SURFACE, "--layer", layer, "--color", "#" + color,
                     "--clicks", clicksBelow().string()}),
         environment_, folder_.path() / (layer + ".out"), folder_.path() / (layer + ".err")));
+    return waitFor([&] { return colorAt(700, 700) == color; });
   }
 
   void registerUrlRecorder() {
@@ -223,16 +225,13 @@ TEST_P(WaylandPlacement, EveryAnchorAndMarginLandsWhereThePlacementsSayOnTheBott
   };
   startHost({});
   // The background layer comes after the widgets and still lies below them.
-  startSurface("background", belowColor);
-  ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == belowColor; }))
+  ASSERT_TRUE(startSurface("background", belowColor))
       << readFile(folder_.path() / "background.err");
   const auto name = "placements-scale-" + std::to_string(static_cast<int>(GetParam())) + ".png";
   expectWidgetsAt(widgets, name);
 
   // An ordinary window covers them all.
-  startSurface("window", windowColor);
-  ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == windowColor; }))
-      << readFile(folder_.path() / "window.err");
+  ASSERT_TRUE(startSurface("window", windowColor)) << readFile(folder_.path() / "window.err");
   for (const auto& widget : widgets) {
     EXPECT_EQ(
         colorAt(widget.rect.x + widget.rect.width / 2, widget.rect.y + widget.rect.height / 2),
@@ -253,7 +252,8 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
   if (IsSkipped()) return;
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
-  startSurface("background", belowColor);
+  ASSERT_TRUE(startSurface("background", belowColor))
+      << readFile(folder_.path() / "background.err");
   expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "sharp.png");
   const auto shown = folder_.path() / "shown.png";
   crop(folder_.path() / "sharp.png", {32, 32, 340, 340}, shown);
@@ -295,7 +295,8 @@ TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurf
   registerUrlRecorder();
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
-  startSurface("background", belowColor);
+  ASSERT_TRUE(startSurface("background", belowColor))
+      << readFile(folder_.path() / "background.err");
   expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "clicks.png");
 
   // The surface below answers clicks where no widget is.
@@ -374,10 +375,7 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
   // Ten times the clock: "2 min" turns "3 min" within seconds, while the reload (and any other
   // change of the card) stays a long way off even on a busy machine.
   startHost({"--time-rate", "10"});
-  // The surface below shows through the card's rounded corners: it must be there before the
-  // first picture, so that only the card can change between the two.
-  startSurface("background", belowColor);
-  ASSERT_TRUE(waitFor([&] { return colorAt(700, 700) == belowColor; }))
+  ASSERT_TRUE(startSurface("background", belowColor))
       << readFile(folder_.path() / "background.err");
   expectWidgetsAt({{"usage", {16, 16, 364, 170}}}, "first.png");
   crop(folder_.path() / "first.png", footerRect, folder_.path() / "footer-first.png");
@@ -541,8 +539,9 @@ TEST_F(WaylandHost, TheDashboardAndItsIndicatorRunHere) {
                                 folder_.path() / "korvo.out", folder_.path() / "korvo.err"));
   ASSERT_TRUE(waitFor([&] { return page() == "awake"; })) << readFile(folder_.path() / "korvo.err");
 
-  // A native Wayland window of its own application, tiled by sway, drawn.
-  const auto tree = nlohmann::json::parse(sway_->message({"-t", "get_tree", "-r"}).output);
+  // A native Wayland window of its own application, tiled by sway (once its first frame is
+  // committed, which may come after GTK maps it), drawn.
+  nlohmann::json tree;
   const nlohmann::json* view = nullptr;
   const std::function<void(const nlohmann::json&)> find = [&](const nlohmann::json& node) {
     if (node.value("app_id", nlohmann::json()).is_string() &&
@@ -552,19 +551,24 @@ TEST_F(WaylandHost, TheDashboardAndItsIndicatorRunHere) {
     if (!node.contains("nodes")) return;
     for (const auto& child : node["nodes"]) find(child);
   };
-  find(tree);
-  ASSERT_NE(view, nullptr) << tree.dump(1);
+  ASSERT_TRUE(waitFor([&] {
+    tree = nlohmann::json::parse(sway_->message({"-t", "get_tree", "-r"}).output, nullptr, false);
+    view = nullptr;
+    find(tree);
+    return view != nullptr;
+  })) << tree.dump(1);
   EXPECT_EQ((*view)["name"], "Korvo · Resources, AI usage & Keep Awake");
   EXPECT_EQ((*view)["shell"], "xdg_shell");
   const auto& rect = (*view)["rect"];
   const int left = rect["x"];
   const int top = rect["y"];
   const int width = rect["width"];
-  sway_->screenshot(screen());
+  EXPECT_TRUE(waitFor([&] {
+    sway_->screenshot(screen());
+    return paintedBounds(screen(), {left, top + 60, width, 200}).has_value();
+  })) << "the Keep Awake page drew nothing below its tabs";
   fs::copy_file(screen(), fs::path(KORVO_SCREENSHOT_DIR) / "dashboard.png",
                 fs::copy_options::overwrite_existing);
-  const auto painted = paintedBounds(screen(), {left, top + 60, width, 200});
-  EXPECT_TRUE(painted.has_value()) << "the Keep Awake page drew nothing below its tabs";
 
   // The tab switcher is centred at the top, its four buttons of one width: just left of the
   // middle is the second, "Mem".
