@@ -10,6 +10,7 @@
 #include "desktop/accessible_expectations.hpp"
 #include "desktop/desktop_harness.hpp"
 #include "desktop/host_dumps.hpp"
+#include "desktop/host_environment.hpp"
 
 // The host read as a screen reader reads it: through AT-SPI, on a private session bus with its
 // own accessibility bus, against the laid-out tree the host dumps of the same widget and entry.
@@ -24,9 +25,7 @@ class AccessibleHost : public testing::Test {
   void SetUp() override {
     ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
     server_ = std::make_unique<XServer>(1280, 1024, folder_.path());
-    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
-      fs::create_directories(folder_.path() / name);
-    }
+    fs::create_directories(folder_.path() / "home");
     // A private session bus; asking it for the accessibility bus starts one (D-Bus activation
     // from the system's service files), as on a desktop.
     const auto address = folder_.path() / "bus-address";
@@ -47,22 +46,13 @@ class AccessibleHost : public testing::Test {
                {"HOME", (folder_.path() / "home").string()},
                {"DISPLAY", server_->display()},
                {"DBUS_SESSION_BUS_ADDRESS", busAddress}};
-    environment_ = {
-        {"PATH", "/usr/bin:/bin"},
-        {"HOME", (folder_.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
-        // No system-wide handlers: only what a test registers opens korvo:// URLs.
-        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
-        {"DISPLAY", server_->display()},
-        {"DBUS_SESSION_BUS_ADDRESS", busAddress},
-        {"GDK_BACKEND", "x11"},
-        {"LANG", "en_US.UTF-8"},
-        {"TZ", "UTC"},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-        {"KORVO_TEST_URL_LOG", (folder_.path() / "urls.txt").string()},
-    };
+    environment_ = hostEnvironment(
+        folder_.path(), {
+                            {"DISPLAY", server_->display()},
+                            {"DBUS_SESSION_BUS_ADDRESS", busAddress},
+                            {"GDK_BACKEND", "x11"},
+                            {"KORVO_TEST_URL_LOG", (folder_.path() / "urls.txt").string()},
+                        });
   }
 
   void TearDown() override {
@@ -75,14 +65,6 @@ class AccessibleHost : public testing::Test {
     arguments.insert(arguments.begin(), {KORVO_BINARY, "run", "--dump-dir", dumps().string()});
     host_ = std::make_unique<Process>(arguments, environment_, folder_.path() / "host.out",
                                       folder_.path() / "host.err");
-  }
-
-  void registerUrlRecorder() {
-    std::string entry = readFile(KORVO_HOST_DESKTOP_DIR "/korvo-test-handler.desktop.in");
-    entry.replace(entry.find("@RECORDER@"), 10, KORVO_HOST_DESKTOP_DIR "/record-url.sh");
-    writeFile(folder_.path() / "data" / "applications" / "korvo-test-handler.desktop", entry);
-    writeFile(folder_.path() / "config" / "mimeapps.list",
-              readFile(KORVO_HOST_DESKTOP_DIR "/mimeapps.list"));
   }
 
   std::vector<std::string> recordedURLs() const {
@@ -235,7 +217,7 @@ TEST_F(AccessibleHost, ARelativeTextIsReadAsItReadsNow) {
 }
 
 TEST_F(AccessibleHost, TheWindowsActionOpensTheWidgetURLAndTheLinksOpensItsOwn) {
-  registerUrlRecorder();
+  registerUrlRecorder(folder_.path());
   startHost({"--widget", "memory:medium"});
   ASSERT_FALSE(waitForWindow("Memory").is_null()) << hostLog();
 

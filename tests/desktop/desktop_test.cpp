@@ -8,6 +8,7 @@
 
 #include "desktop/desktop_harness.hpp"
 #include "desktop/host_dumps.hpp"
+#include "desktop/host_environment.hpp"
 
 namespace korvo::desktop_test {
 namespace {
@@ -23,26 +24,13 @@ class DesktopHost : public testing::Test {
   void SetUp() override {
     ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
     server_ = std::make_unique<XServer>(screenWidth, screenHeight, folder_.path());
-    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
-      fs::create_directories(folder_.path() / name);
-    }
-    environment_ = {
-        {"PATH", "/usr/bin:/bin"},
-        {"HOME", (folder_.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
-        // No system-wide handlers: only what a test registers opens korvo:// URLs.
-        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
-        {"DISPLAY", server_->display()},
-        {"GDK_BACKEND", "x11"},
-        {"NO_AT_BRIDGE", "1"},
-        {"LANG", "en_US.UTF-8"},
-        {"TZ", "UTC"},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-        {"KORVO_HOST_DEBUG", "1"},
-        {"KORVO_TEST_URL_LOG", urlLog().string()},
-    };
+    environment_ = hostEnvironment(folder_.path(), {
+                                                       {"DISPLAY", server_->display()},
+                                                       {"GDK_BACKEND", "x11"},
+                                                       {"NO_AT_BRIDGE", "1"},
+                                                       {"KORVO_HOST_DEBUG", "1"},
+                                                       {"KORVO_TEST_URL_LOG", urlLog().string()},
+                                                   });
   }
 
   void TearDown() override {
@@ -54,14 +42,6 @@ class DesktopHost : public testing::Test {
     arguments.insert(arguments.begin(), {KORVO_BINARY, "run"});
     host_ =
         std::make_unique<Process>(arguments, environment_, folder_.path() / "host.out", hostLog());
-  }
-
-  void registerUrlRecorder() {
-    std::string entry = readFile(KORVO_HOST_DESKTOP_DIR "/korvo-test-handler.desktop.in");
-    entry.replace(entry.find("@RECORDER@"), 10, KORVO_HOST_DESKTOP_DIR "/record-url.sh");
-    writeFile(folder_.path() / "data" / "applications" / "korvo-test-handler.desktop", entry);
-    writeFile(folder_.path() / "config" / "mimeapps.list",
-              readFile(KORVO_HOST_DESKTOP_DIR "/mimeapps.list"));
   }
 
   fs::path snapshotFile() const {
@@ -133,7 +113,7 @@ TEST_F(DesktopHost, DefaultPlacementsShowAllFourWidgetsInAColumnAtTheRightEdge) 
 }
 
 TEST_F(DesktopHost, TheKeepAwakeLinkOpensAwakeAndTheRestOfTheMemoryCardOpensResources) {
-  registerUrlRecorder();
+  registerUrlRecorder(folder_.path());
   // Where the link sits, as the headless renderer lays the same card out.
   const auto rendered = runCommand(
       {KORVO_BINARY, "render", "memory", "--family", "medium", "--format", "json"}, environment_);
@@ -186,33 +166,9 @@ TEST_F(DesktopHost, WithoutAKorvoHandlerAClickSaysSoOnOneLineAndTheHostKeepsRunn
 }
 
 TEST_F(DesktopHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNever) {
-  const double start = static_cast<double>(std::time(nullptr));
-  writeFile(snapshotFile(), usageSnapshot(10, 41, start));
-  // 300 clock seconds per real second: the 900-second reload comes after three real seconds.
-  startHost({"--widget", "usage:medium", "--widget", "awake", "--time-rate", "300", "--dump-dir",
-             (folder_.path() / "dump").string()});
-  const auto usageDump = dump("1-usage-medium.json");
-  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "90"); }))
-      << "the first entry never showed 90 % left; host log:\n"
-      << readFile(hostLog());
-
-  writeFile(snapshotFile(), usageSnapshot(37, 77, start));
-  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "63"); }))
-      << "no reload showed the new file; host log:\n"
-      << readFile(hostLog());
-  // The change was picked up at once by the file watch; from that request on, the widget asks
-  // again every 900 clock seconds. Two more reloads, so keep-awake has had every chance to ask.
-  const auto changed = requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size();
-  ASSERT_TRUE(waitFor([&] {
-    return requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size() >= changed + 2;
-  }));
-
-  const auto log = readFile(hostLog());
-  const auto usage = requestMoments(log, "com.tessmoor.Korvo.usage");
-  for (std::size_t index = changed; index < usage.size(); ++index) {
-    EXPECT_GE(usage[index] - usage[index - 1], 900) << "a reload came early";
-  }
-  EXPECT_EQ(requestMoments(log, "com.tessmoor.Korvo.awake").size(), 1U) << log;
+  expectMonitorReloadsEveryNineHundredSeconds(
+      snapshotFile(), hostLog(), folder_.path() / "dump",
+      [&](std::vector<std::string> arguments) { startHost(std::move(arguments)); });
   EXPECT_TRUE(host_->running());
 }
 

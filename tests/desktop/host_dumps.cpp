@@ -1,6 +1,9 @@
 #include "desktop/host_dumps.hpp"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <ctime>
 
 #include "desktop/desktop_harness.hpp"
 
@@ -62,6 +65,39 @@ const Json* findNode(const Json& node, const std::string& kind) {
     }
   }
   return nullptr;
+}
+
+void expectMonitorReloadsEveryNineHundredSeconds(
+    const std::filesystem::path& snapshotFile, const std::filesystem::path& hostLog,
+    const std::filesystem::path& dumpDir,
+    const std::function<void(std::vector<std::string>)>& startHost) {
+  const double start = static_cast<double>(std::time(nullptr));
+  writeFile(snapshotFile, usageSnapshot(10, 41, start));
+  // 300 clock seconds per real second: the 900-second reload comes after three real seconds.
+  startHost({"--widget", "usage:medium", "--widget", "awake", "--time-rate", "300", "--dump-dir",
+             dumpDir.string()});
+  const auto usageDump = dumpDir / "1-usage-medium.json";
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "90"); }))
+      << "the first entry never showed 90 % left; host log:\n"
+      << readFile(hostLog);
+
+  writeFile(snapshotFile, usageSnapshot(37, 77, start));
+  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "63"); }))
+      << "no reload showed the new file; host log:\n"
+      << readFile(hostLog);
+  // The change was picked up at once by the file watch; from that request on, the widget asks
+  // again every 900 clock seconds. Two more reloads, so keep-awake has had every chance to ask.
+  const auto changed = requestMoments(readFile(hostLog), "com.tessmoor.Korvo.usage").size();
+  ASSERT_TRUE(waitFor([&] {
+    return requestMoments(readFile(hostLog), "com.tessmoor.Korvo.usage").size() >= changed + 2;
+  }));
+
+  const auto log = readFile(hostLog);
+  const auto usage = requestMoments(log, "com.tessmoor.Korvo.usage");
+  for (std::size_t index = changed; index < usage.size(); ++index) {
+    EXPECT_GE(usage[index] - usage[index - 1], 900) << "a reload came early";
+  }
+  EXPECT_EQ(requestMoments(log, "com.tessmoor.Korvo.awake").size(), 1U) << log;
 }
 
 }  // namespace korvo::desktop_test

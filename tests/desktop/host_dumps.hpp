@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -25,5 +26,14 @@ std::vector<double> requestMoments(const std::string& log, const std::string& ki
 
 // The first node of `kind` in a laid-out tree, depth first.
 const nlohmann::json* findNode(const nlohmann::json& node, const std::string& kind);
+
+// The reload schedule every host keeps, checked from its dumps and request log: a usage widget
+// shows a changed shared file at once and from then on asks every 900 clock seconds, Keep Awake
+// asks once. `startHost` starts the host with the given `korvo-widgets run` arguments, logging
+// its requests to `hostLog`; the clock runs 300 times as fast.
+void expectMonitorReloadsEveryNineHundredSeconds(
+    const std::filesystem::path& snapshotFile, const std::filesystem::path& hostLog,
+    const std::filesystem::path& dumpDir,
+    const std::function<void(std::vector<std::string>)>& startHost);
 
 }  // namespace korvo::desktop_test

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "desktop/desktop_harness.hpp"
+#include "desktop/host_environment.hpp"
 
 namespace korvo::desktop_test {
 namespace {
@@ -45,22 +46,15 @@ class Session : public testing::Test {
         folder_.path() / "bus.err");
     ASSERT_TRUE(waitFor([&] { return fs::exists(socket); }))
         << readFile(folder_.path() / "bus.err");
-    environment_ = {
-        {"PATH", "/usr/bin:/bin"},
-        {"HOME", (folder_.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
-        {"XDG_RUNTIME_DIR", (folder_.path() / "run").string()},
-        {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + socket.string()},
-        {"DISPLAY", server_->display()},
-        {"GDK_BACKEND", "x11"},
-        {"NO_AT_BRIDGE", "1"},
-        {"LANG", "en_US.UTF-8"},
-        {"TZ", "UTC"},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-        {"KORVO_HOST_DEBUG", "1"},
-    };
+    environment_ = hostEnvironment(folder_.path(),
+                                   {
+                                       {"XDG_RUNTIME_DIR", (folder_.path() / "run").string()},
+                                       {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + socket.string()},
+                                       {"DISPLAY", server_->display()},
+                                       {"GDK_BACKEND", "x11"},
+                                       {"NO_AT_BRIDGE", "1"},
+                                       {"KORVO_HOST_DEBUG", "1"},
+                                   });
   }
 
   void TearDown() override {

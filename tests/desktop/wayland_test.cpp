@@ -10,6 +10,7 @@
 #include "app/private_buses.hpp"
 #include "desktop/desktop_harness.hpp"
 #include "desktop/host_dumps.hpp"
+#include "desktop/host_environment.hpp"
 #include "desktop/wayland_harness.hpp"
 
 namespace korvo::desktop_test {
@@ -59,9 +60,13 @@ class WaylandHost : public testing::Test {
   // Sway with `outputs` outputs at `scale`; skips the test when sway cannot start at all.
   void startSway(double scale, int outputs = 1) {
     ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
-    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
-      fs::create_directories(folder_.path() / name);
-    }
+    const auto base = hostEnvironment(folder_.path(), {
+                                                          {"GDK_BACKEND", "wayland"},
+                                                          {"GTK_THEME", "KorvoPlain"},
+                                                          {"NO_AT_BRIDGE", "1"},
+                                                          {"KORVO_HOST_DEBUG", "1"},
+                                                          {"KORVO_TEST_URL_LOG", urlLog().string()},
+                                                      });
     // The host draws with a theme whose colours are the renderer's defaults.
     fs::create_directories(folder_.path() / "data" / "themes");
     fs::create_directory_symlink(KORVO_FIXTURES_DIR "/themes/KorvoPlain",
@@ -70,23 +75,7 @@ class WaylandHost : public testing::Test {
     scale_ = scale;
     sway_ = std::make_unique<Sway>(outputWidth, outputHeight, scale, folder_.path(), outputs);
     if (!sway_->failure().empty()) GTEST_SKIP() << sway_->failure();
-    environment_ = sway_->environment({
-        {"PATH", "/usr/bin:/bin"},
-        {"HOME", (folder_.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
-        // No system-wide handlers: only what a test registers opens korvo:// URLs.
-        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
-        {"GDK_BACKEND", "wayland"},
-        {"GTK_THEME", "KorvoPlain"},
-        {"NO_AT_BRIDGE", "1"},
-        {"LANG", "en_US.UTF-8"},
-        {"TZ", "UTC"},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-        {"KORVO_HOST_DEBUG", "1"},
-        {"KORVO_TEST_URL_LOG", urlLog().string()},
-    });
+    environment_ = sway_->environment(base);
   }
 
   void TearDown() override {
@@ -114,14 +103,6 @@ class WaylandHost : public testing::Test {
                     "--clicks", clicksBelow().string()}),
         environment_, folder_.path() / (layer + ".out"), folder_.path() / (layer + ".err")));
     return waitFor([&] { return colorAt(700, 700) == color; });
-  }
-
-  void registerUrlRecorder() {
-    std::string entry = readFile(KORVO_HOST_DESKTOP_DIR "/korvo-test-handler.desktop.in");
-    entry.replace(entry.find("@RECORDER@"), 10, KORVO_HOST_DESKTOP_DIR "/record-url.sh");
-    writeFile(folder_.path() / "data" / "applications" / "korvo-test-handler.desktop", entry);
-    writeFile(folder_.path() / "config" / "mimeapps.list",
-              readFile(KORVO_HOST_DESKTOP_DIR "/mimeapps.list"));
   }
 
   // A session bus of the test user's own, which the clients started from now on join.
@@ -292,7 +273,7 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
 TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurfaceBelow) {
   startSway(1);
   if (IsSkipped()) return;
-  registerUrlRecorder();
+  registerUrlRecorder(folder_.path());
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
   ASSERT_TRUE(startSurface("background", belowColor))
@@ -323,35 +304,14 @@ TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurf
 TEST_F(WaylandHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNever) {
   startSway(1);
   if (IsSkipped()) return;
-  const double start = static_cast<double>(std::time(nullptr));
-  writeFile(snapshotFile(), usageSnapshot(10, 41, start));
-  // 300 clock seconds per real second: the 900-second reload comes after three real seconds.
-  startHost({"--widget", "usage:medium", "--widget", "awake", "--time-rate", "300", "--dump-dir",
-             (folder_.path() / "dump").string()});
-  const auto usageDump = dump("1-usage-medium.json");
-  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "90"); }))
-      << "the first entry never showed 90 % left; host log:\n"
-      << readFile(hostLog());
-
-  writeFile(snapshotFile(), usageSnapshot(37, 77, start));
-  ASSERT_TRUE(waitFor([&] { return contains(dumpedTexts(usageDump), "63"); }))
-      << "no reload showed the new file; host log:\n"
-      << readFile(hostLog());
-  const auto changed = requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size();
-  ASSERT_TRUE(waitFor([&] {
-    return requestMoments(readFile(hostLog()), "com.tessmoor.Korvo.usage").size() >= changed + 2;
-  }));
-  const auto log = readFile(hostLog());
-  const auto usage = requestMoments(log, "com.tessmoor.Korvo.usage");
-  for (std::size_t index = changed; index < usage.size(); ++index) {
-    EXPECT_GE(usage[index] - usage[index - 1], 900) << "a reload came early";
-  }
-  EXPECT_EQ(requestMoments(log, "com.tessmoor.Korvo.awake").size(), 1U) << log;
+  expectMonitorReloadsEveryNineHundredSeconds(
+      snapshotFile(), hostLog(), folder_.path() / "dump",
+      [&](std::vector<std::string> arguments) { startHost(std::move(arguments)); });
   EXPECT_TRUE(host_->running());
 }
 
-// "Updated 2 min ago" moves on on screen, without a reload: the clock runs 30 times as fast, so a
-// minute passes every two real seconds and the next reload is half a minute away.
+// "Updated 2 min ago" moves on on screen, without a reload: the clock runs ten times as fast, so
+// a minute passes every six real seconds and the next reload is over a minute away.
 TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
   startSway(1);
   if (IsSkipped()) return;
@@ -617,24 +577,11 @@ class NoLayerShell : public testing::Test {
  protected:
   void start(bool xwayland) {
     ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
-    for (const char* name : {"home", "config", "data", "data-dirs", "dump"}) {
-      fs::create_directories(folder_.path() / name);
-    }
+    const auto base = hostEnvironment(folder_.path(), {{"NO_AT_BRIDGE", "1"}});
     handToTestUser(folder_.path());
     weston_ = std::make_unique<Weston>(xwayland, folder_.path());
     if (!weston_->failure().empty()) GTEST_SKIP() << weston_->failure();
-    environment_ = weston_->environment({
-        {"PATH", "/usr/bin:/bin"},
-        {"HOME", (folder_.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder_.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder_.path() / "data").string()},
-        {"XDG_DATA_DIRS", (folder_.path() / "data-dirs").string()},
-        {"NO_AT_BRIDGE", "1"},
-        {"LANG", "en_US.UTF-8"},
-        {"TZ", "UTC"},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-    });
+    environment_ = weston_->environment(base);
     host_ = std::make_unique<Process>(
         asTestUser({KORVO_BINARY, "run", "--widget", "awake", "--widget", "memory", "--dump-dir",
                     (folder_.path() / "dump").string()}),
@@ -705,23 +652,11 @@ TEST_F(NoLayerShell, WithoutXWaylandTheWidgetsAreOrdinaryWindowsAndTheHostSaysSo
 TEST(GnomeCompositor, TheWidgetsRunThroughXWaylandBelowOnEveryWorkspaceOutOfTheTaskbar) {
   ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
   TempFolder folder;
-  for (const char* name : {"home", "config", "data", "data-dirs"}) {
-    fs::create_directories(folder.path() / name);
-  }
+  const auto base = hostEnvironment(folder.path(), {{"NO_AT_BRIDGE", "1"}});
   handToTestUser(folder.path());
   Mutter mutter(folder.path());
   if (!mutter.failure().empty()) GTEST_SKIP() << mutter.failure();
-  const auto environment = mutter.environment({
-      {"PATH", "/usr/bin:/bin"},
-      {"HOME", (folder.path() / "home").string()},
-      {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
-      {"XDG_DATA_HOME", (folder.path() / "data").string()},
-      {"XDG_DATA_DIRS", (folder.path() / "data-dirs").string()},
-      {"NO_AT_BRIDGE", "1"},
-      {"LANG", "en_US.UTF-8"},
-      {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-      {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-  });
+  const auto environment = mutter.environment(base);
   const auto hostLog = folder.path() / "host.err";
   Process host(asTestUser({KORVO_BINARY, "run", "--widget", "awake"}), environment,
                folder.path() / "host.out", hostLog);
