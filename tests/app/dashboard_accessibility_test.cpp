@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "app/dashboard_environment.hpp"
 #include "app/korvo_process.hpp"
 #include "desktop/accessible_expectations.hpp"
 #include "desktop/desktop_harness.hpp"
@@ -22,9 +23,7 @@ class DashboardAccessibility : public testing::Test {
  protected:
   void SetUp() override {
     server = std::make_unique<XServer>(1280, 1024, folder.path());
-    for (const char* name : {"home", "config", "data/applications", "state"}) {
-      fs::create_directories(folder.path() / name);
-    }
+    fs::create_directories(folder.path() / "home");
     // A private session bus; asking it for the accessibility bus starts one (D-Bus activation
     // from the system's service files), as on a desktop.
     const auto address = folder.path() / "bus-address";
@@ -40,30 +39,12 @@ class DashboardAccessibility : public testing::Test {
         folder.path() / "bus.out", folder.path() / "bus.err");
     ASSERT_TRUE(waitFor([&] { return fs::exists(address); }))
         << readFile(folder.path() / "bus.err");
-    const std::string programs = fs::path(KORVO_APP_BINARY).parent_path().string();
-    environment = {
-        // `Exec=korvo open %u` finds the built korvo first.
-        {"PATH", programs + ":/usr/bin:/bin"},
-        {"HOME", (folder.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder.path() / "data").string()},
-        {"XDG_STATE_HOME", (folder.path() / "state").string()},
-        {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"},
-        {"DISPLAY", server->display()},
-        {"GDK_BACKEND", "x11"},
-        {"LANG", "C.UTF-8"},
-        {"TZ", "UTC"},
-        {"DBUS_SESSION_BUS_ADDRESS", readFile(address)},
-        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (folder.path() / "no-bus").string()},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-        {"KORVO_DASHBOARD_DUMP", (folder.path() / "dashboard.json").string()},
-    };
+    environment =
+        dashboard_test::dashboardEnvironment(folder.path(), server->display(), readFile(address));
+    // Read by a screen reader: the accessibility bridge joins the bus.
+    environment.erase("NO_AT_BRIDGE");
     // korvo's entry as the default handler: the card's link opens its tab through it.
-    writeFile(folder.path() / "data/applications/com.tessmoor.Korvo.desktop",
-              readFile(KORVO_SOURCE_DATA_DIR "/com.tessmoor.Korvo.desktop"));
-    writeFile(folder.path() / "config/mimeapps.list",
-              "[Default Applications]\nx-scheme-handler/korvo=com.tessmoor.Korvo.desktop\n");
+    dashboard_test::registerKorvoAsHandler(folder.path());
     reader = {{"PATH", "/usr/bin:/bin"},
               {"HOME", (folder.path() / "home").string()},
               {"DISPLAY", server->display()},

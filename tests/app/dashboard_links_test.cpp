@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/dashboard_environment.hpp"
 #include "app/korvo_process.hpp"
 #include "app/private_buses.hpp"
 
@@ -25,36 +26,10 @@ class DashboardLinks : public testing::Test {
   void SetUp() override {
     server = std::make_unique<XServer>(screenWidth, screenHeight, folder.path());
     bus = std::make_unique<bus_test::PrivateBus>(folder.path(), "session");
-    for (const char* name : {"home", "config", "data/applications", "state"}) {
-      fs::create_directories(folder.path() / name);
-    }
-    const std::string programs = fs::path(KORVO_APP_BINARY).parent_path().string();
-    environment = {
-        // `Exec=korvo open %u` finds the built korvo first.
-        {"PATH", programs + ":/usr/bin:/bin"},
-        {"HOME", (folder.path() / "home").string()},
-        {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder.path() / "data").string()},
-        {"XDG_STATE_HOME", (folder.path() / "state").string()},
-        // The system's data for GTK's schemas and icons; the user's mimeapps.list picks the
-        // handler whatever else is installed.
-        {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"},
-        {"DISPLAY", server->display()},
-        {"GDK_BACKEND", "x11"},
-        {"NO_AT_BRIDGE", "1"},
-        {"LANG", "C.UTF-8"},
-        {"TZ", "UTC"},
-        {"DBUS_SESSION_BUS_ADDRESS", bus->address()},
-        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (folder.path() / "no-bus").string()},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/hwmon/coretemp_two_packages"},
-        {"KORVO_DASHBOARD_DUMP", dumpFile().string()},
-    };
-    // The entry as installed, registered as the default handler of korvo:// links.
-    writeFile(folder.path() / "data/applications/com.tessmoor.Korvo.desktop",
-              readFile(KORVO_SOURCE_DATA_DIR "/com.tessmoor.Korvo.desktop"));
-    writeFile(folder.path() / "config/mimeapps.list",
-              "[Default Applications]\nx-scheme-handler/korvo=com.tessmoor.Korvo.desktop\n");
+    environment =
+        dashboard_test::dashboardEnvironment(folder.path(), server->display(), bus->address(),
+                                             KORVO_FIXTURES_DIR "/hwmon/coretemp_two_packages");
+    dashboard_test::registerKorvoAsHandler(folder.path());
   }
 
   void TearDown() override {

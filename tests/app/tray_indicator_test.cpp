@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/dashboard_environment.hpp"
 #include "app/private_buses.hpp"
 
 // The status icon against a mock org.kde.StatusNotifierWatcher on a private session bus: the
@@ -21,22 +22,8 @@ class TrayIndicatorTest : public testing::Test {
   void SetUp() override {
     server = std::make_unique<XServer>(1024, 768, folder.path());
     bus = std::make_unique<bus_test::PrivateBus>(folder.path(), "session");
-    environment = {
-        {"PATH", "/usr/bin:/bin"},
-        {"HOME", folder.path().string()},
-        {"XDG_CONFIG_HOME", (folder.path() / "config").string()},
-        {"XDG_DATA_HOME", (folder.path() / "data").string()},
-        {"XDG_STATE_HOME", (folder.path() / "state").string()},
-        {"DISPLAY", server->display()},
-        {"GDK_BACKEND", "x11"},
-        {"NO_AT_BRIDGE", "1"},
-        {"LANG", "C.UTF-8"},
-        {"DBUS_SESSION_BUS_ADDRESS", bus->address()},
-        {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + (folder.path() / "no-bus").string()},
-        {"KORVO_BUNDLE_INFO", KORVO_SOURCE_DATA_DIR "/Info.json"},
-        {"KORVO_SYSROOT", KORVO_FIXTURES_DIR "/proc/desktop-zram"},
-        {"KORVO_DASHBOARD_DUMP", (folder.path() / "dashboard.json").string()},
-    };
+    environment =
+        dashboard_test::dashboardEnvironment(folder.path(), server->display(), bus->address());
     mock = std::make_unique<bus_test::Mock>(
         environment, folder.path(),
         std::vector<std::string>{watcher, "/StatusNotifierWatcher", watcher}, watcher, false);
