@@ -23,24 +23,10 @@ class DashboardAccessibility : public testing::Test {
  protected:
   void SetUp() override {
     server = std::make_unique<XServer>(1280, 1024, folder.path());
-    fs::create_directories(folder.path() / "home");
-    // A private session bus; asking it for the accessibility bus starts one (D-Bus activation
-    // from the system's service files), as on a desktop.
-    const auto address = folder.path() / "bus-address";
-    bus = std::make_unique<Process>(
-        std::vector<std::string>{"dbus-run-session", "--", "sh", "-c",
-                                 "printf %s \"$DBUS_SESSION_BUS_ADDRESS\" > \"$0.tmp\" && "
-                                 "mv \"$0.tmp\" \"$0\" && exec sleep 600",
-                                 address.string()},
-        Environment{{"PATH", "/usr/bin:/bin"},
-                    {"HOME", (folder.path() / "home").string()},
-                    {"DISPLAY", server->display()},
-                    {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"}},
-        folder.path() / "bus.out", folder.path() / "bus.err");
-    ASSERT_TRUE(waitFor([&] { return fs::exists(address); }))
-        << readFile(folder.path() / "bus.err");
+    // Asking the bus for the accessibility bus starts one, as on a desktop.
+    bus = std::make_unique<ActivatingSessionBus>(folder.path(), server->display());
     environment =
-        dashboard_test::dashboardEnvironment(folder.path(), server->display(), readFile(address));
+        dashboard_test::dashboardEnvironment(folder.path(), server->display(), bus->address());
     // Read by a screen reader: the accessibility bridge joins the bus.
     environment.erase("NO_AT_BRIDGE");
     // korvo's entry as the default handler: the card's link opens its tab through it.
@@ -89,7 +75,7 @@ class DashboardAccessibility : public testing::Test {
 
   TempFolder folder;
   std::unique_ptr<XServer> server;
-  std::unique_ptr<Process> bus;
+  std::unique_ptr<ActivatingSessionBus> bus;
   Environment environment;
   Environment reader;
   std::unique_ptr<Process> service;

@@ -25,23 +25,9 @@ class AccessibleHost : public testing::Test {
   void SetUp() override {
     ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
     server_ = std::make_unique<XServer>(1280, 1024, folder_.path());
-    fs::create_directories(folder_.path() / "home");
-    // A private session bus; asking it for the accessibility bus starts one (D-Bus activation
-    // from the system's service files), as on a desktop.
-    const auto address = folder_.path() / "bus-address";
-    bus_ = std::make_unique<Process>(
-        std::vector<std::string>{"dbus-run-session", "--", "sh", "-c",
-                                 "printf %s \"$DBUS_SESSION_BUS_ADDRESS\" > \"$0.tmp\" && "
-                                 "mv \"$0.tmp\" \"$0\" && exec sleep 600",
-                                 address.string()},
-        Environment{{"PATH", "/usr/bin:/bin"},
-                    {"HOME", (folder_.path() / "home").string()},
-                    {"DISPLAY", server_->display()},
-                    {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"}},
-        folder_.path() / "bus.out", folder_.path() / "bus.err");
-    ASSERT_TRUE(waitFor([&] { return fs::exists(address); }))
-        << readFile(folder_.path() / "bus.err");
-    const std::string busAddress = readFile(address);
+    // Asking the bus for the accessibility bus starts one, as on a desktop.
+    bus_ = std::make_unique<ActivatingSessionBus>(folder_.path(), server_->display());
+    const std::string busAddress = bus_->address();
     reader_ = {{"PATH", "/usr/bin:/bin"},
                {"HOME", (folder_.path() / "home").string()},
                {"DISPLAY", server_->display()},
@@ -115,7 +101,7 @@ class AccessibleHost : public testing::Test {
 
   TempFolder folder_;
   std::unique_ptr<XServer> server_;
-  std::unique_ptr<Process> bus_;
+  std::unique_ptr<ActivatingSessionBus> bus_;
   Environment reader_;
   Environment environment_;
   std::unique_ptr<Process> host_;

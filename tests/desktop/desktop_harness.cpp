@@ -196,6 +196,25 @@ XServer::XServer(int width, int height, const fs::path& logFolder) {
   display_ = ":" + number;
 }
 
+ActivatingSessionBus::ActivatingSessionBus(const fs::path& folder, const std::string& display) {
+  fs::create_directories(folder / "home");
+  const auto address = folder / "bus-address";
+  process_ = std::make_unique<Process>(
+      std::vector<std::string>{"dbus-run-session", "--", "sh", "-c",
+                               "printf %s \"$DBUS_SESSION_BUS_ADDRESS\" > \"$0.tmp\" && "
+                               "mv \"$0.tmp\" \"$0\" && exec sleep 600",
+                               address.string()},
+      Environment{{"PATH", "/usr/bin:/bin"},
+                  {"HOME", (folder / "home").string()},
+                  {"DISPLAY", display},
+                  {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"}},
+      folder / "bus.out", folder / "bus.err");
+  if (!waitFor([&] { return fs::exists(address); })) {
+    throw std::runtime_error("the session bus did not start: " + readFile(folder / "bus.err"));
+  }
+  address_ = readFile(address);
+}
+
 namespace {
 
 Environment xEnvironment(const std::string& display) {

@@ -77,6 +77,19 @@ class XServer {
   std::string display_;
 };
 
+// A session bus of the test's own (dbus-run-session) whose D-Bus activation starts services
+// from the system's files, the accessibility bus among them, as on a desktop. `folder` holds its
+// home and logs.
+class ActivatingSessionBus {
+ public:
+  ActivatingSessionBus(const std::filesystem::path& folder, const std::string& display);
+  const std::string& address() const { return address_; }
+
+ private:
+  std::unique_ptr<Process> process_;
+  std::string address_;
+};
+
 struct WindowGeometry {
   int x = 0;       // pixels, absolute
   int y = 0;       // pixels, absolute
