@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <thread>
@@ -121,6 +122,30 @@ TEST_F(DashboardAccessibility, TheMemoryCardReadsAsItsLaidOutTreeAndItsLinkOpens
             0);
   EXPECT_TRUE(waitFor([&] { return page() == "awake"; }))
       << readFile(folder.path() / "service.err");
+}
+
+// The AI tab's card reads what it draws, and reads anew when korvo publishes.
+TEST_F(DashboardAccessibility, TheUsageCardReadsWhatKorvoPublishes) {
+  // No Codex sessions yet: the service's first publish finds no figures.
+  fs::create_directories(folder.path() / "codex");
+  environment["CODEX_HOME"] = (folder.path() / "codex").string();
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://usage"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "ai"; })) << readFile(folder.path() / "service.err");
+  const auto reads = [&](const std::string& name) {
+    return waitFor([&] {
+      const auto shown = names(readCard("AI Usage"));
+      return std::find(shown.begin(), shown.end(), name) != shown.end();
+    });
+  };
+  EXPECT_TRUE(reads("Usage unavailable")) << readCard("AI Usage").dump(1);
+
+  // Codex's fixture rollout, published: its weekly window has 58 % left.
+  environment["CODEX_HOME"] = KORVO_FIXTURES_DIR "/codex";
+  const auto publish = testing_support::runProgram(KORVO_APP_BINARY, {"publish"}, environment);
+  ASSERT_EQ(publish.exitCode, 0) << publish.err;
+  EXPECT_TRUE(reads("58")) << readCard("AI Usage").dump(1);
 }
 
 }  // namespace
