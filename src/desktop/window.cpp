@@ -13,6 +13,7 @@
 #include "desktop/accessible_card.hpp"
 #include "desktop/card_shape.hpp"
 #include "desktop/core/schedule.hpp"
+#include "desktop/heap_trim.hpp"
 #include "desktop/url_opener.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
@@ -249,6 +250,7 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
   cairo_scale(cr, options_.scale, options_.scale);
   render::paintWidget(cr, *layout_);
   cairo_restore(cr);
+  trimHeapWhenIdle();
   return TRUE;
 }
 
