@@ -10,7 +10,9 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "base/date_text_module.hpp"
@@ -72,27 +74,38 @@ icu::MeasureUnit measureUnit(SpanUnit unit) {
   return icu::MeasureUnit::getDay();
 }
 
-// A span of one unit exactly as MeasureFormat writes it (the locale's decimal format, as a number
-// formatter with the unit in short width), from one formatter per unit kept for the process:
-// ICU compiles a formatter after its first uses, where MeasureFormat sets one up from the
-// locale's data again for every text, which a host updating its cards every minute repeats.
+using SpanFormatter = icu::number::LocalizedNumberFormatter;
+
+// One formatter per unit in `locale`, each as MeasureFormat formats a single measure: the locale's
+// decimal format as a number formatter, with the unit in short width.
+std::array<std::optional<SpanFormatter>, 4> spanFormatters(const icu::Locale& locale) {
+  std::array<std::optional<SpanFormatter>, 4> built;
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::NumberFormat> decimal(
+      icu::NumberFormat::createInstance(locale, UNUM_DECIMAL, status));
+  const auto* format = dynamic_cast<const icu::DecimalFormat*>(decimal.get());
+  const SpanFormatter* numbers = format != nullptr ? format->toNumberFormatter(status) : nullptr;
+  if (U_FAILURE(status) || numbers == nullptr) return built;
+  for (const SpanUnit unit : {SpanUnit::second, SpanUnit::minute, SpanUnit::hour, SpanUnit::day}) {
+    built[static_cast<std::size_t>(unit)] =
+        numbers->unit(measureUnit(unit)).unitWidth(UNUM_UNIT_WIDTH_SHORT);
+  }
+  return built;
+}
+
+// A span of one unit, from formatters kept while ICU's default locale stays the same: ICU
+// compiles a formatter after its first uses, where MeasureFormat sets one up from the locale's
+// data again for every text, which a host updating its cards every minute would repeat.
 std::optional<std::string> oneUnitSpan(double amount, SpanUnit unit) {
-  using Formatter = icu::number::LocalizedNumberFormatter;
-  static const auto formatters = [] {
-    std::array<std::optional<Formatter>, 4> built;
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::NumberFormat> decimal(
-        icu::NumberFormat::createInstance(icu::Locale::getDefault(), UNUM_DECIMAL, status));
-    const auto* format = dynamic_cast<const icu::DecimalFormat*>(decimal.get());
-    const Formatter* numbers = format != nullptr ? format->toNumberFormatter(status) : nullptr;
-    if (U_FAILURE(status) || numbers == nullptr) return built;
-    for (const SpanUnit each :
-         {SpanUnit::second, SpanUnit::minute, SpanUnit::hour, SpanUnit::day}) {
-      built[static_cast<std::size_t>(each)] =
-          numbers->unit(measureUnit(each)).unitWidth(UNUM_UNIT_WIDTH_SHORT);
-    }
-    return built;
-  }();
+  static std::mutex guard;
+  static std::optional<std::string> localeName;
+  static std::array<std::optional<SpanFormatter>, 4> formatters;
+  const std::lock_guard lock(guard);
+  const icu::Locale& locale = icu::Locale::getDefault();
+  if (localeName != locale.getName()) {
+    formatters = spanFormatters(locale);
+    localeName = locale.getName();
+  }
   const auto& formatter = formatters[static_cast<std::size_t>(unit)];
   if (!formatter) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
