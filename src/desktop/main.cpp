@@ -1,4 +1,5 @@
 #include <gtk/gtk.h>
+#include <malloc.h>
 
 #include <clocale>
 #include <cstdio>
@@ -64,6 +65,9 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
 
 // The desktop host, started by `korvo-widgets run` with the arguments that follow `run`.
 int main(int argc, char** argv) {
+  // GLib's worker thread would otherwise allocate in a heap of its own, holding about 150 kB
+  // more in a process that mostly waits; one heap serves both threads.
+  mallopt(M_ARENA_MAX, 1);
   std::setlocale(LC_ALL, "");
   static const std::vector<WidgetConfiguration> widgets = KorvoWidgets{}.body();
 

@@ -1,5 +1,9 @@
 #include "desktop/window.hpp"
 
+#include <gdk/gdk.h>
+#ifdef GDK_WINDOWING_X11
+#include <gdk/gdkx.h>
+#endif
 #include <gtk-layer-shell.h>
 
 #include <cstdio>
@@ -9,6 +13,7 @@
 #include "desktop/accessible_card.hpp"
 #include "desktop/card_shape.hpp"
 #include "desktop/core/schedule.hpp"
+#include "desktop/heap_trim.hpp"
 #include "desktop/url_opener.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
@@ -55,6 +60,18 @@ void onStyleUpdated(GtkWidget*, gpointer window) {
 
 void onScaleFactor(GObject*, GParamSpec*, gpointer window) {
   self(window).appearanceChanged();
+}
+
+// A card repaints once a minute at most and never animates, so it does not pace its frames by the
+// compositor's: that would cost a round trip to the X server, or the compositor's frame-drawn
+// messages, on every repaint.
+void onRealize(GtkWidget* widget, gpointer) {
+#ifdef GDK_WINDOWING_X11
+  GdkWindow* window = gtk_widget_get_window(widget);
+  if (GDK_IS_X11_WINDOW(window)) gdk_x11_window_set_frame_sync_enabled(window, FALSE);
+#else
+  (void)widget;
+#endif
 }
 
 void onCompositedChanged(GdkScreen*, gpointer window) {
@@ -135,6 +152,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
   }
   gtk_widget_add_events(window_,
                         GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_STRUCTURE_MASK);
+  g_signal_connect_after(window_, "realize", G_CALLBACK(onRealize), nullptr);
   g_signal_connect(window_, "draw", G_CALLBACK(onDraw), this);
   g_signal_connect(window_, "button-press-event", G_CALLBACK(onButtonPress), this);
   g_signal_connect(window_, "button-release-event", G_CALLBACK(onButtonRelease), this);
@@ -232,6 +250,7 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
   cairo_scale(cr, options_.scale, options_.scale);
   render::paintWidget(cr, *layout_);
   cairo_restore(cr);
+  trimHeapWhenIdle();
   return TRUE;
 }
 

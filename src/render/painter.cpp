@@ -149,9 +149,8 @@ void paintWidget(cairo_t* cr, const ui::WidgetLayout& widget) {
   cairo_save(cr);
   roundedRectPath(cr, {0, 0, widget.size.width, widget.size.height}, ui::widgetCornerRadius);
   cairo_clip(cr);
-  PangoLayout* layout = pango_cairo_create_layout(cr);
-  pango_text::setUnhinted(pango_layout_get_context(layout));
-  pango_layout_context_changed(layout);
+  // Laid out in user space like the measurer's texts; Cairo scales the glyphs to the device.
+  PangoLayout* layout = pango_layout_new(pango_text::sharedContext());
   paintNode(cr, layout, widget.root);
   g_object_unref(layout);
   cairo_restore(cr);

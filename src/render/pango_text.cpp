@@ -80,14 +80,19 @@ void configureSymbol(PangoLayout* layout, std::string_view symbolName, const Fon
   pango_layout_set_width(layout, -1);
 }
 
-void setUnhinted(PangoContext* context) {
-  cairo_font_options_t* options = cairo_font_options_create();
-  cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-  cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
-  cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
-  pango_cairo_context_set_font_options(context, options);
-  cairo_font_options_destroy(options);
-  pango_context_set_round_glyph_positions(context, FALSE);
+PangoContext* sharedContext() {
+  static PangoContext* const context = [] {
+    PangoContext* created = pango_font_map_create_context(pango_cairo_font_map_get_default());
+    cairo_font_options_t* options = cairo_font_options_create();
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+    pango_cairo_context_set_font_options(created, options);
+    cairo_font_options_destroy(options);
+    pango_context_set_round_glyph_positions(created, FALSE);
+    return created;
+  }();
+  return context;
 }
 
 }  // namespace korvo::render::pango_text

@@ -23,7 +23,9 @@ void configure(PangoLayout* layout, std::string_view text, const ui::Font& font,
 // Sets `layout` to draw the icon glyph for `symbolName` at `font`'s size.
 void configureSymbol(PangoLayout* layout, std::string_view symbolName, const ui::Font& font);
 
-// Unhinted metrics, identical at every output scale.
-void setUnhinted(PangoContext* context);
+// The process-wide context on the default Cairo font map, with unhinted metrics and glyph
+// positions in user space. The measurer lays text out in it and the painter draws those same
+// layouts at the device scale, so each text is matched to its fonts and shaped in one way only.
+PangoContext* sharedContext();
 
 }  // namespace korvo::render::pango_text

@@ -109,22 +109,14 @@ struct PangoTextMeasurer::Impl {
   };
 
   std::size_t capacity;
-  // The font map the painter draws with (pango_cairo_create_layout), so fonts are found, opened
-  // and kept once per process rather than once for measuring and again for painting.
-  PangoContext* context = pango_font_map_create_context(pango_cairo_font_map_get_default());
-  PangoLayout* layout = nullptr;
+  PangoLayout* layout = pango_layout_new(pango_text::sharedContext());
   std::list<Entry> recent;  // most recently used first
   std::unordered_map<Key, std::list<Entry>::iterator, KeyHash, KeyEqual> index;
 
   explicit Impl(std::size_t capacity) : capacity(std::max<std::size_t>(1, capacity)) {
-    pango_text::setUnhinted(context);
-    layout = pango_layout_new(context);
     index.reserve(this->capacity);
   }
-  ~Impl() {
-    g_object_unref(layout);
-    g_object_unref(context);
-  }
+  ~Impl() { g_object_unref(layout); }
 
   const TextMetrics* find(const Key& key) {
     const auto found = index.find(key);

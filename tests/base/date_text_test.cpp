@@ -74,6 +74,14 @@ TEST_F(DateTextTest, RelativeSpanUsesTheLargestTwoUnitsInShortWords) {
   }
 }
 
+TEST_F(DateTextTest, RelativeSpanFollowsTheDefaultLocaleWhenItChanges) {
+  EXPECT_EQ(relativeSpan(lateNight, lateNight.addingSeconds(50)), "50 sec");
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Locale::setDefault(icu::Locale("de_DE"), status);
+  EXPECT_EQ(relativeSpan(lateNight, lateNight.addingSeconds(50)), "50 Sek.");
+  EXPECT_EQ(relativeSpan(lateNight, lateNight.addingSeconds(7500)), "2 Std., 5 Min.");
+}
+
 TEST_F(DateTextTest, RelativeSpanOfAFutureMomentShowsTheMagnitude) {
   EXPECT_EQ(relativeSpan(lateNight.addingSeconds(300), lateNight), "5 min");
   EXPECT_EQ(relativeSpan(lateNight.addingSeconds(7500), lateNight), "2 hr, 5 min");
