@@ -1,5 +1,7 @@
 #include "app/figure_grid.hpp"
 
+#include <algorithm>
+
 #include "app/dashboard_widgets.hpp"
 
 namespace korvo {
