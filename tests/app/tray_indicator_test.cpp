@@ -118,7 +118,7 @@ TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
     ASSERT_FALSE(item.empty()) << title << " is not in the menu:\n" << layout;
     bus_test::call(environment, false, name, menu, "com.canonical.dbusmenu.Event",
                    {item, "clicked", "<0>", "0"});
-    const std::string wanted = expected;  // a structured binding is not captured before C++20
+    const std::string wanted = expected;  // clang before 16 cannot capture a binding
     EXPECT_TRUE(waitFor([&] { return page() == wanted; })) << title;
   }
   EXPECT_THAT(layout, HasSubstr("'label': <'Start Keep Awake'>"));
