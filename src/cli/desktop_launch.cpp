@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/commands.hpp"
+#include "cli/host_tunables.hpp"
 
 namespace korvo::cli {
 namespace {
@@ -45,6 +46,8 @@ std::vector<fs::path> hostCandidates() {
     for (const std::string& argument : arguments)
       argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
+    // A user's own tunables win.
+    ::setenv(tunablesVariable, hostTunables, 0);
     ::execv(candidate.c_str(), argv.data());
     std::cerr << "korvo-widgets: cannot start the desktop host " << candidate.string() << ": "
               << std::strerror(errno) << '\n';

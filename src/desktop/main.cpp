@@ -7,6 +7,7 @@
 
 #include "base/clock.hpp"
 #include "cli/command_line.hpp"
+#include "cli/host_tunables.hpp"
 #include "desktop/desktop.hpp"
 #include "desktop/display_choice.hpp"
 #include "desktop/run_options.hpp"
@@ -68,6 +69,10 @@ int main(int argc, char** argv) {
   // GLib's worker thread would otherwise allocate in a heap of its own, holding about 150 kB
   // more in a process that mostly waits; one heap serves both threads.
   mallopt(M_ARENA_MAX, 1);
+  // `run` set these for this process alone (cli/host_tunables.hpp).
+  if (g_strcmp0(g_getenv(cli::tunablesVariable), cli::hostTunables) == 0) {
+    g_unsetenv(cli::tunablesVariable);
+  }
   std::setlocale(LC_ALL, "");
   static const std::vector<WidgetConfiguration> widgets = KorvoWidgets{}.body();
 

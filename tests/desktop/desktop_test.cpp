@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sstream>
 
 #include "desktop/desktop_harness.hpp"
@@ -145,6 +146,43 @@ TEST_F(DesktopHost, TheKeepAwakeLinkOpensAwakeAndTheRestOfTheMemoryCardOpensReso
   ASSERT_TRUE(waitFor([&] { return recordedURLs().size() == 2; })) << readFile(hostLog());
   EXPECT_EQ(recordedURLs()[1], "korvo://resources");
   EXPECT_TRUE(host_->running());
+}
+
+// The host runs without glibc's per-thread caches unless the user set tunables of their own;
+// what a click opens runs with the user's tunables, or none.
+TEST_F(DesktopHost, TheHostAloneRunsWithLeanAllocatorTunablesAndTheUsersOwnWin) {
+  struct Case {
+    std::optional<std::string> user;  // GLIBC_TUNABLES as the user set it
+    std::string host;                 // as the host was started with it
+    std::string opened;               // as the application a click opened sees it
+  };
+  const std::vector<Case> cases{
+      {std::nullopt, "glibc.malloc.tcache_count=0", "none"},
+      {"glibc.malloc.mxfast=0", "glibc.malloc.mxfast=0", "glibc.malloc.mxfast=0"},
+  };
+  registerUrlRecorder(folder_.path());
+  const auto tunablesLog = folder_.path() / "tunables.txt";
+  environment_["KORVO_TEST_TUNABLES_LOG"] = tunablesLog.string();
+  for (const auto& [user, host, opened] : cases) {
+    SCOPED_TRACE(user.value_or("unset"));
+    if (user) environment_["GLIBC_TUNABLES"] = *user;
+    fs::remove(tunablesLog);
+    startHost({"--widget", "awake"});
+    const auto window = waitForWindow("Keep Awake");
+    ASSERT_TRUE(window) << readFile(hostLog());
+    // The environment the host was started with, as the kernel keeps it.
+    std::vector<std::string> tunables;
+    std::istringstream started(readFile("/proc/" + std::to_string(host_->pid()) + "/environ"));
+    for (std::string entry; std::getline(started, entry, '\0');) {
+      if (entry.starts_with("GLIBC_TUNABLES=")) tunables.push_back(entry);
+    }
+    EXPECT_EQ(tunables, std::vector<std::string>{"GLIBC_TUNABLES=" + host});
+
+    click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
+    ASSERT_TRUE(waitFor([&] { return fs::exists(tunablesLog); })) << readFile(hostLog());
+    EXPECT_EQ(readFile(tunablesLog), opened + "\n");
+    host_.reset();
+  }
 }
 
 TEST_F(DesktopHost, WithoutAKorvoHandlerAClickSaysSoOnOneLineAndTheHostKeepsRunning) {
