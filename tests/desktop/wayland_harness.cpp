@@ -138,7 +138,7 @@ Sway::Sway(int width, int height, double scale, const fs::path& folder, int outp
                                        this->environment({{"PATH", "/usr/bin:/bin"}}),
                                        folder_ / "pointer.out", folder_ / "pointer.err");
   if (!waitFor([&] { return readFile(folder_ / "pointer.out") == "ready\n"; }, 10s)) {
-    failure_ = "no virtual pointer: " + readFile(folder_ / "pointer.err");
+    pointerFailure_ = "no virtual pointer: " + readFile(folder_ / "pointer.err");
   }
   // The pointer is drawn into the screenshots: out of the way, in the bottom-right corner.
   message({"seat", "-", "cursor", "set", std::to_string(width - 1), std::to_string(height - 1)});

@@ -49,6 +49,9 @@ class Sway {
 
   // Empty when sway started; else why it could not.
   const std::string& failure() const { return failure_; }
+  // Empty when the test's virtual pointer holds the seat; else why not (a fault of the test's
+  // own tools, not of the machine).
+  const std::string& pointerFailure() const { return pointerFailure_; }
   // What a client of this compositor needs besides its own variables.
   Environment environment(Environment base) const;
   // One `swaymsg` command; its standard output.
@@ -69,6 +72,7 @@ class Sway {
   std::string socket_;
   std::string ipc_;
   std::string failure_;
+  std::string pointerFailure_;
   std::unique_ptr<Process> outer_;
   std::string outerIpc_;
   std::unique_ptr<Process> sway_;

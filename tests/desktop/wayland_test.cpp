@@ -75,6 +75,7 @@ class WaylandHost : public testing::Test {
     scale_ = scale;
     sway_ = std::make_unique<Sway>(outputWidth, outputHeight, scale, folder_.path(), outputs);
     if (!sway_->failure().empty()) GTEST_SKIP() << sway_->failure();
+    ASSERT_EQ(sway_->pointerFailure(), "");
     environment_ = sway_->environment(base);
   }
 
