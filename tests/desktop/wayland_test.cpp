@@ -188,7 +188,7 @@ class WaylandPlacement : public WaylandHost, public testing::WithParamInterface<
 
 TEST_P(WaylandPlacement, EveryAnchorAndMarginLandsWhereThePlacementsSayOnTheBottomLayer) {
   startSway(GetParam());
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   writePlacements(R"([
     {"kind": "memory", "anchor": "top-left", "margin": 24},
     {"kind": "awake", "anchor": "top-right", "margin": 40},
@@ -231,7 +231,7 @@ INSTANTIATE_TEST_SUITE_P(Scales, WaylandPlacement, testing::Values(1.0, 2.0), []
 // that drew at 1x and let the compositor stretch it would blur every edge and glyph.
 TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
   startSway(2);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
   ASSERT_TRUE(startSurface("background", belowColor))
@@ -273,7 +273,7 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
 
 TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurfaceBelow) {
   startSway(1);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   registerUrlRecorder(folder_.path());
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
@@ -304,7 +304,7 @@ TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurf
 
 TEST_F(WaylandHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNever) {
   startSway(1);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   expectMonitorReloadsEveryNineHundredSeconds(
       snapshotFile(), hostLog(), folder_.path() / "dump",
       [&](std::vector<std::string> arguments) { startHost(std::move(arguments)); });
@@ -315,7 +315,7 @@ TEST_F(WaylandHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNeve
 // a minute passes every six real seconds and the next reload is over a minute away.
 TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
   startSway(1);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   const double now = static_cast<double>(std::time(nullptr));
   writeFile(snapshotFile(), usageSnapshot(10, 41, now, 150));
   const auto rendered = runCommand({KORVO_BINARY, "render", "usage", "--family", "medium",
@@ -358,7 +358,7 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
 
 TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
   startSway(1, 2);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   std::vector<SwayOutput> outputs;
   // The nested outputs start at the backend's default size and are laid out again as the outer
   // windows tile: wait for the final side-by-side arrangement.
@@ -417,7 +417,7 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
 // switching it while the host runs repaints the cards.
 TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
   startSway(1);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   startSessionBus();
   const auto scheme = folder_.path() / "scheme";
   writeFile(scheme, "2");
@@ -463,7 +463,7 @@ TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
 TEST_F(WaylandHost, TheDashboardAndItsIndicatorRunHere) {
   ASSERT_STRNE(KORVO_APP_BINARY, "") << "korvo was not built";
   startSway(1);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   startSessionBus();
   constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
   clients_.push_back(std::make_unique<Process>(
@@ -620,7 +620,7 @@ class NoLayerShell : public testing::Test {
 
 TEST_F(NoLayerShell, WithXWaylandTheWidgetsRunThroughItAsOnX11AndTheHostSaysWhyOnce) {
   start(true);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   std::vector<std::string> ids;
   ASSERT_TRUE(waitFor([&] {
     ids = visibleWidgets();
@@ -640,7 +640,7 @@ TEST_F(NoLayerShell, WithXWaylandTheWidgetsRunThroughItAsOnX11AndTheHostSaysWhyO
 
 TEST_F(NoLayerShell, WithoutXWaylandTheWidgetsAreOrdinaryWindowsAndTheHostSaysSo) {
   start(false);
-  if (IsSkipped()) return;
+  if (IsSkipped() || HasFatalFailure()) return;
   ASSERT_TRUE(waitFor([&] { return fs::exists(folder_.path() / "dump" / "2-memory-small.json"); }))
       << readFile(hostLog());
   EXPECT_EQ(timesSaid("offers neither layer-shell nor XWayland; the widgets are ordinary windows"),
