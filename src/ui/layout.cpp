@@ -58,6 +58,21 @@ bool isSpacer(const View& view) {
   return std::holds_alternative<Spacer>(view.node().value);
 }
 
+// Whether `view` is a text, or a text under modifiers that keep its frame: offered no width, it
+// is exactly 0 points wide, which a stack can know without breaking it at every character.
+bool isBareText(const View& view) {
+  const NodeValue& value = view.node().value;
+  if (std::holds_alternative<Text>(value) || std::holds_alternative<RelativeDate>(value)) {
+    return true;
+  }
+  if (const auto* style = std::get_if<Style>(&value)) return isBareText(style->content);
+  if (const auto* annotation = std::get_if<Annotation>(&value)) {
+    return isBareText(annotation->content);
+  }
+  if (const auto* link = std::get_if<Link>(&value)) return isBareText(link->content);
+  return false;
+}
+
 void translate(LayoutNode& node, double dx, double dy) {
   node.frame.x += dx;
   node.frame.y += dy;
@@ -487,10 +502,19 @@ LayoutNode LayoutEngine::placeStack(const Stack& stack, int contextIndex, Propos
     }
     std::vector<double> flexibility(count, 0);
     for (std::size_t i : order) {
-      const double least = mainLength(
-          measure(*children[i], childContext, makeProposal(AxisProposal::atMost(0))).size);
       const double most = mainLength(
           measure(*children[i], childContext, makeProposal(AxisProposal::atMost(infinite))).size);
+      // A child that takes all it is offered is as flexible as can be whatever it needs at
+      // least, and offering it nothing would lay out all it holds at no width.
+      if (most == infinite) {
+        flexibility[i] = infinite;
+        continue;
+      }
+      const double least = horizontal && isBareText(*children[i])
+                               ? 0
+                               : mainLength(measure(*children[i], childContext,
+                                                    makeProposal(AxisProposal::atMost(0)))
+                                                .size);
       const double flexible = most - least;
       flexibility[i] = std::isnan(flexible) ? infinite : flexible;
     }

@@ -18,7 +18,7 @@ class FakeTextMeasurer final : public TextMeasurer {
 
   TextMetrics measure(std::string_view text, const Font& font, double tracking,
                       double maxWidth) override {
-    ++calls;
+    widthsOffered.push_back(maxWidth);
     const double step = advance(font, tracking);
     std::vector<std::string> lines;
     std::size_t start = 0;
@@ -52,7 +52,7 @@ class FakeTextMeasurer final : public TextMeasurer {
     return metrics;
   }
 
-  int calls = 0;
+  std::vector<double> widthsOffered;  // the line width of every measurement, in order
 
  private:
   static std::size_t codePoints(const std::string& text) {

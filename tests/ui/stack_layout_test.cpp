@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "base/date_text.hpp"
 #include "fake_text_measurer.hpp"
 #include "ui/layout.hpp"
@@ -90,6 +92,22 @@ TEST(StackLayout, EqualFlexibleChildrenShareEqually) {
   EXPECT_EQ(root.children[0].frame, (Rect{0, 0, 133.5, 100}));
   EXPECT_EQ(root.children[1].frame, (Rect{149.5, 0, 1, 100}));
   EXPECT_EQ(root.children[2].frame, (Rect{166.5, 0, 133.5, 100}));
+}
+
+TEST(StackLayout, FillingChildrenAreNotLaidOutAtNoWidthToRankThem) {
+  // Two filling cards of texts beside a text: ranking the cards needs no probe at no width, and
+  // a bare text's least width is known to be none.
+  const View card =
+      vstack(HorizontalAlignment::leading, 0, {text("weekly remaining"), text("five hours")})
+          .frame({.maxWidth = infinity});
+  testing::FakeTextMeasurer measurer;
+  const LayoutNode root =
+      layout(hstack(VerticalAlignment::top, 10, {card, text("ago"), card}).font(Font::system(10)),
+             atMost(300, 100), {0, 0}, Environment{}, measurer);
+  EXPECT_EQ(root.children[0].frame, (Rect{0, 0, 132.5, 24}));
+  EXPECT_EQ(root.children[1].frame, (Rect{142.5, 0, 15, 12}));
+  EXPECT_EQ(root.children[2].frame, (Rect{167.5, 0, 132.5, 24}));
+  EXPECT_EQ(std::count(measurer.widthsOffered.begin(), measurer.widthsOffered.end(), 0.0), 0);
 }
 
 TEST(StackLayout, FirstTextBaselineAlignsTextsOfDifferentSizes) {
