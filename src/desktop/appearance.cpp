@@ -93,10 +93,14 @@ ui::Theme agreeingTheme(std::optional<ui::Color> background, std::optional<ui::C
   return {foreground, background};
 }
 
-ui::Theme themeColors(GtkWidget* widget, ui::ColorScheme scheme) {
+ThemeColors readThemeColors(GtkWidget* widget) {
   GtkStyleContext* context = gtk_widget_get_style_context(widget);
-  return agreeingTheme(lookupColor(context, "theme_bg_color"),
-                       lookupColor(context, "theme_fg_color"), scheme);
+  return {lookupColor(context, "theme_bg_color"), lookupColor(context, "theme_fg_color")};
+}
+
+ui::Theme themeColors(GtkWidget* widget, ui::ColorScheme scheme) {
+  const ThemeColors colors = readThemeColors(widget);
+  return agreeingTheme(colors.background, colors.foreground, scheme);
 }
 
 AppearanceWatch::AppearanceWatch(std::optional<ui::ColorScheme> fixed,

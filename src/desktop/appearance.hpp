@@ -25,6 +25,16 @@ ui::ColorScheme resolveScheme(std::optional<ui::ColorScheme> fixed,
 ui::Theme agreeingTheme(std::optional<ui::Color> background, std::optional<ui::Color> foreground,
                         ui::ColorScheme scheme);
 
+// The two colours of a GTK theme the cards take.
+struct ThemeColors {
+  std::optional<ui::Color> background;  // theme_bg_color
+  std::optional<ui::Color> foreground;  // theme_fg_color
+  friend bool operator==(const ThemeColors&, const ThemeColors&) = default;
+};
+
+// The colours as the widget's style context defines them.
+ThemeColors readThemeColors(GtkWidget* widget);
+
 // theme_bg_color and theme_fg_color from the widget's style context, as agreeingTheme keeps them.
 ui::Theme themeColors(GtkWidget* widget, ui::ColorScheme scheme);
 

@@ -64,6 +64,7 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
     : widgets_(widgets), options_(std::move(options)), lookup_(kindLookup(widgets_)) {
   appearance_ =
       std::make_unique<AppearanceWatch>(options_.appearance, [this] { appearanceChanged(); });
+  theme_ = std::make_unique<ThemeProbe>([this] { appearanceChanged(); });
   if (options_.widgets.empty()) {
     placementsFile_ = options_.placementsFile
                           ? options_.placementsFile
@@ -150,7 +151,7 @@ void DesktopHost::apply(std::vector<Placement> placements) {
     if (widget == nullptr) continue;
     next.push_back(std::make_unique<WidgetWindow>(
         *widget, std::move(placements[index]), static_cast<int>(index) + 1, options_, *appearance_,
-        [this](GdkMonitor* monitor) { surfaceLost(monitor); }));
+        *theme_, [this](GdkMonitor* monitor) { surfaceLost(monitor); }));
   }
   windows_ = std::move(next);
   arrange();

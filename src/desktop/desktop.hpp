@@ -13,6 +13,7 @@
 #include "desktop/core/placement.hpp"
 #include "desktop/core/widget_lookup.hpp"
 #include "desktop/file_watch.hpp"
+#include "desktop/theme_probe.hpp"
 #include "desktop/window.hpp"
 #include "extension/widget_configuration.hpp"
 
@@ -59,6 +60,7 @@ class DesktopHost {
   HostOptions options_;
   KindLookup lookup_;
   std::unique_ptr<AppearanceWatch> appearance_;
+  std::unique_ptr<ThemeProbe> theme_;
   std::optional<std::filesystem::path> placementsFile_;
   std::vector<std::unique_ptr<WidgetWindow>> windows_;
   std::unique_ptr<FileWatch> placementsWatch_;

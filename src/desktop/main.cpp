@@ -8,10 +8,12 @@
 #include "base/clock.hpp"
 #include "cli/command_line.hpp"
 #include "cli/host_tunables.hpp"
+#include "desktop/bare_theme.hpp"
 #include "desktop/desktop.hpp"
 #include "desktop/display_choice.hpp"
 #include "desktop/run_options.hpp"
 #include "desktop/session_instance.hpp"
+#include "desktop/theme_probe.hpp"
 #include "extension/korvo_widgets.hpp"
 
 namespace {
@@ -43,6 +45,7 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
                  which.c_str());
     return cli::exitSuccess;
   }
+  desktop::adoptBareTheme();
   // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
   // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
   g_setenv("GDK_GL", "disable", FALSE);
@@ -84,7 +87,13 @@ int main(int argc, char** argv) {
       "korvo-widgets run");
   desktop::RunArguments arguments;
   desktop::addRunOptions(app, arguments);
+  // The host's own helper (theme_probe.hpp), not for users: left out of --help.
+  bool themeColors = false;
+  app.add_flag("--theme-colors", themeColors)->group("");
   cli::CommandOutcome outcome;
-  app.callback([&] { outcome.exitCode = run(std::move(arguments), widgets); });
+  app.callback([&] {
+    outcome.exitCode =
+        themeColors ? desktop::printThemeColors() : run(std::move(arguments), widgets);
+  });
   return cli::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
 }

@@ -5,13 +5,18 @@
 #include <cstdio>
 
 #include "base/text.hpp"
+#include "desktop/bare_theme.hpp"
 #include "desktop/notification.hpp"
 
 namespace korvo::desktop {
 
 bool openURL(const std::string& url) {
+  GAppLaunchContext* launch = g_app_launch_context_new();
+  restoreUsersTheme(launch);
   GError* error = nullptr;
-  if (g_app_info_launch_default_for_uri(url.c_str(), nullptr, &error)) return true;
+  const bool opened = g_app_info_launch_default_for_uri(url.c_str(), launch, &error) != FALSE;
+  g_object_unref(launch);
+  if (opened) return true;
   std::fprintf(stderr, "korvo-widgets: no application opened %s (%s); is Korvo installed?\n",
                url.c_str(), error != nullptr ? error->message : "unknown error");
   g_clear_error(&error);

@@ -116,12 +116,13 @@ void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point
 
 WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
                            const HostOptions& options, const AppearanceWatch& appearance,
-                           std::function<void(GdkMonitor*)> lost)
+                           const ThemeProbe& theme, std::function<void(GdkMonitor*)> lost)
     : widget_(widget),
       placement_(std::move(placement)),
       index_(index),
       options_(options),
       appearance_(appearance),
+      theme_(theme),
       lost_(std::move(lost)) {
   window_ = newCardWindow();
   GtkWindow* window = GTK_WINDOW(window_);
@@ -219,7 +220,7 @@ ui::Environment WidgetWindow::environment() const {
   environment.colorScheme = appearance_.scheme();
   environment.hostSuppliesContainerBackground = true;
   environment.now = clock::now();
-  environment.theme = themeColors(window_, environment.colorScheme);
+  environment.theme = theme_.theme(environment.colorScheme);
   environment.accentColor = options_.accent;
   return environment;
 }

@@ -8,6 +8,7 @@
 #include "desktop/appearance.hpp"
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
+#include "desktop/theme_probe.hpp"
 #include "extension/widget_configuration.hpp"
 #include "model/timeline_cursor.hpp"
 #include "ui/widget_layout.hpp"
@@ -26,7 +27,7 @@ class WidgetWindow {
   // layer surface away (the output went), with none when a window manager asked.
   WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
                const HostOptions& options, const AppearanceWatch& appearance,
-               std::function<void(GdkMonitor*)> lost);
+               const ThemeProbe& theme, std::function<void(GdkMonitor*)> lost);
   ~WidgetWindow();
   WidgetWindow(const WidgetWindow&) = delete;
   WidgetWindow& operator=(const WidgetWindow&) = delete;
@@ -74,6 +75,7 @@ class WidgetWindow {
   int index_;
   const HostOptions& options_;
   const AppearanceWatch& appearance_;
+  const ThemeProbe& theme_;
   std::function<void(GdkMonitor*)> lost_;
   GtkWidget* window_ = nullptr;
   GdkMonitor* monitor_ = nullptr;  // where place() last put the window

@@ -185,6 +185,46 @@ TEST_F(DesktopHost, TheHostAloneRunsWithLeanAllocatorTunablesAndTheUsersOwnWin) 
   }
 }
 
+// The host runs GTK with an empty theme of its own, yet its cards take the colours of the theme
+// the user chose, in GTK's settings or in GTK_THEME; what a click opens gets that GTK_THEME back.
+TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUsersTheme) {
+  struct Case {
+    std::optional<std::string> user;  // GTK_THEME as the user set it
+    std::string opened;               // as the application a click opened sees it
+  };
+  const std::vector<Case> cases{{std::nullopt, "none"}, {"KorvoTinted", "KorvoTinted"}};
+  fs::create_directories(folder_.path() / "data" / "themes");
+  fs::create_directory_symlink(KORVO_FIXTURES_DIR "/themes/KorvoTinted",
+                               folder_.path() / "data" / "themes" / "KorvoTinted");
+  writeFile(folder_.path() / "config" / "gtk-3.0" / "settings.ini",
+            "[Settings]\ngtk-theme-name=KorvoTinted\n");
+  registerUrlRecorder(folder_.path());
+  const auto themeLog = folder_.path() / "theme.txt";
+  environment_["KORVO_TEST_THEME_LOG"] = themeLog.string();
+  for (const auto& [user, opened] : cases) {
+    SCOPED_TRACE(user.value_or("unset"));
+    if (user) environment_["GTK_THEME"] = *user;
+    fs::remove(themeLog);
+    fs::remove(dump("1-awake-small.json"));
+    startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
+    const auto window = waitForWindow("Keep Awake");
+    ASSERT_TRUE(window) << readFile(hostLog());
+    ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
+    const auto card = Json::parse(readFile(dump("1-awake-small.json")));
+    const auto* background = findNode(card["tree"], "shape");
+    ASSERT_NE(background, nullptr);
+    EXPECT_EQ((*background)["color"], "#E4ECF7FF");
+    const auto* title = findNode(card["tree"], "text");
+    ASSERT_NE(title, nullptr);
+    EXPECT_EQ((*title)["color"], "#14233AFF");
+
+    click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
+    ASSERT_TRUE(waitFor([&] { return fs::exists(themeLog); })) << readFile(hostLog());
+    EXPECT_EQ(readFile(themeLog), opened + "\n");
+    host_.reset();
+  }
+}
+
 TEST_F(DesktopHost, WithoutAKorvoHandlerAClickSaysSoOnOneLineAndTheHostKeepsRunning) {
   startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
   const auto window = waitForWindow("Keep Awake");
