@@ -45,6 +45,22 @@ class DesktopHost : public testing::Test {
         std::make_unique<Process>(arguments, environment_, folder_.path() / "host.out", hostLog());
   }
 
+  // Makes the test theme `name` one the user could choose.
+  void installTheme(const std::string& name) {
+    fs::create_directories(folder_.path() / "data" / "themes");
+    fs::create_directory_symlink(fs::path(KORVO_FIXTURES_DIR) / "themes" / name,
+                                 folder_.path() / "data" / "themes" / name);
+  }
+
+  // The Keep Awake card's background and title colours in the host's last dump.
+  std::pair<std::string, std::string> cardColors() const {
+    const auto card = Json::parse(readFile(dump("1-awake-small.json")));
+    const auto* background = findNode(card["tree"], "shape");
+    const auto* title = findNode(card["tree"], "text");
+    if (background == nullptr || title == nullptr) return {};
+    return {(*background)["color"], (*title)["color"]};
+  }
+
   fs::path snapshotFile() const {
     return folder_.path() / "data" / "app-groups" / "group.com.tessmoor.Korvo" /
            "usage-snapshot.json";
@@ -193,9 +209,7 @@ TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUs
     std::string opened;               // as the application a click opened sees it
   };
   const std::vector<Case> cases{{std::nullopt, "none"}, {"KorvoTinted", "KorvoTinted"}};
-  fs::create_directories(folder_.path() / "data" / "themes");
-  fs::create_directory_symlink(KORVO_FIXTURES_DIR "/themes/KorvoTinted",
-                               folder_.path() / "data" / "themes" / "KorvoTinted");
+  installTheme("KorvoTinted");
   writeFile(folder_.path() / "config" / "gtk-3.0" / "settings.ini",
             "[Settings]\ngtk-theme-name=KorvoTinted\n");
   registerUrlRecorder(folder_.path());
@@ -210,19 +224,44 @@ TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUs
     const auto window = waitForWindow("Keep Awake");
     ASSERT_TRUE(window) << readFile(hostLog());
     ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
-    const auto card = Json::parse(readFile(dump("1-awake-small.json")));
-    const auto* background = findNode(card["tree"], "shape");
-    ASSERT_NE(background, nullptr);
-    EXPECT_EQ((*background)["color"], "#E4ECF7FF");
-    const auto* title = findNode(card["tree"], "text");
-    ASSERT_NE(title, nullptr);
-    EXPECT_EQ((*title)["color"], "#14233AFF");
+    EXPECT_EQ(cardColors(), (std::pair<std::string, std::string>{"#E4ECF7FF", "#14233AFF"}));
 
     click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
     ASSERT_TRUE(waitFor([&] { return fs::exists(themeLog); })) << readFile(hostLog());
     EXPECT_EQ(readFile(themeLog), opened + "\n");
     host_.reset();
   }
+}
+
+// The desktop switching its GTK theme (an XSETTINGS manager announcing another) repaints the
+// running host's cards in the new theme's colours.
+TEST_F(DesktopHost, CardsFollowTheDesktopsThemeWhenItChanges) {
+  installTheme("KorvoPlain");
+  installTheme("KorvoTinted");
+  const auto settings = folder_.path() / "xsettingsd.conf";
+  writeFile(settings, "Net/ThemeName \"KorvoPlain\"\n");
+  Process manager({"xsettingsd", "-c", settings.string()}, environment_,
+                  folder_.path() / "xsettingsd.out", folder_.path() / "xsettingsd.err");
+  ASSERT_TRUE(waitFor([&] {
+    return readFile(folder_.path() / "xsettingsd.err").find("Took ownership") != std::string::npos;
+  })) << readFile(folder_.path() / "xsettingsd.err");
+  startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
+  ASSERT_TRUE(waitForWindow("Keep Awake")) << readFile(hostLog());
+  ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
+  EXPECT_EQ(cardColors(), (std::pair<std::string, std::string>{"#ECECECFF", "#000000D9"}));
+
+  writeFile(settings, "Net/ThemeName \"KorvoTinted\"\n");
+  manager.signal(SIGHUP);
+  std::pair<std::string, std::string> colors;
+  waitFor([&] {
+    fs::remove(dump("1-awake-small.json"));
+    host_->signal(SIGUSR1);
+    if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return false;
+    colors = cardColors();
+    return colors.first == "#E4ECF7FF";
+  });
+  EXPECT_EQ(colors, (std::pair<std::string, std::string>{"#E4ECF7FF", "#14233AFF"}));
+  EXPECT_TRUE(host_->running());
 }
 
 TEST_F(DesktopHost, WithoutAKorvoHandlerAClickSaysSoOnOneLineAndTheHostKeepsRunning) {
