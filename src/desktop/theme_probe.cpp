@@ -1,5 +1,7 @@
 #include "desktop/theme_probe.hpp"
 
+#include <gdk/gdkwayland.h>
+#include <gdk/gdkx.h>
 #include <gtk/gtk.h>
 
 #include <algorithm>
@@ -57,6 +59,13 @@ GSubprocess* startHelper() {
   char** environment = usersEnvironment();
   // The helper shows nothing, so it need not join the accessibility bus.
   environment = g_environ_setenv(environment, "NO_AT_BRIDGE", "1", TRUE);
+  // The settings that choose the theme come with the display: the helper opens the same kind.
+  GdkDisplay* display = gdk_display_get_default();
+  if (display != nullptr && GDK_IS_X11_DISPLAY(display)) {
+    environment = g_environ_setenv(environment, "GDK_BACKEND", "x11", TRUE);
+  } else if (display != nullptr && GDK_IS_WAYLAND_DISPLAY(display)) {
+    environment = g_environ_setenv(environment, "GDK_BACKEND", "wayland", TRUE);
+  }
   g_subprocess_launcher_set_environ(launcher, environment);
   g_strfreev(environment);
   GError* error = nullptr;
