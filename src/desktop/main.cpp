@@ -13,7 +13,7 @@
 #include "desktop/display_choice.hpp"
 #include "desktop/run_options.hpp"
 #include "desktop/session_instance.hpp"
-#include "desktop/theme_probe.hpp"
+#include "desktop/theme_helper.hpp"
 #include "extension/korvo_widgets.hpp"
 
 namespace {
@@ -21,6 +21,11 @@ namespace {
 using namespace korvo;
 
 int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>& widgets) {
+  // The environment is set while this is the only thread.
+  desktop::adoptBareTheme();
+  // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
+  // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
+  g_setenv("GDK_GL", "disable", FALSE);
   auto options = desktop::resolveRunOptions(std::move(arguments), widgets);
   if (options.warp != desktop::TimeWarp{}) {
     clock::setWarp(options.warp.offsetSeconds, options.warp.rate);
@@ -45,10 +50,6 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
                  which.c_str());
     return cli::exitSuccess;
   }
-  desktop::adoptBareTheme();
-  // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
-  // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
-  g_setenv("GDK_GL", "disable", FALSE);
   const auto display = desktop::chooseDisplay(desktop::currentDisplayFacts());
   if (display != desktop::DisplayChoice::asIs) {
     std::fprintf(stderr, "%s\n", desktop::displayChoiceNotice(display).c_str());
@@ -87,7 +88,7 @@ int main(int argc, char** argv) {
       "korvo-widgets run");
   desktop::RunArguments arguments;
   desktop::addRunOptions(app, arguments);
-  // The host's own helper (theme_probe.hpp), not for users: left out of --help.
+  // The host's own helper (theme_helper.hpp), not for users: left out of --help.
   bool themeColors = false;
   app.add_flag("--theme-colors", themeColors)->group("");
   cli::CommandOutcome outcome;

@@ -25,7 +25,8 @@ bool fits(const TextMetrics& metrics, std::size_t maxLines, double width) {
 
 TextFit fromMetrics(const TextMetrics& metrics, double scale, double width) {
   TextFit fit;
-  fit.size = {std::min(metrics.width, width), metrics.height};
+  // Never below 0 whatever a measurer says: a stack counts on a text offered no width being 0 wide.
+  fit.size = {std::max(0.0, std::min(metrics.width, width)), metrics.height};
   fit.baseline = metrics.baseline;
   fit.scale = scale;
   for (std::size_t i = 0; i < metrics.lines.size(); ++i) {

@@ -202,21 +202,25 @@ TEST_F(DesktopHost, TheHostAloneRunsWithLeanAllocatorTunablesAndTheUsersOwnWin) 
 }
 
 // The host runs GTK with an empty theme of its own, yet its cards take the colours of the theme
-// the user chose, in GTK's settings or in GTK_THEME; what a click opens gets that GTK_THEME back.
+// the user chose, in GTK's settings or in GTK_THEME over them; what a click opens gets that
+// GTK_THEME back.
 TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUsersTheme) {
   struct Case {
+    std::string settings;             // gtk-theme-name in GTK's settings.ini
     std::optional<std::string> user;  // GTK_THEME as the user set it
     std::string opened;               // as the application a click opened sees it
   };
-  const std::vector<Case> cases{{std::nullopt, "none"}, {"KorvoTinted", "KorvoTinted"}};
+  const std::vector<Case> cases{{"KorvoTinted", std::nullopt, "none"},
+                                {"KorvoPlain", "KorvoTinted", "KorvoTinted"}};
+  installTheme("KorvoPlain");
   installTheme("KorvoTinted");
-  writeFile(folder_.path() / "config" / "gtk-3.0" / "settings.ini",
-            "[Settings]\ngtk-theme-name=KorvoTinted\n");
   registerUrlRecorder(folder_.path());
   const auto themeLog = folder_.path() / "theme.txt";
   environment_["KORVO_TEST_THEME_LOG"] = themeLog.string();
-  for (const auto& [user, opened] : cases) {
+  for (const auto& [settings, user, opened] : cases) {
     SCOPED_TRACE(user.value_or("unset"));
+    writeFile(folder_.path() / "config" / "gtk-3.0" / "settings.ini",
+              "[Settings]\ngtk-theme-name=" + settings + "\n");
     if (user) environment_["GTK_THEME"] = *user;
     fs::remove(themeLog);
     fs::remove(dump("1-awake-small.json"));
@@ -250,17 +254,25 @@ TEST_F(DesktopHost, CardsFollowTheDesktopsThemeWhenItChanges) {
   ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
   EXPECT_EQ(cardColors(), (std::pair<std::string, std::string>{"#ECECECFF", "#000000D9"}));
 
-  writeFile(settings, "Net/ThemeName \"KorvoTinted\"\n");
-  manager.signal(SIGHUP);
-  std::pair<std::string, std::string> colors;
-  waitFor([&] {
-    fs::remove(dump("1-awake-small.json"));
-    host_->signal(SIGUSR1);
-    if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return false;
-    colors = cardColors();
-    return colors.first == "#E4ECF7FF";
-  });
-  EXPECT_EQ(colors, (std::pair<std::string, std::string>{"#E4ECF7FF", "#14233AFF"}));
+  // There and back: each switch is read anew.
+  const std::vector<std::pair<std::string, std::pair<std::string, std::string>>> switches{
+      {"KorvoTinted", {"#E4ECF7FF", "#14233AFF"}},
+      {"KorvoPlain", {"#ECECECFF", "#000000D9"}},
+  };
+  for (const auto& [theme, expected] : switches) {
+    SCOPED_TRACE(theme);
+    writeFile(settings, "Net/ThemeName \"" + theme + "\"\n");
+    manager.signal(SIGHUP);
+    std::pair<std::string, std::string> colors;
+    waitFor([&] {
+      fs::remove(dump("1-awake-small.json"));
+      host_->signal(SIGUSR1);
+      if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return false;
+      colors = cardColors();
+      return colors == expected;
+    });
+    EXPECT_EQ(colors, expected);
+  }
   EXPECT_TRUE(host_->running());
 }
 

@@ -1,9 +1,8 @@
-#include "desktop/theme_probe.hpp"
+#include "desktop/theme_colors_text.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 namespace korvo::desktop {
@@ -11,7 +10,7 @@ namespace {
 
 using ui::Color;
 
-TEST(ThemeProbe, ColoursCrossTheHelpersOutputToTheSameDoubles) {
+TEST(ThemeColorsText, ColoursCrossTheHelpersOutputToTheSameDoubles) {
   // Colours a theme computes (mix, shade) are not whole steps of 1/255.
   const std::vector<ThemeColors> cases{
       {Color{246.0 / 255, 245.0 / 255, 244.0 / 255, 1}, Color{0.18, 0.2039, 0.2118, 0.85}},
@@ -26,12 +25,12 @@ TEST(ThemeProbe, ColoursCrossTheHelpersOutputToTheSameDoubles) {
   }
 }
 
-TEST(ThemeProbe, TheHelpersOutputIsALineAColour) {
+TEST(ThemeColorsText, TheHelpersOutputIsALineAColour) {
   EXPECT_EQ(formatThemeColors({Color{1, 0.5, 0, 1}, std::nullopt}),
             "background 1p+0 1p-1 0p+0 1p+0\n");
 }
 
-TEST(ThemeProbe, LinesThatDoNotReadAsAColourAreLeftOut) {
+TEST(ThemeColorsText, LinesThatDoNotReadAsAColourAreLeftOut) {
   const ThemeColors read = parseThemeColors(
       "(korvo-widgets-desktop:12): Gtk-WARNING **: Theme parsing error\n"
       "background 1p+0 1p-1\n"
