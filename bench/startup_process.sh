@@ -34,7 +34,7 @@ for build in "${builds[@]}"; do
   korvo=$(program "$build" korvo)
   "$korvo" publish >/dev/null
   commands+=("$widgets list" "$widgets memory --json" "$widgets snapshot check"
-             "$widgets status memory" "$widgets status usage"
+             "$widgets status memory" "$widgets status usage" "$widgets status usage --format waybar"
              "$korvo claude-statusline" "$korvo publish")
 done
 python3 "$root/bench/side_by_side.py" --runs "$runs" --stdin "$scratch/status.json" "${commands[@]}"

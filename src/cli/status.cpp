@@ -21,11 +21,11 @@ struct StatusOptions {
 
 // The line of each widget that has one, from the provider the widget itself asks; status bars
 // run this every few seconds, so it loads no toolkit and reads only what the line needs.
-StatusLine::Line memoryLine(DisplayMode mode) {
+StatusLine::Line memoryLine(DisplayMode mode, StatusLine::Tooltip tooltip) {
   std::optional<MemoryEntry> entry;
   MemoryProvider{}.getTimeline(
       {}, [&](Timeline<MemoryEntry> timeline) { entry = std::move(timeline.entries.front()); });
-  return StatusLine::memory(*entry, mode);
+  return StatusLine::memory(*entry, mode, tooltip);
 }
 
 MonitorEntry monitorEntry() {
@@ -37,13 +37,19 @@ MonitorEntry monitorEntry() {
 
 struct StatusKind {
   std::string_view shortKind;
-  StatusLine::Line (*line)(DisplayMode mode);
+  StatusLine::Line (*line)(DisplayMode mode, StatusLine::Tooltip tooltip);
 };
 
 constexpr std::array statusKinds{
     StatusKind{"memory", memoryLine},
-    StatusKind{"usage", [](DisplayMode) { return StatusLine::usage(monitorEntry()); }},
-    StatusKind{"temperature", [](DisplayMode) { return StatusLine::temperature(monitorEntry()); }},
+    StatusKind{"usage",
+               [](DisplayMode, StatusLine::Tooltip tooltip) {
+                 return StatusLine::usage(monitorEntry(), tooltip);
+               }},
+    StatusKind{"temperature",
+               [](DisplayMode, StatusLine::Tooltip tooltip) {
+                 return StatusLine::temperature(monitorEntry(), tooltip);
+               }},
 };
 
 std::string statusKindWords() {
@@ -92,8 +98,11 @@ void addStatusCommand(CLI::App& app, CommandOutcome& outcome) {
   command->callback([options, &outcome] {
     const StatusKind& kind = statusKindNamed(options->kind);
     pinClock(options->now);
-    const StatusLine::Line line = kind.line(*displayModeFromRaw(options->mode));
-    std::cout << (options->format == "waybar" ? StatusLine::waybarJson(line) : line.text) << '\n';
+    const bool waybar = options->format == "waybar";
+    const StatusLine::Line line =
+        kind.line(*displayModeFromRaw(options->mode),
+                  waybar ? StatusLine::Tooltip::included : StatusLine::Tooltip::leftOut);
+    std::cout << (waybar ? StatusLine::waybarJson(line) : line.text) << '\n';
     outcome.exitCode = exitSuccess;
   });
 }

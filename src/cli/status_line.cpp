@@ -43,11 +43,14 @@ std::string windowLine(const UsageWindow& window, Date now) {
 
 }  // namespace
 
-Line memory(const MemoryEntry& entry, DisplayMode mode) {
+Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip) {
   if (!entry.memory) {
     return {noFigure(), _("Memory") + std::string(": ") + _("Unavailable"), "unavailable", 0};
   }
   const MemorySnapshot& reading = *entry.memory;
+  Line line{MemoryFormat::modeText(reading, mode), "", std::string(rawValue(reading.pressure)),
+            wholePercent(reading.usedFraction() * 100)};
+  if (tooltip == Tooltip::leftOut) return line;
   const auto figure = [](std::string title, std::uint64_t bytes) {
     return title + " " + MemoryFormat::compactSize(bytes);
   };
@@ -61,11 +64,11 @@ Line memory(const MemoryEntry& entry, DisplayMode mode) {
       MemoryFormat::gigabytes(reading.available()) + _(" available"),
       pressureLine(reading.pressure),
   };
-  return {MemoryFormat::modeText(reading, mode), joined(details),
-          std::string(rawValue(reading.pressure)), wholePercent(reading.usedFraction() * 100)};
+  line.tooltip = joined(details);
+  return line;
 }
 
-Line usage(const MonitorEntry& entry) {
+Line usage(const MonitorEntry& entry, Tooltip tooltip) {
   if (!entry.snapshot) return {noFigure(), _("Usage unavailable"), "unavailable", 0};
   std::vector<std::string> figures;
   std::vector<std::string> details;
@@ -74,7 +77,8 @@ Line usage(const MonitorEntry& entry) {
   bool stale = false;
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = UsageContent::state(entry, provider);
-    details.push_back(shortName(provider) + " · " + state.statusText());
+    const bool withDetails = tooltip == Tooltip::included;
+    if (withDetails) details.push_back(shortName(provider) + " · " + state.statusText());
     if (!state.enabled) continue;
     anyEnabled = true;
     stale = stale || state.isStale();
@@ -84,9 +88,9 @@ Line usage(const MonitorEntry& entry) {
     if (weekly) {
       const double remaining = UsageWindows::remainingPercent(*weekly);
       lowest = lowest ? std::min(*lowest, remaining) : remaining;
-      details.push_back(windowLine(*weekly, entry.date));
+      if (withDetails) details.push_back(windowLine(*weekly, entry.date));
     }
-    if (state.snapshot) {
+    if (withDetails && state.snapshot) {
       if (const auto fiveHour = UsageWindows::fiveHour(*state.snapshot)) {
         details.push_back(windowLine(*fiveHour, entry.date));
       }
@@ -99,7 +103,7 @@ Line usage(const MonitorEntry& entry) {
   return {text, joined(details), cssClass, lowest ? wholePercent(*lowest) : 0};
 }
 
-Line temperature(const MonitorEntry& entry) {
+Line temperature(const MonitorEntry& entry, Tooltip tooltip) {
   switch (TemperatureContent::state(entry.snapshot)) {
     case TemperatureContent::State::disabled:
       return {noFigure(),
@@ -113,15 +117,18 @@ Line temperature(const MonitorEntry& entry) {
   }
   const WidgetSnapshot& snapshot = *entry.snapshot;
   const double celsius = *snapshot.temperature;
-  std::string tooltip = _("Hottest CPU sensor");
+  std::string details = _("Hottest CPU sensor");
   bool stale = false;
   if (snapshot.temperatureDate) {
     const LastUpdatedFooter footer{entry.date, *snapshot.temperatureDate};
     stale = footer.isStale();
-    tooltip +=
-        "\n" + (stale ? _("Stale ·") : _("Updated")) + " " + shortTime(*snapshot.temperatureDate);
+    if (tooltip == Tooltip::included) {
+      details +=
+          "\n" + (stale ? _("Stale ·") : _("Updated")) + " " + shortTime(*snapshot.temperatureDate);
+    }
   }
-  return {TemperatureContent::degreesText(celsius), tooltip, stale ? "stale" : "",
+  return {TemperatureContent::degreesText(celsius),
+          tooltip == Tooltip::included ? details : std::string(), stale ? "stale" : "",
           wholePercent(celsius)};
 }
 

@@ -12,23 +12,27 @@ namespace korvo::StatusLine {
 // One widget's line and the details behind it.
 struct Line {
   std::string text;  // the figure alone ("47%", "Codex 58% · Claude 71%", "54°C"), "—" without data
-  std::string tooltip;   // the details, one per line, "\n"-separated
+  std::string tooltip;   // the details, one per line, "\n"-separated; may be empty when left out
   std::string cssClass;  // the pressure level's raw value, "stale", "disabled", "unavailable" or ""
   int percentage = 0;    // the figure as a whole percentage 0–100 for a bar's own gauge
 
   friend bool operator==(const Line&, const Line&) = default;
 };
 
+// Whether a line carries its tooltip. The plain figure needs no date texts, whose locale data a
+// status bar polling the figure every few seconds would otherwise load each time.
+enum class Tooltip { leftOut, included };
+
 // The reading in `mode`; the breakdown, swap, available memory and pressure as the tooltip.
-Line memory(const MemoryEntry& entry, DisplayMode mode);
+Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip);
 
 // Each enabled provider's weekly remaining percentage; the tooltip holds per provider its status
 // text and its weekly and 5-hour windows with their reset countdowns against the entry's date.
-Line usage(const MonitorEntry& entry);
+Line usage(const MonitorEntry& entry, Tooltip tooltip);
 
 // The hottest CPU sensor in whole degrees, "stale" when the reading is older than the widget's
 // footer allows.
-Line temperature(const MonitorEntry& entry);
+Line temperature(const MonitorEntry& entry, Tooltip tooltip);
 
 // {"text", "tooltip", "class", "percentage"} on one line, as Waybar's custom modules read it.
 std::string waybarJson(const Line& line);

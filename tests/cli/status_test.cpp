@@ -153,6 +153,8 @@ TEST_F(Status, UsageWithMissingStaleOrDisabledDataIsClassedForTheBar) {
     EXPECT_EQ(line["class"], expectedClass) << name;
     EXPECT_EQ(line["percentage"], expectedPercentage) << name;
     EXPECT_FALSE(line["tooltip"].get<std::string>().empty()) << name;
+    // The plain figure, made without the tooltip, is the same figure.
+    EXPECT_EQ(text("usage"), std::string(expectedText) + "\n") << name;
   }
 }
 
@@ -185,6 +187,7 @@ TEST_F(Status, TemperatureWithoutAFreshReadingSaysWhy) {
     const json line = waybar("temperature");
     EXPECT_EQ(line["text"], expectedText) << name;
     EXPECT_EQ(line["class"], expectedClass) << name;
+    EXPECT_EQ(text("temperature"), std::string(expectedText) + "\n") << name;
   }
 }
 
