@@ -117,7 +117,7 @@ verdict=0
 if (( ns[$host] * 10 > ns[$conky] )); then
   echo "host_vs_conky: korvo-widgets used more than a tenth of Conky's CPU time" >&2; verdict=1
 fi
-if (( wake[$host] * 10 > seconds )); then
-  echo "host_vs_conky: korvo-widgets woke more than once every ten seconds" >&2; verdict=1
+if (( wake[$host] * 30 > seconds )); then
+  echo "host_vs_conky: korvo-widgets woke more than twice a minute" >&2; verdict=1
 fi
 exit $verdict
