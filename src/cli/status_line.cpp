@@ -75,9 +75,9 @@ Line usage(const MonitorEntry& entry, Tooltip tooltip) {
   std::optional<double> lowest;
   bool anyEnabled = false;
   bool stale = false;
+  const bool withDetails = tooltip == Tooltip::included;
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = UsageContent::state(entry, provider);
-    const bool withDetails = tooltip == Tooltip::included;
     if (withDetails) details.push_back(shortName(provider) + " · " + state.statusText());
     if (!state.enabled) continue;
     anyEnabled = true;
