@@ -259,7 +259,9 @@ TEST_F(DesktopHost, CardsFollowTheDesktopsThemeWhenItChanges) {
       {"KorvoTinted", {"#E4ECF7FF", "#14233AFF"}},
       {"KorvoPlain", {"#ECECECFF", "#000000D9"}},
   };
-  for (const auto& [theme, expected] : switches) {
+  for (const auto& themeSwitch : switches) {
+    const std::string& theme = themeSwitch.first;
+    const std::pair<std::string, std::string>& expected = themeSwitch.second;
     SCOPED_TRACE(theme);
     writeFile(settings, "Net/ThemeName \"" + theme + "\"\n");
     manager.signal(SIGHUP);
