@@ -178,15 +178,32 @@ void writeFile(const fs::path& file, const std::string& text) {
   fs::rename(temporary, file);
 }
 
-XServer::XServer(int width, int height, const fs::path& logFolder) {
+void setXCookie(const fs::path& file, const std::string& display, const std::string& cookie) {
+  const CommandResult result =
+      runCommand({"xauth", "-q", "-f", file.string(), "add", display, ".", cookie},
+                 {{"PATH", "/usr/bin:/bin"}});
+  if (result.exitStatus != 0) throw std::runtime_error("xauth could not write " + file.string());
+}
+
+XServer::XServer(int width, int height, const fs::path& logFolder,
+                 std::optional<std::string> cookie) {
   int pipeEnds[2];
   if (pipe2(pipeEnds, O_CLOEXEC) != 0) throw std::runtime_error("pipe failed");
   const Environment environment{{"PATH", "/usr/bin:/bin"}};
-  process_ = std::make_unique<Process>(
-      std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(pipeEnds[1]), "-screen", "0",
-                               std::to_string(width) + "x" + std::to_string(height) + "x24",
-                               "-nolisten", "tcp", "-noreset"},
-      environment, logFolder / "xvfb.out", logFolder / "xvfb.err", pipeEnds[1]);
+  std::vector<std::string> arguments{
+      "Xvfb",      "-displayfd", std::to_string(pipeEnds[1]),
+      "-screen",   "0",          std::to_string(width) + "x" + std::to_string(height) + "x24",
+      "-nolisten", "tcp",        "-noreset"};
+  if (cookie) {
+    // The server takes every cookie in its own file, whatever display an entry names, and reads
+    // that file again when it changes; clients look theirs up by display in another file, which
+    // a test may change without the server following.
+    const fs::path serverAuthority = logFolder / "Xauthority.server";
+    setXCookie(serverAuthority, ":0", *cookie);
+    arguments.insert(arguments.end(), {"-auth", serverAuthority.string()});
+  }
+  process_ = std::make_unique<Process>(arguments, environment, logFolder / "xvfb.out",
+                                       logFolder / "xvfb.err", pipeEnds[1]);
   close(pipeEnds[1]);
   std::string number;
   char character = 0;
@@ -194,6 +211,10 @@ XServer::XServer(int width, int height, const fs::path& logFolder) {
   close(pipeEnds[0]);
   if (number.empty()) throw std::runtime_error("Xvfb did not start");
   display_ = ":" + number;
+  if (cookie) {
+    authority_ = logFolder / "Xauthority";
+    setXCookie(authority_, display_, *cookie);
+  }
 }
 
 ActivatingSessionBus::ActivatingSessionBus(const fs::path& folder, const std::string& display) {

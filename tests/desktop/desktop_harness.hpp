@@ -66,16 +66,25 @@ bool waitFor(const std::function<bool()>& condition,
 std::string readFile(const std::filesystem::path& file);
 void writeFile(const std::filesystem::path& file, const std::string& text);
 
-// An Xvfb server on a display number it picks itself (-displayfd).
+// An Xvfb server on a display number it picks itself (-displayfd). With a `cookie` (32 hex
+// digits) it admits only clients holding it, as a display manager's server does: clients find
+// the cookie in the authority file authority(), named in their XAUTHORITY.
 class XServer {
  public:
-  XServer(int width, int height, const std::filesystem::path& logFolder);
+  XServer(int width, int height, const std::filesystem::path& logFolder,
+          std::optional<std::string> cookie = std::nullopt);
   const std::string& display() const { return display_; }
+  const std::filesystem::path& authority() const { return authority_; }
 
  private:
   std::unique_ptr<Process> process_;
   std::string display_;
+  std::filesystem::path authority_;
 };
+
+// Makes `cookie` the one the authority file `file` holds for `display` (xauth).
+void setXCookie(const std::filesystem::path& file, const std::string& display,
+                const std::string& cookie);
 
 // A session bus of the test's own (dbus-run-session) whose D-Bus activation starts services
 // from the system's files, the accessibility bus among them, as on a desktop. `folder` holds its

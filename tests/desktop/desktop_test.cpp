@@ -278,6 +278,63 @@ TEST_F(DesktopHost, CardsFollowTheDesktopsThemeWhenItChanges) {
   EXPECT_TRUE(host_->running());
 }
 
+// A theme the host cannot read (here the X server refuses the reader, as it refuses a client
+// without the session's cookie) leaves the cards in their colours and says so in the log; the
+// next switch, readable again, is followed.
+TEST_F(DesktopHost, CardsKeepTheirColoursWhenTheThemeCannotBeReadAndFollowTheNextSwitch) {
+  const std::string cookie = "6b6f72766f2d7769646765747321a7f0";
+  server_ = std::make_unique<XServer>(screenWidth, screenHeight, folder_.path(), cookie);
+  environment_["DISPLAY"] = server_->display();
+  environment_["XAUTHORITY"] = server_->authority().string();
+  installTheme("KorvoPlain");
+  installTheme("KorvoTinted");
+  installTheme("KorvoDusk");
+  const auto settings = folder_.path() / "xsettingsd.conf";
+  writeFile(settings, "Net/ThemeName \"KorvoTinted\"\n");
+  Process manager({"xsettingsd", "-c", settings.string()}, environment_,
+                  folder_.path() / "xsettingsd.out", folder_.path() / "xsettingsd.err");
+  ASSERT_TRUE(waitFor([&] {
+    return readFile(folder_.path() / "xsettingsd.err").find("Took ownership") != std::string::npos;
+  })) << readFile(folder_.path() / "xsettingsd.err");
+  startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
+  ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }))
+      << readFile(hostLog());
+  // Colours of the theme's own, so that keeping them cannot be mistaken for falling back to the
+  // cards' defaults (KorvoPlain's).
+  const std::pair<std::string, std::string> tinted{"#E4ECF7FF", "#14233AFF"};
+  ASSERT_EQ(cardColors(), tinted);
+
+  // The session's cookie changes under the host: the host keeps its connection, a new one fails.
+  setXCookie(server_->authority(), server_->display(), "00000000000000000000000000000000");
+  writeFile(settings, "Net/ThemeName \"KorvoPlain\"\n");
+  manager.signal(SIGHUP);
+  const std::string failure = "the theme helper failed; the cards keep their colours";
+  EXPECT_TRUE(waitFor([&] { return readFile(hostLog()).find(failure) != std::string::npos; }))
+      << readFile(hostLog());
+  fs::remove(dump("1-awake-small.json"));
+  host_->signal(SIGUSR1);
+  ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
+  EXPECT_EQ(cardColors(), tinted);
+  EXPECT_TRUE(host_->running());
+
+  setXCookie(server_->authority(), server_->display(), cookie);
+  writeFile(settings, "Net/ThemeName \"KorvoDusk\"\n");
+  manager.signal(SIGHUP);
+  const std::pair<std::string, std::string> dusk{"#F4EDE2FF", "#3A2A14FF"};
+  std::pair<std::string, std::string> colors;
+  waitFor([&] {
+    fs::remove(dump("1-awake-small.json"));
+    host_->signal(SIGUSR1);
+    if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return false;
+    colors = cardColors();
+    return colors == dusk;
+  });
+  EXPECT_EQ(colors, dusk);
+  // One failure, said once.
+  const std::string log = readFile(hostLog());
+  EXPECT_EQ(log.find(failure), log.rfind(failure)) << log;
+}
+
 TEST_F(DesktopHost, WithoutAKorvoHandlerAClickSaysSoOnOneLineAndTheHostKeepsRunning) {
   startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
   const auto window = waitForWindow("Keep Awake");
