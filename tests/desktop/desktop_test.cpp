@@ -52,13 +52,57 @@ class DesktopHost : public testing::Test {
                                  folder_.path() / "data" / "themes" / name);
   }
 
+  using CardColors = std::pair<std::string, std::string>;  // background, title
+
+  // An XSETTINGS manager announcing `theme` as the desktop's GTK theme, once it owns the settings.
+  std::unique_ptr<Process> startThemeManager(const std::string& theme) {
+    writeThemeSettings(theme);
+    auto manager = std::make_unique<Process>(
+        std::vector<std::string>{"xsettingsd", "-c", themeSettings().string()}, environment_,
+        folder_.path() / "xsettingsd.out", folder_.path() / "xsettingsd.err");
+    const bool owning = waitFor([&] {
+      return readFile(folder_.path() / "xsettingsd.err").find("Took ownership") !=
+             std::string::npos;
+    });
+    EXPECT_TRUE(owning) << readFile(folder_.path() / "xsettingsd.err");
+    return owning ? std::move(manager) : nullptr;
+  }
+
+  void switchTheme(const Process& manager, const std::string& theme) {
+    writeThemeSettings(theme);
+    manager.signal(SIGHUP);
+  }
+
+  // The Keep Awake card's colours in a dump the host writes now.
+  CardColors freshCardColors() {
+    fs::remove(dump("1-awake-small.json"));
+    host_->signal(SIGUSR1);
+    if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return {};
+    return cardColors();
+  }
+
+  // The colours of fresh dumps until they are `expected`, or the last ones when time runs out.
+  CardColors cardColorsOnceThey(const CardColors& expected) {
+    CardColors colors;
+    waitFor([&] {
+      colors = freshCardColors();
+      return colors == expected;
+    });
+    return colors;
+  }
+
   // The Keep Awake card's background and title colours in the host's last dump.
-  std::pair<std::string, std::string> cardColors() const {
+  CardColors cardColors() const {
     const auto card = Json::parse(readFile(dump("1-awake-small.json")));
     const auto* background = findNode(card["tree"], "shape");
     const auto* title = findNode(card["tree"], "text");
     if (background == nullptr || title == nullptr) return {};
     return {(*background)["color"], (*title)["color"]};
+  }
+
+  fs::path themeSettings() const { return folder_.path() / "xsettingsd.conf"; }
+  void writeThemeSettings(const std::string& theme) const {
+    writeFile(themeSettings(), "Net/ThemeName \"" + theme + "\"\n");
   }
 
   fs::path snapshotFile() const {
@@ -228,7 +272,7 @@ TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUs
     const auto window = waitForWindow("Keep Awake");
     ASSERT_TRUE(window) << readFile(hostLog());
     ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
-    EXPECT_EQ(cardColors(), (std::pair<std::string, std::string>{"#E4ECF7FF", "#14233AFF"}));
+    EXPECT_EQ(cardColors(), (CardColors{"#E4ECF7FF", "#14233AFF"}));
 
     click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
     ASSERT_TRUE(waitFor([&] { return fs::exists(themeLog); })) << readFile(hostLog());
@@ -242,38 +286,22 @@ TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUs
 TEST_F(DesktopHost, CardsFollowTheDesktopsThemeWhenItChanges) {
   installTheme("KorvoPlain");
   installTheme("KorvoTinted");
-  const auto settings = folder_.path() / "xsettingsd.conf";
-  writeFile(settings, "Net/ThemeName \"KorvoPlain\"\n");
-  Process manager({"xsettingsd", "-c", settings.string()}, environment_,
-                  folder_.path() / "xsettingsd.out", folder_.path() / "xsettingsd.err");
-  ASSERT_TRUE(waitFor([&] {
-    return readFile(folder_.path() / "xsettingsd.err").find("Took ownership") != std::string::npos;
-  })) << readFile(folder_.path() / "xsettingsd.err");
+  const auto manager = startThemeManager("KorvoPlain");
+  ASSERT_TRUE(manager);
   startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
   ASSERT_TRUE(waitForWindow("Keep Awake")) << readFile(hostLog());
   ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
-  EXPECT_EQ(cardColors(), (std::pair<std::string, std::string>{"#ECECECFF", "#000000D9"}));
+  EXPECT_EQ(cardColors(), (CardColors{"#ECECECFF", "#000000D9"}));
 
   // There and back: each switch is read anew.
-  const std::vector<std::pair<std::string, std::pair<std::string, std::string>>> switches{
+  const std::vector<std::pair<std::string, CardColors>> switches{
       {"KorvoTinted", {"#E4ECF7FF", "#14233AFF"}},
       {"KorvoPlain", {"#ECECECFF", "#000000D9"}},
   };
-  for (const auto& themeSwitch : switches) {
-    const std::string& theme = themeSwitch.first;
-    const std::pair<std::string, std::string>& expected = themeSwitch.second;
+  for (const auto& [theme, expected] : switches) {
     SCOPED_TRACE(theme);
-    writeFile(settings, "Net/ThemeName \"" + theme + "\"\n");
-    manager.signal(SIGHUP);
-    std::pair<std::string, std::string> colors;
-    waitFor([&] {
-      fs::remove(dump("1-awake-small.json"));
-      host_->signal(SIGUSR1);
-      if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return false;
-      colors = cardColors();
-      return colors == expected;
-    });
-    EXPECT_EQ(colors, expected);
+    switchTheme(*manager, theme);
+    EXPECT_EQ(cardColorsOnceThey(expected), expected);
   }
   EXPECT_TRUE(host_->running());
 }
@@ -289,47 +317,29 @@ TEST_F(DesktopHost, CardsKeepTheirColoursWhenTheThemeCannotBeReadAndFollowTheNex
   installTheme("KorvoPlain");
   installTheme("KorvoTinted");
   installTheme("KorvoDusk");
-  const auto settings = folder_.path() / "xsettingsd.conf";
-  writeFile(settings, "Net/ThemeName \"KorvoTinted\"\n");
-  Process manager({"xsettingsd", "-c", settings.string()}, environment_,
-                  folder_.path() / "xsettingsd.out", folder_.path() / "xsettingsd.err");
-  ASSERT_TRUE(waitFor([&] {
-    return readFile(folder_.path() / "xsettingsd.err").find("Took ownership") != std::string::npos;
-  })) << readFile(folder_.path() / "xsettingsd.err");
+  const auto manager = startThemeManager("KorvoTinted");
+  ASSERT_TRUE(manager);
   startHost({"--widget", "awake", "--dump-dir", (folder_.path() / "dump").string()});
   ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }))
       << readFile(hostLog());
   // Colours of the theme's own, so that keeping them cannot be mistaken for falling back to the
   // cards' defaults (KorvoPlain's).
-  const std::pair<std::string, std::string> tinted{"#E4ECF7FF", "#14233AFF"};
+  const CardColors tinted{"#E4ECF7FF", "#14233AFF"};
   ASSERT_EQ(cardColors(), tinted);
 
   // The session's cookie changes under the host: the host keeps its connection, a new one fails.
   setXCookie(server_->authority(), server_->display(), "00000000000000000000000000000000");
-  writeFile(settings, "Net/ThemeName \"KorvoPlain\"\n");
-  manager.signal(SIGHUP);
+  switchTheme(*manager, "KorvoPlain");
   const std::string failure = "the theme helper failed; the cards keep their colours";
   EXPECT_TRUE(waitFor([&] { return readFile(hostLog()).find(failure) != std::string::npos; }))
       << readFile(hostLog());
-  fs::remove(dump("1-awake-small.json"));
-  host_->signal(SIGUSR1);
-  ASSERT_TRUE(waitFor([&] { return fs::exists(dump("1-awake-small.json")); }));
-  EXPECT_EQ(cardColors(), tinted);
+  EXPECT_EQ(freshCardColors(), tinted);
   EXPECT_TRUE(host_->running());
 
   setXCookie(server_->authority(), server_->display(), cookie);
-  writeFile(settings, "Net/ThemeName \"KorvoDusk\"\n");
-  manager.signal(SIGHUP);
-  const std::pair<std::string, std::string> dusk{"#F4EDE2FF", "#3A2A14FF"};
-  std::pair<std::string, std::string> colors;
-  waitFor([&] {
-    fs::remove(dump("1-awake-small.json"));
-    host_->signal(SIGUSR1);
-    if (!waitFor([&] { return fs::exists(dump("1-awake-small.json")); })) return false;
-    colors = cardColors();
-    return colors == dusk;
-  });
-  EXPECT_EQ(colors, dusk);
+  switchTheme(*manager, "KorvoDusk");
+  const CardColors dusk{"#F4EDE2FF", "#3A2A14FF"};
+  EXPECT_EQ(cardColorsOnceThey(dusk), dusk);
   // One failure, said once.
   const std::string log = readFile(hostLog());
   EXPECT_EQ(log.find(failure), log.rfind(failure)) << log;
