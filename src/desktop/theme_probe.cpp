@@ -42,7 +42,7 @@ ui::Theme ThemeProbe::theme(ui::ColorScheme scheme) const {
 
 void ThemeProbe::settingChanged() {
   // A switch of theme usually changes both settings at once: one reading answers both. It holds
-  // the main loop for the helper's run (about 70 ms), which only a theme switch costs.
+  // the main loop for the helper's run (tens of milliseconds), which only a theme switch costs.
   if (pendingRead_ == 0) pendingRead_ = g_idle_add(onReadDue, this);
 }
 
