@@ -64,7 +64,7 @@ run() {
     local read=false
     for ((tries = 0; tries < 50; tries++)); do
       if env -i PATH=/usr/bin:/bin HOME="$work/home" DISPLAY="$DISPLAY" DBUS_SESSION_BUS_ADDRESS="$(cat "$bus")" \
-        /usr/bin/python3 "$root/tests/desktop/a11y/read_accessible.py" >"$work/read.json" 2>/dev/null; then
+        /usr/bin/python3 "$root/tests/support/a11y/read_accessible.py" >"$work/read.json" 2>/dev/null; then
         read=true
         break
       fi
@@ -80,7 +80,7 @@ run() {
   # GTK links the bridge either way; NO_AT_BRIDGE keeps it from joining the accessibility bus.
   local seen=no
   env -i PATH=/usr/bin:/bin HOME="$work/home" DISPLAY="$DISPLAY" DBUS_SESSION_BUS_ADDRESS="$(cat "$bus")" \
-    /usr/bin/python3 "$root/tests/desktop/a11y/read_accessible.py" >/dev/null 2>&1 && seen=yes
+    /usr/bin/python3 "$root/tests/support/a11y/read_accessible.py" >/dev/null 2>&1 && seen=yes
   echo "  on the accessibility bus: $seen"
   echo "  reloads: $(grep -c 'timeline request' "$log" || true) timeline requests"
   echo "  updates with edits:    $(timings "$log" 'children of .*: [1-9][0-9]* edits')"

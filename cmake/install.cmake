@@ -50,7 +50,7 @@ set(KORVO_SESSION_ZSH _korvo-widgets)
 
 if(TARGET korvo)
   install(TARGETS korvo RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-  # `korvo service` looks for its GLib side here (src/app/cli_service.cpp).
+  # `korvo service` looks for its GLib side here (src/app/hand_over.cpp).
   install(TARGETS korvo-service RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/korvo")
   korvo_install_program_data(korvo com.tessmoor.Korvo)
   list(APPEND KORVO_SESSION_UNITS korvo.service)

@@ -11,4 +11,7 @@ function(korvo_expose_headers target folder)
     file(CREATE_LINK "${PROJECT_SOURCE_DIR}/src/${folder}" "${root}/${folder}" SYMBOLIC)
   endif()
   target_include_directories(${target} PUBLIC "${root}")
+  # The layer table (cmake/layer_table.cmake) reads the folder off the target.
+  set_target_properties(${target} PROPERTIES KORVO_LAYER_FOLDER "${folder}")
+  set_property(GLOBAL APPEND PROPERTY KORVO_LAYER_TARGETS ${target})
 endfunction()

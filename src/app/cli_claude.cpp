@@ -7,8 +7,8 @@
 #include "app/claude_settings_file.hpp"
 #include "app/claude_update.hpp"
 #include "app/cli_commands.hpp"
-#include "app/exit_codes.hpp"
 #include "app/settings_file.hpp"
+#include "base/exit_codes.hpp"
 #include "sources/claude_status_line.hpp"
 
 namespace korvo::app {

@@ -1,10 +1,10 @@
 #include <iostream>
 
 #include "app/cli_commands.hpp"
-#include "app/exit_codes.hpp"
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
 #include "base/clock.hpp"
+#include "base/exit_codes.hpp"
 #include "shared/moment_text.hpp"
 
 namespace korvo::app {

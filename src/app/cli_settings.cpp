@@ -2,8 +2,8 @@
 #include <iostream>
 
 #include "app/cli_commands.hpp"
-#include "app/exit_codes.hpp"
 #include "app/settings_file.hpp"
+#include "base/exit_codes.hpp"
 
 namespace korvo::app {
 

@@ -2,10 +2,10 @@
 #include <nlohmann/json.hpp>
 
 #include "app/cli_commands.hpp"
-#include "app/exit_codes.hpp"
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
 #include "base/c_format.hpp"
+#include "base/exit_codes.hpp"
 #include "shared/moment_text.hpp"
 #include "shared/usage_json.hpp"
 #include "sources/cpu_temperature.hpp"

@@ -1,6 +1,6 @@
 #include "app/dashboard_link.hpp"
 
-#include "app/exit_codes.hpp"
+#include "base/exit_codes.hpp"
 #include "base/text.hpp"
 #include "shared/app_identity.hpp"
 #include "shared/deep_link.hpp"
@@ -11,9 +11,9 @@ namespace korvo {
 DashboardDestination dashboardDestination(std::string_view url) {
   const auto parsed = Url::parse(url);
   if (!parsed || parsed->scheme != AppIdentity::urlScheme) {
-    throw app::UsageError("not a korvo:// link: \"" + std::string(url) +
-                          "\"; valid: korvo://usage, korvo://ai, korvo://resources, "
-                          "korvo://memory, korvo://awake");
+    throw UsageError("not a korvo:// link: \"" + std::string(url) +
+                     "\"; valid: korvo://usage, korvo://ai, korvo://resources, "
+                     "korvo://memory, korvo://awake");
   }
   if (const auto route = deepLinkRoute(parsed->host)) return {route->tab, std::nullopt};
   return {DashboardTab::ai, _("Unknown link: ") + std::string(url)};

@@ -18,7 +18,7 @@ struct DashboardDestination {
 };
 
 // The destination of `url`. A text that is not a URL of the korvo scheme is the caller's mistake:
-// throws app::UsageError naming it ("not a korvo:// link: https://…").
+// throws UsageError naming it ("not a korvo:// link: https://…").
 DashboardDestination dashboardDestination(std::string_view url);
 
 }  // namespace korvo

@@ -1,15 +1,15 @@
 #include "app/host_command.hpp"
 
 #include "app/dashboard_link.hpp"
-#include "app/exit_codes.hpp"
+#include "base/exit_codes.hpp"
 
 namespace korvo {
 namespace {
 
 AwakeDuration durationOf(const std::string& text) {
   if (auto duration = parseAwakeDuration(text)) return *duration;
-  throw app::UsageError("not a duration: \"" + text +
-                        "\"; valid: 90s, 15m, 2h, 1h30m (up to a year) or indefinitely");
+  throw UsageError("not a duration: \"" + text +
+                   "\"; valid: 90s, 15m, 2h, 1h30m (up to a year) or indefinitely");
 }
 
 void addAwakeCommands(CLI::App& app, std::optional<HostCommand>& command) {

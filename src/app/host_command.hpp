@@ -28,11 +28,11 @@ struct AwakeCommand {
 using HostCommand = std::variant<OpenDashboard, RunService, AwakeCommand>;
 
 // Adds `open`, `service` and `awake` to `app`; the one the command line gives is left in
-// `command` once parsed. A malformed duration or link throws app::UsageError with one line.
+// `command` once parsed. A malformed duration or link throws UsageError with one line.
 void addHostCommands(CLI::App& app, std::optional<HostCommand>& command);
 
 // Parses words as `korvo` received them (program name first) into a host command; no words
-// after the program name open the dashboard. Throws CLI::ParseError or app::UsageError.
+// after the program name open the dashboard. Throws CLI::ParseError or UsageError.
 HostCommand parseHostCommand(const std::vector<std::string>& words);
 
 }  // namespace korvo

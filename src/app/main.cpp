@@ -3,9 +3,9 @@
 #include <iostream>
 
 #include "app/cli_commands.hpp"
-#include "app/exit_codes.hpp"
 #include "app/hand_over.hpp"
 #include "app/host_command.hpp"
+#include "base/exit_codes.hpp"
 
 namespace {
 
@@ -26,7 +26,7 @@ int main(int argc, char** argv) {
       "dashboard.",
       "korvo");
   app.require_subcommand(0, 1);
-  int exitCode = korvo::app::exitSuccess;
+  int exitCode = korvo::exitSuccess;
   korvo::app::addPublishCommand(app, exitCode);
   korvo::app::addTemperatureCommand(app, exitCode);
   korvo::app::addCodexCommand(app, exitCode);
@@ -46,13 +46,13 @@ int main(int argc, char** argv) {
     return app.exit(help);
   } catch (const CLI::ParseError& error) {
     std::cerr << "korvo: " << firstLine(error.what()) << '\n';
-    return korvo::app::exitUsage;
-  } catch (const korvo::app::UsageError& error) {
+    return korvo::exitUsage;
+  } catch (const korvo::UsageError& error) {
     std::cerr << "korvo: " << error.what() << '\n';
-    return korvo::app::exitUsage;
+    return korvo::exitUsage;
   } catch (const std::exception& error) {
     std::cerr << "korvo: " << error.what() << '\n';
-    return korvo::app::exitFailure;
+    return korvo::exitFailure;
   }
   return exitCode;
 }

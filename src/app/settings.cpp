@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "app/exit_codes.hpp"
+#include "base/exit_codes.hpp"
 #include "shared/json_reader.hpp"
 
 namespace korvo {
@@ -107,8 +107,7 @@ nlohmann::ordered_json settingValue(std::string_view key, std::string_view text)
   if (isBooleanKey(key)) {
     if (text == "true") return true;
     if (text == "false") return false;
-    throw app::UsageError(name + ": not a boolean: \"" + std::string(text) +
-                          "\"; valid: true, false");
+    throw UsageError(name + ": not a boolean: \"" + std::string(text) + "\"; valid: true, false");
   }
   if (key == "publishSeconds" || key == "awakeMinutes" || key == "waybarSignal") {
     const Range range = key == "publishSeconds" ? publishSecondsRange
@@ -118,28 +117,28 @@ nlohmann::ordered_json settingValue(std::string_view key, std::string_view text)
     const auto [ptr, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || error != std::errc() || ptr != text.data() + text.size() ||
         number < range.low || number > range.high) {
-      throw app::UsageError(name + ": not a whole number in " + rangeText(range) + ": \"" +
-                            std::string(text) + "\"");
+      throw UsageError(name + ": not a whole number in " + rangeText(range) + ": \"" +
+                       std::string(text) + "\"");
     }
     return number;
   }
   if (key == "codexHome") {
     if (text.empty()) return nullptr;
     if (text.front() != '/') {
-      throw app::UsageError("codexHome: not an absolute path: \"" + std::string(text) + "\"");
+      throw UsageError("codexHome: not an absolute path: \"" + std::string(text) + "\"");
     }
     return std::string(text);
   }
   if (key == "memoryDisplayMode") {
     if (!displayModeFromRaw(text)) {
-      throw app::UsageError("memoryDisplayMode: unknown mode \"" + std::string(text) +
-                            "\"; valid: " + displayModeNames());
+      throw UsageError("memoryDisplayMode: unknown mode \"" + std::string(text) +
+                       "\"; valid: " + displayModeNames());
     }
     return std::string(text);
   }
   std::string keys;
   for (const auto known : settingKeys) keys += (keys.empty() ? "" : ", ") + std::string(known);
-  throw app::UsageError("unknown setting \"" + name + "\"; valid: " + keys);
+  throw UsageError("unknown setting \"" + name + "\"; valid: " + keys);
 }
 
 }  // namespace korvo

@@ -38,7 +38,7 @@ Decoded<Settings> parseSettings(std::string_view json);
 nlohmann::ordered_json settingsDocument(const Settings& settings);
 
 // The JSON value of `key` from a command-line text ("true", "90", "usedGB", "/home/a/.codex");
-// null for an empty codexHome (which removes it). Throws app::UsageError naming the key and its
+// null for an empty codexHome (which removes it). Throws UsageError naming the key and its
 // valid values.
 nlohmann::ordered_json settingValue(std::string_view key, std::string_view text);
 

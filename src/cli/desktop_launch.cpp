@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "cli/commands.hpp"
-#include "cli/host_tunables.hpp"
+#include "desktop/core/host_tunables.hpp"
 
 namespace korvo::cli {
 namespace {
@@ -47,7 +47,7 @@ std::vector<fs::path> hostCandidates() {
       argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     // A user's own tunables win.
-    ::setenv(tunablesVariable, hostTunables, 0);
+    ::setenv(desktop::tunablesVariable, desktop::hostTunables, 0);
     ::execv(candidate.c_str(), argv.data());
     std::cerr << "korvo-widgets: cannot start the desktop host " << candidate.string() << ": "
               << std::strerror(errno) << '\n';
@@ -59,7 +59,7 @@ std::vector<fs::path> hostCandidates() {
 
 }  // namespace
 
-void addRunCommand(CLI::App& app, CommandOutcome&) {
+void addRunCommand(CLI::App& app, desktop::CommandOutcome&) {
   auto* command = app.add_subcommand(
       "run",
       "Show the widgets on the desktop (korvo-widgets run --help lists the desktop host's "

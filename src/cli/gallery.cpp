@@ -89,7 +89,7 @@ std::string indexPage(const std::vector<Picture>& pictures) {
   return html + "</body>\n</html>\n";
 }
 
-void run(const GalleryOptions& options, CommandOutcome& outcome) {
+void run(const GalleryOptions& options, desktop::CommandOutcome& outcome) {
   if (options.directory.empty()) {
     throw UsageError("-o: an empty name names no folder");
   }
@@ -105,7 +105,7 @@ void run(const GalleryOptions& options, CommandOutcome& outcome) {
   }
 
   std::vector<Picture> pictures;
-  for (const WidgetConfiguration& widget : widgets()) {
+  for (const WidgetConfiguration& widget : desktop::widgets()) {
     for (const ui::WidgetFamily family : widget.supportedFamilies) {
       const TimelineContext context{.isPreview = false, .family = family};
       for (const EntryRequest request : {EntryRequest::placeholder, EntryRequest::timeline}) {
@@ -150,7 +150,7 @@ void run(const GalleryOptions& options, CommandOutcome& outcome) {
 
 }  // namespace
 
-void addGalleryCommand(CLI::App& app, CommandOutcome& outcome) {
+void addGalleryCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "gallery",
       "Render every widget in every family it offers, light and dark, placeholder and live, as "
@@ -158,8 +158,8 @@ void addGalleryCommand(CLI::App& app, CommandOutcome& outcome) {
   auto options = std::make_shared<GalleryOptions>();
   command->add_option("-o,--output", options->directory, "Folder to write into (created).")
       ->default_str("korvo-gallery");
-  addTextOption(command, "--now", options->now,
-                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  desktop::addTextOption(command, "--now", options->now,
+                         "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] { run(*options, outcome); });
 }
 

@@ -7,7 +7,7 @@
 
 namespace korvo::cli {
 
-void addListCommand(CLI::App& app, CommandOutcome& outcome) {
+void addListCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "list", "List the widgets in gallery order: kind, name, description and families.");
   auto json = std::make_shared<bool>(false);
@@ -16,7 +16,7 @@ void addListCommand(CLI::App& app, CommandOutcome& outcome) {
   command->callback([json, &outcome] {
     if (*json) {
       nlohmann::ordered_json list = nlohmann::ordered_json::array();
-      for (const WidgetConfiguration& widget : widgets()) {
+      for (const WidgetConfiguration& widget : desktop::widgets()) {
         nlohmann::ordered_json families = nlohmann::ordered_json::array();
         for (const ui::WidgetFamily family : widget.supportedFamilies) {
           families.push_back(ui::familyName(family));
@@ -28,7 +28,7 @@ void addListCommand(CLI::App& app, CommandOutcome& outcome) {
       }
       std::cout << list.dump(2) << '\n';
     } else {
-      for (const WidgetConfiguration& widget : widgets()) {
+      for (const WidgetConfiguration& widget : desktop::widgets()) {
         std::cout << widget.kind << "  " << widget.displayName << "  (" << familyWords(widget)
                   << ")\n    " << widget.description << '\n';
       }

@@ -2,8 +2,8 @@
 #include <clocale>
 #include <string>
 
-#include "cli/command_line.hpp"
 #include "cli/commands.hpp"
+#include "desktop/core/command_line.hpp"
 
 int main(int argc, char** argv) {
   // Texts, dates and spans follow the user's locale; numbers are formatted in the C locale anyway.
@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
       "korvo-widgets");
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("korvo-widgets ") + KORVO_VERSION);
-  korvo::cli::CommandOutcome outcome;
+  korvo::desktop::CommandOutcome outcome;
   korvo::cli::addListCommand(app, outcome);
   korvo::cli::addTimelineCommand(app, outcome);
   korvo::cli::addRenderCommand(app, outcome);
@@ -26,5 +26,5 @@ int main(int argc, char** argv) {
   korvo::cli::addStatusCommand(app, outcome);
   korvo::cli::addRunCommand(app, outcome);
   korvo::cli::addReloadCommand(app, outcome);
-  return korvo::cli::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
+  return korvo::desktop::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
 }

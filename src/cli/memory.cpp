@@ -17,7 +17,7 @@ void printFigure(std::string_view name, std::uint64_t bytes) {
                        MemoryFormat::gigabytes(bytes).c_str());
 }
 
-void run(bool json, CommandOutcome& outcome) {
+void run(bool json, desktop::CommandOutcome& outcome) {
   const SystemSampler sampler = SystemSampler::fromEnvironment();
   const std::optional<MemorySnapshot> reading = sampler.readMemory();
   if (!reading) {
@@ -52,7 +52,7 @@ void run(bool json, CommandOutcome& outcome) {
 
 }  // namespace
 
-void addMemoryCommand(CLI::App& app, CommandOutcome& outcome) {
+void addMemoryCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "memory",
       "Take one live memory reading (under $KORVO_SYSROOT, default /) and print every field and "

@@ -3,11 +3,11 @@
 #include <iostream>
 
 #include "cli/commands.hpp"
-#include "cli/host_record.hpp"
+#include "desktop/core/host_record.hpp"
 
 namespace korvo::cli {
 
-void addReloadCommand(CLI::App& app, CommandOutcome& outcome) {
+void addReloadCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "reload",
       "Ask the running desktop host to ask every widget's provider again now; exit 1 when none "

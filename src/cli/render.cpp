@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "base/clock.hpp"
+#include "base/standard_output.hpp"
 #include "cli/commands.hpp"
 #include "cli/render_widget.hpp"
 #include "cli/widgets.hpp"
@@ -40,7 +41,7 @@ std::optional<Url> snapshotURL(const std::string& path) {
   return error ? std::nullopt : Url::file(absolute);
 }
 
-void run(const RenderOptions& options, CommandOutcome& outcome) {
+void run(const RenderOptions& options, desktop::CommandOutcome& outcome) {
   const WidgetConfiguration& widget = widgetNamed(options.kind);
   requireFamily(widget, options.family);
   std::optional<ui::Color> accent = ui::Color::white();
@@ -101,39 +102,40 @@ void run(const RenderOptions& options, CommandOutcome& outcome) {
 
 }  // namespace
 
-void addRenderCommand(CLI::App& app, CommandOutcome& outcome) {
+void addRenderCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "render",
       "Render one widget headless, as the desktop would show it, to PNG, SVG, or its "
       "laid-out view tree (JSON or an indented outline).");
   auto options = std::make_shared<RenderOptions>();
   addKindArgument(command, options->kind);
-  addChoice(command, "--family", options->family, ui::familyWords,
-            "Widget size: small (170x170 points, the default) or medium "
-            "(364x170); the widget must offer it.");
-  addChoice(command, "--entry", options->entry, entryRequestWords,
-            "Which request supplies the entry: placeholder (sample data), snapshot "
-            "or timeline (live data, the default).");
+  desktop::addChoice(command, "--family", options->family, ui::familyWords,
+                     "Widget size: small (170x170 points, the default) or medium "
+                     "(364x170); the widget must offer it.");
+  desktop::addChoice(command, "--entry", options->entry, entryRequestWords,
+                     "Which request supplies the entry: placeholder (sample data), snapshot "
+                     "or timeline (live data, the default).");
   command->add_option("--snapshot-file", options->snapshotFile,
                       "Read the shared snapshot from this file instead of the group container.");
-  addTextOption(command, "--now", options->now,
-                "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
-                "Unix seconds.");
-  addChoice(command, "--appearance", options->appearance, ui::colorSchemeWords,
-            "Colour scheme: light (the default) or dark.");
-  addChoice(command, "--rendering", options->rendering, ui::renderingModeWords,
-            "Rendering mode: full-color (the default), or accented (accent "
-            "group tinted, the rest white).");
-  addTextOption(command, "--accent", options->accent,
-                "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  desktop::addTextOption(command, "--now", options->now,
+                         "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
+                         "Unix seconds.");
+  desktop::addChoice(command, "--appearance", options->appearance, ui::colorSchemeWords,
+                     "Colour scheme: light (the default) or dark.");
+  desktop::addChoice(command, "--rendering", options->rendering, ui::renderingModeWords,
+                     "Rendering mode: full-color (the default), or accented (accent "
+                     "group tinted, the rest white).");
+  desktop::addTextOption(
+      command, "--accent", options->accent,
+      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_flag("--legacy-background", options->legacyBackground,
                     "Draw the path without a host-supplied container background: 16-point padding "
                     "with the backdrop behind.");
   command->add_option("--scale", options->scale,
                       "Device pixels per point (default 2 for png, json and tree; 1 for svg).");
-  addChoice(command, "--format", options->format, outputFormatWords,
-            "Output: png (the default), svg, json (the laid-out tree) or tree (an "
-            "indented outline).");
+  desktop::addChoice(command, "--format", options->format, outputFormatWords,
+                     "Output: png (the default), svg, json (the laid-out tree) or tree (an "
+                     "indented outline).");
   command->add_option("-o,--output", options->output,
                       "Write to this file instead of standard output.");
   command->callback([options, &outcome] { run(*options, outcome); });

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "base/c_format.hpp"
+#include "base/standard_output.hpp"
 #include "cli/commands.hpp"
 #include "cli/widgets.hpp"
 #include "shared/moment_text.hpp"
@@ -16,7 +17,7 @@ struct CheckOptions {
   bool reencode = false;
 };
 
-void printPath(CommandOutcome& outcome) {
+void printPath(desktop::CommandOutcome& outcome) {
   const auto location = WidgetSnapshotStore::locate();
   if (const auto* failure = std::get_if<DecodeFailure>(&location)) {
     std::cerr << "korvo-widgets: " << failure->reason << '\n';
@@ -38,7 +39,7 @@ std::string usageSummary(std::string_view name, const UsageState& state) {
   return line;
 }
 
-void check(const CheckOptions& options, CommandOutcome& outcome) {
+void check(const CheckOptions& options, desktop::CommandOutcome& outcome) {
   if (options.file && options.file->empty()) {
     throw UsageError("FILE: an empty name names no file (leave FILE out to check the shared file)");
   }
@@ -94,7 +95,7 @@ void check(const CheckOptions& options, CommandOutcome& outcome) {
 
 }  // namespace
 
-void addSnapshotCommand(CLI::App& app, CommandOutcome& outcome) {
+void addSnapshotCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "snapshot",
       "Where the widgets look for the shared snapshot file, and whether they can read it.");
@@ -111,7 +112,8 @@ void addSnapshotCommand(CLI::App& app, CommandOutcome& outcome) {
       "check",
       "Decode the shared file (or FILE) as the widgets do and say why it is unreadable; exit 1 "
       "when it is.");
-  addTextOption(checkCommand, "FILE", options->file, "Check this file instead of the shared file.");
+  desktop::addTextOption(checkCommand, "FILE", options->file,
+                         "Check this file instead of the shared file.");
   checkCommand->add_flag("--reencode", options->reencode,
                          "Print exactly the bytes the encoder writes for the decoded file, with "
                          "no newline; messages go to standard error.");

@@ -77,7 +77,7 @@ std::vector<std::string> modeWords() {
 
 }  // namespace
 
-void addStatusCommand(CLI::App& app, CommandOutcome& outcome) {
+void addStatusCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "status",
       "Print one line for a status bar (memory, usage, temperature) from the widget's own "
@@ -93,8 +93,8 @@ void addStatusCommand(CLI::App& app, CommandOutcome& outcome) {
       ->add_option("--mode", options->mode,
                    "How the memory figure is written (default usedPercent).")
       ->check(CLI::IsMember(modeWords()));
-  addTextOption(command, "--now", options->now,
-                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  desktop::addTextOption(command, "--now", options->now,
+                         "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] {
     const StatusKind& kind = statusKindNamed(options->kind);
     pinClock(options->now);

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "base/standard_output.hpp"
 #include "cli/commands.hpp"
 #include "cli/widgets.hpp"
 #include "model/entry_json.hpp"
@@ -35,7 +36,7 @@ std::string text(const WidgetConfiguration& widget, const AnyEntry& placeholder,
 
 }  // namespace
 
-void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
+void addTimelineCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto* command = app.add_subcommand(
       "timeline",
       "Ask a widget's provider for its placeholder, snapshot and timeline, and print the entries "
@@ -47,8 +48,8 @@ void addTimelineCommand(CLI::App& app, CommandOutcome& outcome) {
   command->add_flag("--json", options->json,
                     "Print {widget, placeholder, snapshot, timeline: {entries, reload}}; dates in "
                     "seconds since 2001-01-01 UTC.");
-  addTextOption(command, "--now", options->now,
-                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  desktop::addTextOption(command, "--now", options->now,
+                         "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] {
     const WidgetConfiguration& widget = widgetNamed(options->kind);
     pinClock(options->now);

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "cli/host_record.hpp"
+#include "desktop/core/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "desktop/monitors.hpp"
 #include "extension/korvo_widgets.hpp"
@@ -63,8 +63,8 @@ std::optional<std::size_t> primaryIndex(const std::vector<Monitor>& monitors) {
 DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOptions options)
     : widgets_(widgets), options_(std::move(options)), lookup_(kindLookup(widgets_)) {
   appearance_ =
-      std::make_unique<AppearanceWatch>(options_.appearance, [this] { appearanceChanged(); });
-  theme_ = std::make_unique<ThemeProbe>([this] { appearanceChanged(); });
+      std::make_unique<gtk::AppearanceWatch>(options_.appearance, [this] { appearanceChanged(); });
+  theme_ = std::make_unique<gtk::ThemeProbe>([this] { appearanceChanged(); });
   if (options_.widgets.empty()) {
     placementsFile_ = options_.placementsFile
                           ? options_.placementsFile
@@ -125,13 +125,14 @@ void DesktopHost::reloadPlacements() {
 
 void DesktopHost::watchPlacementsFile() {
   if (!placementsFile_) return;
-  placementsWatch_ = std::make_unique<FileWatch>(*placementsFile_, [this] { reloadPlacements(); });
+  placementsWatch_ =
+      std::make_unique<gtk::FileWatch>(*placementsFile_, [this] { reloadPlacements(); });
 }
 
 void DesktopHost::watchSharedFile() {
   const auto url = WidgetSnapshotStore::fileURL();
   if (!url) return;
-  sharedFileWatch_ = std::make_unique<FileWatch>(url->path, [this] { sharedFileChanged(); });
+  sharedFileWatch_ = std::make_unique<gtk::FileWatch>(url->path, [this] { sharedFileChanged(); });
 }
 
 void DesktopHost::sharedFileChanged() {

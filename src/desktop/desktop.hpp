@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "desktop/appearance.hpp"
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
 #include "desktop/core/widget_lookup.hpp"
-#include "desktop/file_watch.hpp"
-#include "desktop/theme_probe.hpp"
 #include "desktop/window.hpp"
 #include "extension/widget_configuration.hpp"
+#include "gtk/appearance.hpp"
+#include "gtk/file_watch.hpp"
+#include "gtk/theme_probe.hpp"
 
 namespace korvo::desktop {
 
@@ -59,12 +59,12 @@ class DesktopHost {
   const std::vector<WidgetConfiguration>& widgets_;
   HostOptions options_;
   KindLookup lookup_;
-  std::unique_ptr<AppearanceWatch> appearance_;
-  std::unique_ptr<ThemeProbe> theme_;
+  std::unique_ptr<gtk::AppearanceWatch> appearance_;
+  std::unique_ptr<gtk::ThemeProbe> theme_;
   std::optional<std::filesystem::path> placementsFile_;
   std::vector<std::unique_ptr<WidgetWindow>> windows_;
-  std::unique_ptr<FileWatch> placementsWatch_;
-  std::unique_ptr<FileWatch> sharedFileWatch_;
+  std::unique_ptr<gtk::FileWatch> placementsWatch_;
+  std::unique_ptr<gtk::FileWatch> sharedFileWatch_;
   std::vector<guint> signalSources_;
   guint arrangeSource_ = 0;
   std::vector<GdkMonitor*> refused_;  // monitors whose output closed a widget's surface

@@ -6,15 +6,15 @@
 #include <string>
 
 #include "base/clock.hpp"
-#include "cli/command_line.hpp"
-#include "cli/host_tunables.hpp"
-#include "desktop/bare_theme.hpp"
+#include "desktop/core/command_line.hpp"
+#include "desktop/core/host_tunables.hpp"
 #include "desktop/desktop.hpp"
 #include "desktop/display_choice.hpp"
 #include "desktop/run_options.hpp"
 #include "desktop/session_instance.hpp"
-#include "desktop/theme_helper.hpp"
 #include "extension/korvo_widgets.hpp"
+#include "gtk/bare_theme.hpp"
+#include "gtk/theme_helper.hpp"
 
 namespace {
 
@@ -22,12 +22,12 @@ using namespace korvo;
 
 int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>& widgets) {
   // The environment is set while this is the only thread.
-  desktop::adoptBareTheme();
+  gtk::adoptBareTheme();
   // The cards are painted with Cairo in memory; probing OpenGL for visuals would load the GL driver
   // (tens of megabytes) for nothing. A GDK_GL the user set still wins.
   g_setenv("GDK_GL", "disable", FALSE);
   auto options = desktop::resolveRunOptions(std::move(arguments), widgets);
-  if (options.warp != desktop::TimeWarp{}) {
+  if (options.warp != TimeWarp{}) {
     clock::setWarp(options.warp.offsetSeconds, options.warp.rate);
   }
   // Before the display: a second host leaves at once, with or without one.
@@ -48,7 +48,7 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
                  "korvo-widgets: the desktop host is already running in this session%s; "
                  "--replace takes over\n",
                  which.c_str());
-    return cli::exitSuccess;
+    return exitSuccess;
   }
   const auto display = desktop::chooseDisplay(desktop::currentDisplayFacts());
   if (display != desktop::DisplayChoice::asIs) {
@@ -58,12 +58,12 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
   if (!gtk_init_check(nullptr, nullptr)) {
     std::fprintf(stderr,
                  "korvo-widgets: cannot open the display (is DISPLAY or WAYLAND_DISPLAY set?)\n");
-    return cli::exitFailure;
+    return exitFailure;
   }
   desktop::DesktopHost host(widgets, std::move(options));
   shown = &host;
   host.run();
-  return cli::exitSuccess;
+  return exitSuccess;
 }
 
 }  // namespace
@@ -73,9 +73,9 @@ int main(int argc, char** argv) {
   // GLib's worker thread would otherwise allocate in a heap of its own, holding about 150 kB
   // more in a process that mostly waits; one heap serves both threads.
   mallopt(M_ARENA_MAX, 1);
-  // `run` set these for this process alone (cli/host_tunables.hpp).
-  if (g_strcmp0(g_getenv(cli::tunablesVariable), cli::hostTunables) == 0) {
-    g_unsetenv(cli::tunablesVariable);
+  // `run` set these for this process alone (desktop/core/host_tunables.hpp).
+  if (g_strcmp0(g_getenv(desktop::tunablesVariable), desktop::hostTunables) == 0) {
+    g_unsetenv(desktop::tunablesVariable);
   }
   std::setlocale(LC_ALL, "");
   static const std::vector<WidgetConfiguration> widgets = KorvoWidgets{}.body();
@@ -91,10 +91,9 @@ int main(int argc, char** argv) {
   // The host's own helper (theme_helper.hpp), not for users: left out of --help.
   bool themeColors = false;
   app.add_flag("--theme-colors", themeColors)->group("");
-  cli::CommandOutcome outcome;
+  desktop::CommandOutcome outcome;
   app.callback([&] {
-    outcome.exitCode =
-        themeColors ? desktop::printThemeColors() : run(std::move(arguments), widgets);
+    outcome.exitCode = themeColors ? gtk::printThemeColors() : run(std::move(arguments), widgets);
   });
-  return cli::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
+  return desktop::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
 }

@@ -3,8 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "cli/command_line.hpp"
-#include "cli/widgets.hpp"
+#include "desktop/core/command_line.hpp"
 #include "desktop/core/widget_lookup.hpp"
 #include "ui/words.hpp"
 
@@ -16,20 +15,20 @@ HostOptions resolveRunOptions(RunArguments arguments,
   if (arguments.accent) {
     const auto accent = ui::Color::fromHex(*arguments.accent);
     if (!accent) {
-      throw cli::UsageError("--accent: cannot read \"" + *arguments.accent +
-                            "\"; valid forms: #RRGGBB or #RRGGBBAA");
+      throw UsageError("--accent: cannot read \"" + *arguments.accent +
+                       "\"; valid forms: #RRGGBB or #RRGGBBAA");
     }
     options.accent = *accent;
   }
   if (!(options.scale > 0 && options.scale <= 8)) {
-    throw cli::UsageError("--scale: must be a number above 0 and at most 8");
+    throw UsageError("--scale: must be a number above 0 and at most 8");
   }
   const auto fromEnvironment =
       timeWarpFromEnvironment(std::getenv("KORVO_TIME_OFFSET"), std::getenv("KORVO_TIME_RATE"));
-  if (fromEnvironment.error) throw cli::UsageError(*fromEnvironment.error);
+  if (fromEnvironment.error) throw UsageError(*fromEnvironment.error);
   options.warp = fromEnvironment.warp;
   if (arguments.timeRate) {
-    if (!(*arguments.timeRate > 0)) throw cli::UsageError("--time-rate: must be a number above 0");
+    if (!(*arguments.timeRate > 0)) throw UsageError("--time-rate: must be a number above 0");
     options.warp.rate = *arguments.timeRate;
   }
   if (arguments.timeOffset) options.warp.offsetSeconds = *arguments.timeOffset;
@@ -40,7 +39,7 @@ HostOptions resolveRunOptions(RunArguments arguments,
   // Refuse a bad --widget before any window opens.
   const auto parsed = parseWidgetArguments(options.widgets, kindLookup(widgets));
   if (const auto* failure = std::get_if<PlacementError>(&parsed)) {
-    throw cli::UsageError(failure->message);
+    throw UsageError(failure->message);
   }
   return options;
 }
@@ -52,14 +51,15 @@ void addRunOptions(CLI::App& app, RunArguments& arguments) {
                       "more. Replaces the placements file.");
   command->add_option("--placements", arguments.placementsFile,
                       "Read and watch this placements file instead of the user's.");
-  cli::addChoice(command, "--appearance", arguments.options.appearance, ui::colorSchemeWords,
-                 "Colour scheme: light or dark instead of following the desktop.");
-  cli::addChoice(
+  desktop::addChoice(command, "--appearance", arguments.options.appearance, ui::colorSchemeWords,
+                     "Colour scheme: light or dark instead of following the desktop.");
+  desktop::addChoice(
       command, "--rendering", arguments.options.renderingMode, ui::renderingModeWords,
       "Rendering mode: full-color (the default), or accented (accent group tinted, the rest "
       "white).");
-  cli::addTextOption(command, "--accent", arguments.accent,
-                     "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  desktop::addTextOption(
+      command, "--accent", arguments.accent,
+      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_option("--scale", arguments.options.scale,
                       "Logical pixels per point, on top of the desktop's own scale (default 1).");
   command->add_option("--time-rate", arguments.timeRate,

@@ -24,7 +24,7 @@ struct RunArguments {
 void addRunOptions(CLI::App& app, RunArguments& arguments);
 
 // The options the host runs with, with the environment's clock settings applied; a
-// cli::UsageError naming the option and the fault for anything that cannot be used.
+// UsageError naming the option and the fault for anything that cannot be used.
 HostOptions resolveRunOptions(RunArguments arguments,
                               const std::vector<WidgetConfiguration>& widgets);
 

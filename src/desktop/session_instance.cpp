@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-#include "cli/host_record.hpp"
-#include "desktop/session_bus.hpp"
+#include "desktop/core/host_record.hpp"
+#include "gtk/session_bus.hpp"
 
 namespace korvo::desktop {
 namespace {
@@ -61,7 +61,7 @@ GVariant* callBus(GDBusConnection* bus, const char* method, GVariant* parameters
 SessionInstance::SessionInstance(bool replace, std::function<void()> lost,
                                  std::function<void()> reload)
     : lost_(std::move(lost)), reload_(std::move(reload)) {
-  bus_ = sessionBus();
+  bus_ = gtk::sessionBus();
   if (bus_ != nullptr) {
     // Listen before asking, so a takeover right after the answer is not missed.
     lostSubscription_ = g_dbus_connection_signal_subscribe(

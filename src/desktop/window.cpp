@@ -9,12 +9,12 @@
 #include <cstdio>
 
 #include "base/clock.hpp"
-#include "desktop/accessibility.hpp"
-#include "desktop/accessible_card.hpp"
-#include "desktop/card_shape.hpp"
-#include "desktop/core/schedule.hpp"
+#include "base/wake_up.hpp"
 #include "desktop/heap_trim.hpp"
-#include "desktop/url_opener.hpp"
+#include "gtk/accessibility.hpp"
+#include "gtk/accessible_card.hpp"
+#include "gtk/card_shape.hpp"
+#include "gtk/url_opener.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
 #include "ui/hit_test.hpp"
@@ -115,8 +115,8 @@ void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point
 }  // namespace
 
 WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
-                           const HostOptions& options, const AppearanceWatch& appearance,
-                           const ThemeProbe& theme, std::function<void(GdkMonitor*)> lost)
+                           const HostOptions& options, const gtk::AppearanceWatch& appearance,
+                           const gtk::ThemeProbe& theme, std::function<void(GdkMonitor*)> lost)
     : widget_(widget),
       placement_(std::move(placement)),
       index_(index),
@@ -124,7 +124,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
       appearance_(appearance),
       theme_(theme),
       lost_(std::move(lost)) {
-  window_ = newCardWindow();
+  window_ = gtk::newCardWindow();
   GtkWindow* window = GTK_WINDOW(window_);
   gtk_window_set_title(window, widget_.displayName.c_str());
   gtk_window_set_decorated(window, FALSE);
@@ -196,7 +196,7 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monito
 }
 
 void WidgetWindow::applyCardShape() {
-  cairo_region_t* card = cardRegion(logicalSize(), ui::widgetCornerRadius * options_.scale);
+  cairo_region_t* card = gtk::cardRegion(logicalSize(), ui::widgetCornerRadius * options_.scale);
   gtk_widget_input_shape_combine_region(window_, card);
   // Without a compositor the transparent corners would show black: cut them off instead.
   const bool composited = gdk_screen_is_composited(gtk_widget_get_screen(window_)) != FALSE;
@@ -234,8 +234,8 @@ void WidgetWindow::relayout() {
   const auto environment = this->environment();
   layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment), environment,
                              render::PangoTextMeasurer::shared(), deviceScale());
-  describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, options_.scale,
-                                  options_.logRequests);
+  gtk::describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, options_.scale,
+                                       options_.logRequests);
 }
 
 gboolean WidgetWindow::draw(cairo_t* cr) {
@@ -265,7 +265,7 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
   pressed_ = false;
   if (!click || !layout_) return TRUE;
   const ui::Point point{event->x / options_.scale, event->y / options_.scale};
-  if (const auto url = ui::urlAt(*layout_, point)) openURL(*url);
+  if (const auto url = ui::urlAt(*layout_, point)) gtk::openURL(*url);
   return TRUE;
 }
 

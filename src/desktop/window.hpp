@@ -5,11 +5,11 @@
 #include <functional>
 #include <optional>
 
-#include "desktop/appearance.hpp"
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
-#include "desktop/theme_probe.hpp"
 #include "extension/widget_configuration.hpp"
+#include "gtk/appearance.hpp"
+#include "gtk/theme_probe.hpp"
 #include "model/timeline_cursor.hpp"
 #include "ui/widget_layout.hpp"
 
@@ -26,8 +26,8 @@ class WidgetWindow {
   // runs when the window was closed from outside: with its monitor when the compositor took its
   // layer surface away (the output went), with none when a window manager asked.
   WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
-               const HostOptions& options, const AppearanceWatch& appearance,
-               const ThemeProbe& theme, std::function<void(GdkMonitor*)> lost);
+               const HostOptions& options, const gtk::AppearanceWatch& appearance,
+               const gtk::ThemeProbe& theme, std::function<void(GdkMonitor*)> lost);
   ~WidgetWindow();
   WidgetWindow(const WidgetWindow&) = delete;
   WidgetWindow& operator=(const WidgetWindow&) = delete;
@@ -74,8 +74,8 @@ class WidgetWindow {
   Placement placement_;
   int index_;
   const HostOptions& options_;
-  const AppearanceWatch& appearance_;
-  const ThemeProbe& theme_;
+  const gtk::AppearanceWatch& appearance_;
+  const gtk::ThemeProbe& theme_;
   std::function<void(GdkMonitor*)> lost_;
   GtkWidget* window_ = nullptr;
   GdkMonitor* monitor_ = nullptr;  // where place() last put the window

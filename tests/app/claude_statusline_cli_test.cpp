@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/korvo_process.hpp"
 #include "shared/widget_snapshot_json.hpp"
+#include "support/korvo_process.hpp"
 
 namespace korvo {
 namespace {

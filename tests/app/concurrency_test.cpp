@@ -6,9 +6,9 @@
 #include <thread>
 #include <vector>
 
-#include "app/korvo_process.hpp"
 #include "shared/url.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "support/korvo_process.hpp"
 
 namespace korvo {
 namespace {

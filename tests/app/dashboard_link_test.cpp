@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/exit_codes.hpp"
+#include "base/exit_codes.hpp"
 
 namespace korvo {
 namespace {
@@ -29,11 +29,11 @@ TEST(DashboardLinkTest, AnUnknownRouteOpensAiWithTheLink) {
 TEST(DashboardLinkTest, AnythingButAKorvoLinkIsAUsageError) {
   for (const char* url :
        {"https://example.com", "korvo", "korvo:awake", "", "korvo://a b", "file:///etc/passwd"}) {
-    EXPECT_THROW(dashboardDestination(url), app::UsageError) << url;
+    EXPECT_THROW(dashboardDestination(url), UsageError) << url;
   }
   try {
     dashboardDestination("https://example.com");
-  } catch (const app::UsageError& error) {
+  } catch (const UsageError& error) {
     EXPECT_THAT(error.what(), testing::StartsWith("not a korvo:// link: \"https://example.com\""));
   }
 }

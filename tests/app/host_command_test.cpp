@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/exit_codes.hpp"
+#include "base/exit_codes.hpp"
 
 namespace korvo {
 namespace {
@@ -28,8 +28,8 @@ TEST(HostCommandTest, EachCommandIsRead) {
 }
 
 TEST(HostCommandTest, MistakesAreRefused) {
-  EXPECT_THROW(parseHostCommand({"korvo", "awake", "start", "soon"}), app::UsageError);
-  EXPECT_THROW(parseHostCommand({"korvo", "open", "https://example.com"}), app::UsageError);
+  EXPECT_THROW(parseHostCommand({"korvo", "awake", "start", "soon"}), UsageError);
+  EXPECT_THROW(parseHostCommand({"korvo", "open", "https://example.com"}), UsageError);
   EXPECT_THROW(parseHostCommand({"korvo", "awake"}), CLI::ParseError);
   EXPECT_THROW(parseHostCommand({"korvo", "awake", "pause"}), CLI::ParseError);
   EXPECT_THROW(parseHostCommand({"korvo", "awake", "stop", "2m"}), CLI::ParseError);

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/korvo_process.hpp"
+#include "support/korvo_process.hpp"
 
 namespace korvo {
 namespace {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/exit_codes.hpp"
+#include "base/exit_codes.hpp"
 
 namespace korvo {
 namespace {
@@ -75,7 +75,7 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
     try {
       settingValue(key, value);
       ADD_FAILURE() << key << " " << value << " was accepted";
-    } catch (const app::UsageError& error) {
+    } catch (const UsageError& error) {
       EXPECT_THAT(error.what(), HasSubstr(hint)) << key << " " << value;
     }
   }

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "app/korvo_process.hpp"
+#include "support/korvo_process.hpp"
 
 // After a publication korvo sends the signal Waybar's modules are configured with to the user's
 // waybar, so the bar shows the new figures at once. A stand-in named waybar records what it gets.

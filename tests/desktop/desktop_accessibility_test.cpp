@@ -7,10 +7,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "desktop/accessible_expectations.hpp"
-#include "desktop/desktop_harness.hpp"
-#include "desktop/host_dumps.hpp"
-#include "desktop/host_environment.hpp"
+#include "support/accessible_expectations.hpp"
+#include "support/desktop_harness.hpp"
+#include "support/host_dumps.hpp"
+#include "support/host_environment.hpp"
 
 // The host read as a screen reader reads it: through AT-SPI, on a private session bus with its
 // own accessibility bus, against the laid-out tree the host dumps of the same widget and entry.

@@ -7,9 +7,9 @@
 #include <optional>
 #include <sstream>
 
-#include "desktop/desktop_harness.hpp"
-#include "desktop/host_dumps.hpp"
-#include "desktop/host_environment.hpp"
+#include "support/desktop_harness.hpp"
+#include "support/host_dumps.hpp"
+#include "support/host_environment.hpp"
 
 namespace korvo::desktop_test {
 namespace {

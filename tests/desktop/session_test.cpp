@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <string>
 
-#include "desktop/desktop_harness.hpp"
-#include "desktop/host_environment.hpp"
+#include "support/desktop_harness.hpp"
+#include "support/host_environment.hpp"
 
 namespace korvo::desktop_test {
 namespace {

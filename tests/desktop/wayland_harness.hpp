@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/desktop_harness.hpp"
+#include "support/desktop_harness.hpp"
 
 // Wayland compositors for tests that run the desktop host for real: headless sway (layer-shell)
 // and headless weston (none, with XWayland). Compositors refuse to run as root, and CI runs as

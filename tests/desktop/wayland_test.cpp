@@ -7,11 +7,11 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "app/private_buses.hpp"
-#include "desktop/desktop_harness.hpp"
-#include "desktop/host_dumps.hpp"
-#include "desktop/host_environment.hpp"
 #include "desktop/wayland_harness.hpp"
+#include "support/desktop_harness.hpp"
+#include "support/host_dumps.hpp"
+#include "support/host_environment.hpp"
+#include "support/private_buses.hpp"
 
 namespace korvo::desktop_test {
 namespace {

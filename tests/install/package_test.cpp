@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "desktop/desktop_harness.hpp"
+#include "support/desktop_harness.hpp"
 
 namespace korvo::desktop_test {
 namespace {

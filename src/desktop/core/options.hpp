@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/core/schedule.hpp"
+#include "base/wake_up.hpp"
 #include "ui/color.hpp"
 #include "ui/environment.hpp"
 

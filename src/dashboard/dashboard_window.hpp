@@ -1,0 +1,62 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <memory>
+#include <optional>
+
+#include "app/dashboard_link.hpp"
+#include "dashboard/ai_page.hpp"
+#include "dashboard/awake_page.hpp"
+#include "dashboard/memory_page.hpp"
+#include "dashboard/settings_page.hpp"
+#include "gtk/appearance.hpp"
+#include "gtk/file_watch.hpp"
+
+namespace korvo {
+
+// The one dashboard window: the tabs in DashboardTab order ("AI", "Mem", "Awake") and the
+// settings page. Closing it hides it, so every link reuses the same window. While it is mapped
+// one timer a second advances the countdowns and the readings of the tab in view.
+class DashboardWindow {
+ public:
+  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake);
+  ~DashboardWindow();
+  DashboardWindow(const DashboardWindow&) = delete;
+  DashboardWindow& operator=(const DashboardWindow&) = delete;
+
+  // Shows the window at the destination's tab, with its notice when it has one.
+  void present(const DashboardDestination& destination);
+  // Shows the window at the settings page.
+  void presentSettings();
+  // The Keep Awake session changed.
+  void awakeChanged();
+
+  void mapped();
+  void unmapped();
+  gboolean tick();
+  void pageChanged();
+  void reloadShared();
+  void reloadSettings();
+  void appearanceChanged();
+
+ private:
+  void show(const char* page);
+  void dump() const;
+
+  GtkWidget* window_;
+  GtkWidget* notice_;
+  GtkWidget* stack_;
+  gtk::AppearanceWatch appearance_;
+  AiPage ai_;
+  MemoryPage memory_;
+  AwakePage awake_;
+  SettingsPage settings_;
+  Settings current_;
+  std::optional<gtk::FileWatch> sharedWatch_;
+  std::optional<gtk::FileWatch> settingsWatch_;
+  guint ticker_ = 0;
+  bool mapped_ = false;
+};
+
+}  // namespace korvo

@@ -1,0 +1,229 @@
+#include "dashboard/host_application.hpp"
+
+#include <glib-unix.h>
+#include <gtk/gtk.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <iostream>
+#include <sstream>
+
+#include "app/settings_file.hpp"
+#include "base/date_text.hpp"
+#include "base/exit_codes.hpp"
+#include "base/text.hpp"
+#include "dashboard/dashboard_window.hpp"
+#include "dashboard/tray_indicator.hpp"
+#include "gtk/notification.hpp"
+#include "gtk/session_bus.hpp"
+#include "sampling/memory_format.hpp"
+#include "sampling/system_sampler.hpp"
+#include "shared/app_identity.hpp"
+
+namespace korvo {
+namespace {
+
+// Seconds between two readings of the memory figure the indicator shows.
+constexpr guint figureSeconds = 60;
+
+HostApplication& hostOf(gpointer self) {
+  return *static_cast<HostApplication*>(self);
+}
+
+std::vector<std::string> argumentsOf(GApplicationCommandLine* invocation) {
+  int count = 0;
+  gchar** arguments = g_application_command_line_get_arguments(invocation, &count);
+  std::vector<std::string> words(arguments, arguments + count);
+  g_strfreev(arguments);
+  return words;
+}
+
+void say(GApplicationCommandLine* invocation, const std::string& line) {
+  if (!line.empty()) g_application_command_line_print(invocation, "%s\n", line.c_str());
+}
+
+void complain(GApplicationCommandLine* invocation, const std::string& line) {
+  g_application_command_line_printerr(invocation, "korvo: %s\n", line.c_str());
+}
+
+std::string statusLine(const std::optional<AwakeSession>& session,
+                       const std::vector<Inhibitor>& held) {
+  if (!session) return _("Keep Awake is off.");
+  std::string inhibitors;
+  for (const Inhibitor inhibitor : held) {
+    inhibitors += (inhibitors.empty() ? "" : ", ") + std::string(inhibitorWord(inhibitor));
+  }
+  const std::string until =
+      session->endsAt ? _("until ") + shortTime(*session->endsAt) : _("until stopped");
+  return _("Keep Awake is on ") + until + " (" + inhibitors + ").";
+}
+
+}  // namespace
+
+HostApplication::HostApplication(bool graphical, bool unique, double clockRate)
+    : graphical_(graphical), clockRate_(clockRate) {
+  const auto flags = static_cast<GApplicationFlags>(G_APPLICATION_HANDLES_COMMAND_LINE |
+                                                    (unique ? 0 : G_APPLICATION_NON_UNIQUE));
+  const std::string id(AppIdentity::applicationIdentifier);
+  application_ = graphical ? G_APPLICATION(gtk_application_new(id.c_str(), flags))
+                           : g_application_new(id.c_str(), flags);
+  g_signal_connect(application_, "startup",
+                   G_CALLBACK(+[](GApplication*, gpointer self) { hostOf(self).startup(); }), this);
+  g_signal_connect(application_, "command-line",
+                   G_CALLBACK(+[](GApplication*, GApplicationCommandLine* invocation,
+                                  gpointer self) { return hostOf(self).commandLine(invocation); }),
+                   this);
+}
+
+HostApplication::~HostApplication() {
+  for (guint source : signals_) {
+    if (source != 0) g_source_remove(source);
+  }
+  if (figureTimer_ != 0) g_source_remove(figureTimer_);
+  tray_.reset();
+  dashboard_.reset();
+  keepAwake_.reset();
+  publishing_.reset();
+  g_object_unref(application_);
+}
+
+int HostApplication::run(int argc, char** argv) {
+  return g_application_run(application_, argc, argv);
+}
+
+// Only the first instance starts up: it is the service from here on.
+void HostApplication::startup() {
+  g_application_hold(application_);
+  for (auto [index, number] : {std::pair{0, SIGTERM}, std::pair{1, SIGINT}}) {
+    signals_[index] = g_unix_signal_add(
+        number,
+        +[](gpointer self) -> gboolean {
+          hostOf(self).quit();
+          return G_SOURCE_CONTINUE;
+        },
+        this);
+  }
+  publishing_ = std::make_unique<PublishLoop>(std::cerr);
+  publishing_->start();
+  keepAwake_ = std::make_unique<KeepAwake>(
+      std::cerr, clockRate_, gtk::sessionBus(), [this] { awakeChanged(); },
+      [] {
+        gtk::sendNotification(_("Keep Awake ended"),
+                              _("This machine may sleep again when it is idle."), "Korvo");
+      });
+  keepAwake_->resume();
+  if (!graphical_) return;
+  tray_ = std::make_unique<TrayIndicator>(
+      TrayIndicator::Actions{[this](DashboardTab tab) {
+                               dashboard()->present({tab, std::nullopt});
+                             },
+                             [this] {
+                               if (keepAwake_->session()) {
+                                 keepAwake_->stop();
+                               } else {
+                                 const auto settings = settings_file::load(std::cerr);
+                                 keepAwake_->start(AwakeDuration{settings.awakeMinutes * 60LL});
+                               }
+                             },
+                             [this] { dashboard()->presentSettings(); }, [this] { quit(); }});
+  tray_->setAwake(keepAwake_->session().has_value());
+  showFigure();
+  figureTimer_ = g_timeout_add_seconds(
+      figureSeconds,
+      +[](gpointer self) -> gboolean {
+        hostOf(self).showFigure();
+        return G_SOURCE_CONTINUE;
+      },
+      this);
+}
+
+void HostApplication::quit() {
+  if (dashboard_) dashboard_.reset();
+  g_application_quit(application_);
+}
+
+int HostApplication::commandLine(GApplicationCommandLine* invocation) {
+  int status = exitSuccess;
+  try {
+    const HostCommand command = parseHostCommand(argumentsOf(invocation));
+    if (const auto* awake = std::get_if<AwakeCommand>(&command)) {
+      status = carryOut(*awake, invocation);
+    } else if (const auto* open = std::get_if<OpenDashboard>(&command)) {
+      status = this->open(*open, invocation);
+    } else if (g_application_command_line_get_is_remote(invocation)) {
+      complain(invocation, _("the service is already running in this session (pid ") +
+                               std::to_string(::getpid()) + ")");
+      status = exitFailure;
+    }
+  } catch (const CLI::ParseError& error) {
+    complain(invocation, error.what());
+    status = exitUsage;
+  } catch (const UsageError& error) {
+    complain(invocation, error.what());
+    status = exitUsage;
+  }
+  g_application_command_line_set_exit_status(invocation, status);
+  // A first instance started for a command it could not carry out does not stay on as the
+  // service; only `korvo service` and a shown dashboard keep it.
+  if (status != exitSuccess && !g_application_command_line_get_is_remote(invocation)) {
+    quit();
+  }
+  return status;
+}
+
+int HostApplication::carryOut(const AwakeCommand& command, GApplicationCommandLine* invocation) {
+  using Action = AwakeCommand::Action;
+  if (command.action == Action::status) {
+    say(invocation, command.json
+                        ? awakeStatusDocument(keepAwake_->session(), keepAwake_->held()).dump()
+                        : statusLine(keepAwake_->session(), keepAwake_->held()));
+    return exitSuccess;
+  }
+  const AwakeDuration duration =
+      command.duration.value_or(AwakeDuration{settings_file::load(std::cerr).awakeMinutes * 60LL});
+  const KeepAwake::Outcome outcome = command.action == Action::start ? keepAwake_->start(duration)
+                                     : command.action == Action::extend
+                                         ? keepAwake_->extend(duration)
+                                         : keepAwake_->stop();
+  if (outcome.exitCode == exitSuccess) {
+    say(invocation, outcome.message);
+  } else {
+    complain(invocation, outcome.message);
+  }
+  return outcome.exitCode;
+}
+
+int HostApplication::open(const OpenDashboard& command, GApplicationCommandLine* invocation) {
+  if (!graphical_) {
+    complain(invocation, _("no display to show the dashboard on (is DISPLAY or WAYLAND_DISPLAY "
+                           "set where korvo service runs?)"));
+    return exitFailure;
+  }
+  if (command.url) {
+    dashboard()->present(dashboardDestination(*command.url));
+  } else {
+    dashboard()->present({});
+  }
+  return exitSuccess;
+}
+
+DashboardWindow* HostApplication::dashboard() {
+  if (!dashboard_) {
+    dashboard_ = std::make_unique<DashboardWindow>(GTK_APPLICATION(application_), *keepAwake_);
+  }
+  return dashboard_.get();
+}
+
+void HostApplication::awakeChanged() {
+  if (dashboard_) dashboard_->awakeChanged();
+  if (tray_) tray_->setAwake(keepAwake_->session().has_value());
+}
+
+void HostApplication::showFigure() {
+  static SystemSampler sampler = SystemSampler::fromEnvironment();
+  const auto reading = sampler.readMemory();
+  const auto mode = settings_file::load(std::cerr).memoryDisplayMode;
+  tray_->setFigure(reading ? MemoryFormat::modeText(*reading, mode) : "—");
+}
+
+}  // namespace korvo

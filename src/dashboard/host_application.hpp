@@ -1,0 +1,54 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include <memory>
+#include <optional>
+
+#include "app/host_command.hpp"
+#include "service/keep_awake.hpp"
+#include "service/publish_loop.hpp"
+
+namespace korvo {
+
+class DashboardWindow;
+class TrayIndicator;
+
+// korvo's one instance per session: the GtkApplication com.tessmoor.Korvo (a plain
+// GApplication when there is no display). The first invocation becomes the service (publishing,
+// Keep Awake sessions, the tray indicator) and stays; every later one hands its command line
+// to it and exits with the answer.
+class HostApplication {
+ public:
+  // `graphical`: a display is there, so the dashboard and the indicator can be shown.
+  // `unique`: a session bus is there to be the one instance on.
+  HostApplication(bool graphical, bool unique, double clockRate);
+  ~HostApplication();
+  HostApplication(const HostApplication&) = delete;
+  HostApplication& operator=(const HostApplication&) = delete;
+
+  int run(int argc, char** argv);
+
+  void startup();
+  int commandLine(GApplicationCommandLine* invocation);
+  void quit();
+
+ private:
+  int carryOut(const AwakeCommand& command, GApplicationCommandLine* invocation);
+  int open(const OpenDashboard& command, GApplicationCommandLine* invocation);
+  DashboardWindow* dashboard();
+  void awakeChanged();
+  void showFigure();
+
+  GApplication* application_;
+  bool graphical_;
+  double clockRate_;
+  std::unique_ptr<PublishLoop> publishing_;
+  std::unique_ptr<KeepAwake> keepAwake_;
+  std::unique_ptr<DashboardWindow> dashboard_;
+  std::unique_ptr<TrayIndicator> tray_;
+  guint figureTimer_ = 0;
+  guint signals_[2] = {0, 0};
+};
+
+}  // namespace korvo

@@ -1,0 +1,145 @@
+#include "dashboard/settings_page.hpp"
+
+#include "app/claude_settings_file.hpp"
+#include "app/settings_file.hpp"
+#include "base/text.hpp"
+#include "dashboard/dashboard_widgets.hpp"
+#include "sources/user_paths.hpp"
+
+namespace korvo {
+namespace {
+
+using namespace dashboard_widgets;
+
+// A row: the title on the left, the control on the right.
+GtkWidget* row(GtkWidget* content, const std::string& title, GtkWidget* control) {
+  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
+  GtkWidget* name = label(title);
+  gtk_widget_set_hexpand(name, TRUE);
+  gtk_box_pack_start(GTK_BOX(box), name, TRUE, TRUE, 0);
+  gtk_widget_set_valign(control, GTK_ALIGN_CENTER);
+  gtk_box_pack_end(GTK_BOX(box), control, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(content), box, FALSE, FALSE, 0);
+  return control;
+}
+
+SettingsPage& pageOf(gpointer data) {
+  return *static_cast<SettingsPage*>(data);
+}
+
+GtkWidget* toggle(SettingsPage& page, const char* key) {
+  GtkWidget* control = gtk_switch_new();
+  g_object_set_data(G_OBJECT(control), "key", const_cast<char*>(key));
+  g_signal_connect(control, "notify::active",
+                   G_CALLBACK(+[](GObject* control, GParamSpec*, gpointer data) {
+                     const char* key = static_cast<const char*>(g_object_get_data(control, "key"));
+                     pageOf(data).write(key, gtk_switch_get_active(GTK_SWITCH(control)) == TRUE);
+                   }),
+                   &page);
+  return control;
+}
+
+}  // namespace
+
+SettingsPage::SettingsPage() {
+  GtkWidget* content = nullptr;
+  page_ = scrolledPage(&content);
+  gtk_box_pack_start(GTK_BOX(content), heading(_("Monitors")), FALSE, FALSE, 0);
+  temperature_ = row(content, _("CPU temperature"), toggle(*this, "temperature"));
+
+  gtk_box_pack_start(GTK_BOX(content), heading(_("AI usage")), FALSE, FALSE, 0);
+  codex_ = row(content, _("Codex"), toggle(*this, "codex"));
+  codexHome_ = row(content, _("Codex's sessions folder"),
+                   gtk_file_chooser_button_new(_("Codex's folder").c_str(),
+                                               GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER));
+  g_signal_connect(codexHome_, "file-set",
+                   G_CALLBACK(+[](GtkFileChooserButton* chooser, gpointer data) {
+                     gchar* folder = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(chooser));
+                     if (folder != nullptr) pageOf(data).write("codexHome", folder);
+                     g_free(folder);
+                   }),
+                   this);
+  claude_ = row(content, _("Claude"), toggle(*this, "claude"));
+  GtkWidget* statusBox = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
+  statusLine_ = label("", "dim-label");
+  install_ = gtk_button_new_with_label(_("Install the status line").c_str());
+  g_signal_connect(install_, "clicked",
+                   G_CALLBACK(+[](GtkButton*, gpointer data) { pageOf(data).installStatusLine(); }),
+                   this);
+  gtk_box_pack_start(GTK_BOX(statusBox), statusLine_, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(statusBox), install_, FALSE, FALSE, 0);
+  row(content, _("Claude's status line"), statusBox);
+
+  gtk_box_pack_start(GTK_BOX(content), heading(_("Keep Awake")), FALSE, FALSE, 0);
+  awakeMinutes_ =
+      row(content, _("Default session (minutes)"), gtk_spin_button_new_with_range(1, 1440, 5));
+  g_signal_connect(awakeMinutes_, "value-changed",
+                   G_CALLBACK(+[](GtkSpinButton* spin, gpointer data) {
+                     pageOf(data).write("awakeMinutes", gtk_spin_button_get_value_as_int(spin));
+                   }),
+                   this);
+
+  gtk_box_pack_start(GTK_BOX(content), heading(_("Memory")), FALSE, FALSE, 0);
+  displayMode_ = row(content, _("Memory figure"), gtk_combo_box_text_new());
+  for (const DisplayMode mode : allDisplayModes) {
+    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(displayMode_), std::string(rawValue(mode)).c_str(),
+                              label(mode).c_str());
+  }
+  g_signal_connect(displayMode_, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
+                     if (const char* mode = gtk_combo_box_get_active_id(combo)) {
+                       pageOf(data).write("memoryDisplayMode", mode);
+                     }
+                   }),
+                   this);
+  message_ = dashboard_widgets::label("", "dim-label");
+  gtk_box_pack_start(GTK_BOX(content), message_, FALSE, FALSE, 0);
+}
+
+void SettingsPage::show(const Settings& settings) {
+  showing_ = true;
+  gtk_switch_set_active(GTK_SWITCH(temperature_), settings.temperature);
+  gtk_switch_set_active(GTK_SWITCH(codex_), settings.codex);
+  gtk_switch_set_active(GTK_SWITCH(claude_), settings.claude);
+  const auto codexHome = settings.codexHome
+                             ? std::optional(std::filesystem::path(*settings.codexHome))
+                             : codexHomeDirectory();
+  if (codexHome) gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(codexHome_), codexHome->c_str());
+  gtk_spin_button_set_value(GTK_SPIN_BUTTON(awakeMinutes_), settings.awakeMinutes);
+  gtk_combo_box_set_active_id(GTK_COMBO_BOX(displayMode_),
+                              std::string(rawValue(settings.memoryDisplayMode)).c_str());
+  const bool installed = claude_settings_file::runsKorvo();
+  gtk_label_set_text(GTK_LABEL(statusLine_),
+                     installed ? _("Installed").c_str() : _("Not set up").c_str());
+  gtk_widget_set_visible(install_, !installed);
+  showing_ = false;
+}
+
+void SettingsPage::write(std::string_view key, const nlohmann::ordered_json& value) {
+  if (showing_) return;
+  try {
+    settings_file::set(key, value);
+    gtk_label_set_text(GTK_LABEL(message_), "");
+  } catch (const std::exception& error) {
+    gtk_label_set_text(GTK_LABEL(message_), error.what());
+  }
+}
+
+void SettingsPage::installStatusLine() {
+  std::error_code error;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+  try {
+    // The status line runs the light front, korvo, beside this program or in bin/.
+    auto korvo = self.parent_path() / "korvo";
+    if (!std::filesystem::exists(korvo)) korvo = self.parent_path() / ".." / ".." / "bin" / "korvo";
+    gtk_label_set_text(GTK_LABEL(message_),
+                       claude_settings_file::install(korvo.lexically_normal()).c_str());
+  } catch (const std::exception& failure) {
+    gtk_label_set_text(GTK_LABEL(message_), failure.what());
+  }
+  gtk_label_set_text(GTK_LABEL(statusLine_), claude_settings_file::runsKorvo()
+                                                 ? _("Installed").c_str()
+                                                 : _("Not set up").c_str());
+  gtk_widget_set_visible(install_, !claude_settings_file::runsKorvo());
+}
+
+}  // namespace korvo

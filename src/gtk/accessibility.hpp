@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include "ui/widget_layout.hpp"
+
+using GtkWidget = struct _GtkWidget;
+
+namespace korvo::gtk {
+
+// Tells screen readers what the card in `card` (made by newCardWindow or newCardArea) shows: it
+// is named after the widget, its children are the texts, meters and links of `widget` laid out at
+// `scale` logical pixels per point, and its action opens the widget URL. Called after every
+// layout; only what changed since the last call is announced. With `logTime`, says on standard
+// error how long that took.
+void describeToAssistiveTechnologies(GtkWidget* card, const std::string& displayName,
+                                     const ui::WidgetLayout& widget, double scale, bool logTime);
+
+}  // namespace korvo::gtk

@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "support/accessible_expectations.hpp"
+#include "support/dashboard_environment.hpp"
+#include "support/desktop_harness.hpp"
+#include "support/korvo_process.hpp"
+
+// The dashboard read as a screen reader reads it: through AT-SPI, on a private session bus with
+// its own accessibility bus. Its cards read as the desktop's widgets do, against the tree the
+// command line lays out for the same widget and entry.
+namespace korvo {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace desktop_test;
+using Json = nlohmann::json;
+
+class DashboardAccessibility : public testing::Test {
+ protected:
+  void SetUp() override {
+    server = std::make_unique<XServer>(1280, 1024, folder.path());
+    // Asking the bus for the accessibility bus starts one, as on a desktop.
+    bus = std::make_unique<ActivatingSessionBus>(folder.path(), server->display());
+    environment =
+        dashboard_test::dashboardEnvironment(folder.path(), server->display(), bus->address());
+    // Read by a screen reader: the accessibility bridge joins the bus.
+    environment.erase("NO_AT_BRIDGE");
+    // korvo's entry as the default handler: the card's link opens its tab through it.
+    dashboard_test::registerKorvoAsHandler(folder.path());
+    reader = {{"PATH", "/usr/bin:/bin"},
+              {"HOME", (folder.path() / "home").string()},
+              {"DISPLAY", server->display()},
+              {"DBUS_SESSION_BUS_ADDRESS", environment["DBUS_SESSION_BUS_ADDRESS"]}};
+  }
+
+  void TearDown() override {
+    service.reset();
+    bus.reset();
+    server.reset();
+  }
+
+  std::string page() const {
+    const auto document = Json::parse(readFile(folder.path() / "dashboard.json"), nullptr, false);
+    return document.is_object() && document.value("mapped", false) ? document.value("page", "")
+                                                                   : "";
+  }
+
+  // The card named `name` with its children as AT-SPI reports them; null until it is there.
+  Json readCard(const std::string& name) const {
+    const auto result = runCommand({"/usr/bin/python3", KORVO_A11Y_READER, "--application",
+                                    "com.tessmoor.Korvo", "--card", name},
+                                   reader);
+    return result.exitStatus == 0 ? Json::parse(result.output, nullptr, false) : Json();
+  }
+
+  // The tree the command line lays out for the memory widget's medium card, now, at the
+  // dashboard's one pixel per point.
+  Json memoryTree() const {
+    const auto rendered = testing_support::runProgram(
+        KORVO_BINARY,
+        {"render", "memory", "--family", "medium", "--format", "json", "--scale", "1"},
+        environment);
+    return rendered.exitCode == 0 ? Json::parse(rendered.out, nullptr, false)["tree"] : Json();
+  }
+
+  std::vector<std::string> names(const Json& card) const {
+    std::vector<std::string> out;
+    for (const auto& child : card.value("children", Json::array())) out.push_back(child["name"]);
+    return out;
+  }
+
+  TempFolder folder;
+  std::unique_ptr<XServer> server;
+  std::unique_ptr<ActivatingSessionBus> bus;
+  Environment environment;
+  Environment reader;
+  std::unique_ptr<Process> service;
+};
+
+TEST_F(DashboardAccessibility, TheMemoryCardReadsAsItsLaidOutTreeAndItsLinkOpensKeepAwake) {
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://resources"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "memory"; }))
+      << readFile(folder.path() / "service.err");
+
+  // The card's "Updated" time and the command line's may straddle a minute: read both until
+  // they agree on every name.
+  Json card;
+  Json tree;
+  const bool agreed = waitFor([&] {
+    card = readCard("Memory");
+    tree = memoryTree();
+    return card.is_object() && tree.is_object() && names(card) == readableNames(tree);
+  });
+  ASSERT_TRUE(agreed) << "the card was never read as laid out; service:\n"
+                      << readFile(folder.path() / "service.err") << card.dump(1) << tree.dump(1);
+  EXPECT_EQ(card["role"], "panel");
+  EXPECT_EQ(card["bounds"]["width"], 364);
+  EXPECT_EQ(card["bounds"]["height"], 170);
+  expectReadsAsTree(card, tree, "memory medium");
+
+  // The page shows a new reading every second; read across a few of them, the card keeps its
+  // children and the toolkit has nothing to complain about.
+  for (int read = 0; read < 3; ++read) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+    EXPECT_EQ(readCard("Memory").value("children", Json::array()).size(), card["children"].size());
+  }
+  EXPECT_EQ(readFile(folder.path() / "service.err").find("CRITICAL"), std::string::npos)
+      << readFile(folder.path() / "service.err");
+
+  // The link inside the card opens Keep Awake's tab, as a click on it would.
+  ASSERT_EQ(runCommand({"/usr/bin/python3", KORVO_A11Y_READER, "--application",
+                        "com.tessmoor.Korvo", "--card", "Memory", "Keep Awake"},
+                       reader)
+                .exitStatus,
+            0);
+  EXPECT_TRUE(waitFor([&] { return page() == "awake"; }))
+      << readFile(folder.path() / "service.err");
+}
+
+// The AI tab's card reads what it draws, and reads anew when korvo publishes.
+TEST_F(DashboardAccessibility, TheUsageCardReadsWhatKorvoPublishes) {
+  // No Codex sessions yet: the service's first publish finds no figures.
+  fs::create_directories(folder.path() / "codex");
+  environment["CODEX_HOME"] = (folder.path() / "codex").string();
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://usage"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "ai"; })) << readFile(folder.path() / "service.err");
+  const auto reads = [&](const std::string& name) {
+    return waitFor([&] {
+      const auto shown = names(readCard("AI Usage"));
+      return std::find(shown.begin(), shown.end(), name) != shown.end();
+    });
+  };
+  EXPECT_TRUE(reads("Usage unavailable")) << readCard("AI Usage").dump(1);
+
+  // Codex's fixture rollout, published: its weekly window has 58 % left.
+  environment["CODEX_HOME"] = KORVO_FIXTURES_DIR "/codex";
+  const auto publish = testing_support::runProgram(KORVO_APP_BINARY, {"publish"}, environment);
+  ASSERT_EQ(publish.exitCode, 0) << publish.err;
+  EXPECT_TRUE(reads("58")) << readCard("AI Usage").dump(1);
+}
+
+}  // namespace
+}  // namespace korvo

@@ -1,0 +1,262 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <nlohmann/json.hpp>
+
+#include "base/clock.hpp"
+#include "support/korvo_process.hpp"
+#include "support/private_buses.hpp"
+
+// Keep Awake against mock services on private buses: logind's template on a private system bus,
+// org.gnome.SessionManager or org.freedesktop.ScreenSaver on a private session bus.
+namespace korvo {
+namespace {
+
+using namespace bus_test;
+using desktop_test::Process;
+using desktop_test::waitFor;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* logind = "org.freedesktop.login1";
+constexpr const char* sessionManager = "org.gnome.SessionManager";
+constexpr const char* screenSaver = "org.freedesktop.ScreenSaver";
+constexpr const char* mockInterface = "org.freedesktop.DBus.Mock";
+
+class KeepAwakeTest : public testing::Test {
+ protected:
+  KeepAwakeTest() : systemBus(world.home(), "system"), sessionBus(world.home(), "session") {
+    buses = world.environment();
+    buses["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
+    buses["DBUS_SESSION_BUS_ADDRESS"] = sessionBus.address();
+    buses["XDG_STATE_HOME"] = (world.home() / "state").string();
+  }
+
+  void mockLogind() {
+    mocks.push_back(std::make_unique<Mock>(
+        buses, world.home(), std::vector<std::string>{"--template", "logind"}, logind, true));
+  }
+  void mockSessionManager() {
+    mocks.push_back(std::make_unique<Mock>(
+        buses, world.home(),
+        std::vector<std::string>{sessionManager, "/org/gnome/SessionManager", sessionManager},
+        sessionManager, false));
+    addMethod(sessionManager, "/org/gnome/SessionManager", "Inhibit", "susu", "u", "ret = 42");
+    addMethod(sessionManager, "/org/gnome/SessionManager", "Uninhibit", "u", "", "");
+  }
+  void mockScreenSaver() {
+    mocks.push_back(std::make_unique<Mock>(
+        buses, world.home(),
+        std::vector<std::string>{screenSaver, "/org/freedesktop/ScreenSaver", screenSaver},
+        screenSaver, false));
+    addMethod(screenSaver, "/org/freedesktop/ScreenSaver", "Inhibit", "ss", "u", "ret = 7");
+    addMethod(screenSaver, "/org/freedesktop/ScreenSaver", "UnInhibit", "u", "", "");
+  }
+  void addMethod(const std::string& name, const std::string& path, const std::string& method,
+                 const std::string& in, const std::string& out, const std::string& code) {
+    call(buses, false, name, path, std::string(mockInterface) + ".AddMethod",
+         {"", method, in, out, code});
+  }
+
+  void startService(std::map<std::string, std::string> extra = {}) {
+    auto environment = buses;
+    environment.insert(extra.begin(), extra.end());
+    service = std::make_unique<Process>(std::vector<std::string>{KORVO_APP_BINARY, "service"},
+                                        environment, world.home() / "service.out",
+                                        world.home() / "service.err");
+    ASSERT_TRUE(waitFor([&] { return owned(buses, false, "com.tessmoor.Korvo"); }))
+        << desktop_test::readFile(world.home() / "service.err");
+  }
+
+  testing_support::ProcessResult korvo(const std::vector<std::string>& args) {
+    return testing_support::runProgram(KORVO_APP_BINARY, args, buses);
+  }
+  nlohmann::json status() {
+    const auto result = korvo({"awake", "status", "--json"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    return nlohmann::json::parse(result.out);
+  }
+  // logind's inhibitors as its mock lists them.
+  std::string logindInhibitors() {
+    return call(buses, true, logind, "/org/freedesktop/login1",
+                "org.freedesktop.login1.Manager.ListInhibitors");
+  }
+  std::string callsTo(const std::string& name, const std::string& path) {
+    return call(buses, false, name, path, std::string(mockInterface) + ".GetCalls");
+  }
+  std::filesystem::path stateFile() const { return world.home() / "state/korvo/awake.json"; }
+
+  testing_support::KorvoWorld world;
+  PrivateBus systemBus;
+  PrivateBus sessionBus;
+  desktop_test::Environment buses;
+  std::vector<std::unique_ptr<Mock>> mocks;
+  std::unique_ptr<Process> service;
+};
+
+constexpr const char* heldByKorvo = "('idle:sleep', 'Korvo', 'Keep Awake session', 'block'";
+
+TEST_F(KeepAwakeTest, StartTakesLogindsAndTheSessionsInhibitorsAndStatusReportsThem) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  const double before = clock::now().secondsSinceReferenceDate;
+  const auto started = korvo({"awake", "start", "2m"});
+  ASSERT_EQ(started.exitCode, 0) << started.err;
+  EXPECT_THAT(started.out, HasSubstr("Keep Awake until"));
+
+  EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
+  EXPECT_THAT(callsTo(sessionManager, "/org/gnome/SessionManager"),
+              HasSubstr("'Inhibit', [<'Korvo'>, <uint32 0>, <'Keep Awake session'>, <uint32 12>]"));
+  const auto document = status();
+  EXPECT_EQ(document["active"], true);
+  EXPECT_EQ(document["indefinite"], false);
+  EXPECT_EQ(document["inhibitors"], nlohmann::json::array({"logind", "session"}));
+  const double endsAt = document["endsAt"].get<double>();
+  EXPECT_GE(endsAt, before + 120);
+  EXPECT_LE(endsAt, clock::now().secondsSinceReferenceDate + 120);
+}
+
+TEST_F(KeepAwakeTest, StopClosesLogindsDescriptorAndUninhibitsTheSession) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  ASSERT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
+  ASSERT_TRUE(std::filesystem::exists(stateFile()));
+  const auto stopped = korvo({"awake", "stop"});
+  EXPECT_EQ(stopped.exitCode, 0);
+  EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+  EXPECT_THAT(callsTo(sessionManager, "/org/gnome/SessionManager"),
+              HasSubstr("'Uninhibit', [<uint32 42>]"));
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_EQ(status()["inhibitors"], nlohmann::json::array());
+  EXPECT_FALSE(std::filesystem::exists(stateFile()));
+}
+
+TEST_F(KeepAwakeTest, TheSessionEndsAtItsEndReleasesBothAndSaysSo) {
+  mockLogind();
+  mockSessionManager();
+  mocks.push_back(std::make_unique<Mock>(
+      buses, world.home(), std::vector<std::string>{"--template", "notification_daemon"},
+      "org.freedesktop.Notifications", false));
+  startService({{"KORVO_TIME_RATE", "60"}});  // two minutes pass in two seconds
+  ASSERT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
+  EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
+  EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+  EXPECT_TRUE(waitFor([&] {
+    return callsTo(sessionManager, "/org/gnome/SessionManager").find("Uninhibit") !=
+           std::string::npos;
+  }));
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_THAT(callsTo("org.freedesktop.Notifications", "/org/freedesktop/Notifications"),
+              HasSubstr("'Keep Awake ended'"));
+}
+
+TEST_F(KeepAwakeTest, AKilledServiceLeavesNoLogindInhibitorBehind) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  ASSERT_EQ(korvo({"awake", "start", "indefinitely"}).exitCode, 0);
+  EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
+  service->signal(SIGKILL);
+  EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+}
+
+TEST_F(KeepAwakeTest, ExtendMovesTheEndAndStartsASessionWhenNoneRuns) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  ASSERT_EQ(korvo({"awake", "extend", "15m"}).exitCode, 0);
+  const auto first = status();
+  EXPECT_EQ(first["active"], true);
+  ASSERT_EQ(korvo({"awake", "extend", "1h30m"}).exitCode, 0);
+  const auto second = status();
+  EXPECT_DOUBLE_EQ(second["endsAt"].get<double>(), first["endsAt"].get<double>() + 5400);
+  ASSERT_EQ(korvo({"awake", "extend", "indefinitely"}).exitCode, 0);
+  EXPECT_EQ(status()["indefinite"], true);
+  EXPECT_EQ(status()["endsAt"], nullptr);
+}
+
+TEST_F(KeepAwakeTest, ARestartedServiceResumesASessionWithTimeLeft) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  ASSERT_EQ(korvo({"awake", "start", "1h"}).exitCode, 0);
+  const double endsAt = status()["endsAt"].get<double>();
+  service->stop();
+  ASSERT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+  ASSERT_TRUE(std::filesystem::exists(stateFile()));
+  startService();
+  EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) != std::string::npos; }));
+  const auto resumed = status();
+  EXPECT_EQ(resumed["active"], true);
+  EXPECT_DOUBLE_EQ(resumed["endsAt"].get<double>(), endsAt);
+}
+
+TEST_F(KeepAwakeTest, ASessionWhoseEndPassedWhileNoServiceRanIsNotResumed) {
+  mockLogind();
+  mockSessionManager();
+  world.write("state/korvo/awake.json", R"({"endsAt":1000,"indefinite":false})");
+  startService();
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_THAT(logindInhibitors(), Not(HasSubstr(heldByKorvo)));
+}
+
+TEST_F(KeepAwakeTest, WithoutLogindTheSessionInhibitorIsHeldAloneAndSaysSo) {
+  mockSessionManager();
+  startService();
+  const auto started = korvo({"awake", "start", "2m"});
+  EXPECT_EQ(started.exitCode, 0);
+  EXPECT_THAT(started.out, HasSubstr("with the session's idle inhibitor alone"));
+  EXPECT_EQ(status()["inhibitors"], nlohmann::json::array({"session"}));
+}
+
+TEST_F(KeepAwakeTest, WithoutASystemBusTheSessionInhibitorIsHeldAlone) {
+  mockSessionManager();
+  buses["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (world.home() / "no-bus").string();
+  startService();
+  EXPECT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
+  EXPECT_EQ(status()["inhibitors"], nlohmann::json::array({"session"}));
+  EXPECT_EQ(korvo({"awake", "stop"}).exitCode, 0);
+}
+
+TEST_F(KeepAwakeTest, WithoutAGnomeSessionTheScreenSaverIsAsked) {
+  mockLogind();
+  mockScreenSaver();
+  startService();
+  ASSERT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
+  EXPECT_THAT(callsTo(screenSaver, "/org/freedesktop/ScreenSaver"),
+              HasSubstr("'Inhibit', [<'Korvo'>, <'Keep Awake session'>]"));
+  ASSERT_EQ(korvo({"awake", "stop"}).exitCode, 0);
+  EXPECT_THAT(callsTo(screenSaver, "/org/freedesktop/ScreenSaver"),
+              HasSubstr("'UnInhibit', [<uint32 7>]"));
+}
+
+TEST_F(KeepAwakeTest, WithNeitherInhibitorStartFailsAndSaysWhy) {
+  startService();
+  const auto started = korvo({"awake", "start", "2m"});
+  EXPECT_EQ(started.exitCode, 1);
+  EXPECT_THAT(started.err, HasSubstr("korvo: Cannot keep this machine awake: logind: "));
+  EXPECT_EQ(std::count(started.err.begin(), started.err.end(), '\n'), 1);
+  EXPECT_EQ(status()["active"], false);
+}
+
+TEST_F(KeepAwakeTest, ASecondServiceRefusesToStartBesideTheFirst) {
+  startService();
+  const auto second = korvo({"service"});
+  EXPECT_EQ(second.exitCode, 1);
+  EXPECT_THAT(second.err, HasSubstr("the service is already running in this session"));
+}
+
+TEST_F(KeepAwakeTest, MalformedDurationsAreOneLineUsageErrors) {
+  for (const std::string duration : {"5x", "90", "0m", "m", "1m1h", "-5m", "400d"}) {
+    const auto result = korvo({"awake", "start", duration});
+    EXPECT_EQ(result.exitCode, 2) << duration;
+    EXPECT_THAT(result.err, HasSubstr("not a duration: \"" + duration + "\"")) << duration;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << duration;
+  }
+}
+
+}  // namespace
+}  // namespace korvo
