@@ -137,7 +137,13 @@ TextFit fitText(const std::string& content, const Font& font, double tracking,
     }
   }
 
-  if (fits(ideal, maxLines, maxWidth)) return fromMetrics(ideal, 1, maxWidth);
+  if (fits(ideal, maxLines, maxWidth)) {
+    TextFit fit = fromMetrics(ideal, 1, maxWidth);
+    // A longer text's measured part depends on the room offered, so only a short one is known
+    // to come out the same in more room; nor does one narrowed to its room within the tolerance.
+    fit.fitsAnyLargerRoom = content.size() <= measuredWhole && ideal.width <= maxWidth;
+    return fit;
+  }
   const TextMetrics wrapped = measurer.measure(shown, font, tracking, maxWidth);
   if (fits(wrapped, maxLines, maxWidth)) return fromMetrics(wrapped, 1, maxWidth);
 

@@ -17,6 +17,8 @@ struct TextFit {
   double baseline = 0;            // points from the top to the first baseline
   double scale = 1;               // shrink factor applied to the font and tracking
   std::vector<TextLine> lines{};  // what is drawn
+  // The whole text on its own lines, unshrunk: any room at least `size` fits it the same.
+  bool fitsAnyLargerRoom = false;
 };
 
 // Fits `content` into `width` × `height` points (absent = unlimited): on its own lines when they

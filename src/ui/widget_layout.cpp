@@ -19,12 +19,6 @@ void applyAccent(LayoutNode& node, bool inAccentGroup, Color accent) {
   for (LayoutNode& child : node.children) applyAccent(child, accented, accent);
 }
 
-void translate(LayoutNode& node, double dx, double dy) {
-  node.frame.x += dx;
-  node.frame.y += dy;
-  for (LayoutNode& child : node.children) translate(child, dx, dy);
-}
-
 }  // namespace
 
 WidgetLayout layoutWidget(std::string kind, const View& view, const Environment& environment,
@@ -35,11 +29,10 @@ WidgetLayout layoutWidget(std::string kind, const View& view, const Environment&
 
   LayoutEngine engine(environment, measurer);
   LayoutNode content = engine.layoutRoot(
-      view, {AxisProposal::exact(inner.width), AxisProposal::exact(inner.height)}, {0, 0});
+      view, {AxisProposal::exact(inner.width), AxisProposal::exact(inner.height)});
   // The card centres whatever the content does not fill.
-  const double dx = margin + (inner.width - content.frame.width) / 2;
-  const double dy = margin + (inner.height - content.frame.height) / 2;
-  translate(content, dx, dy);
+  LayoutEngine::placeAt(content, {margin + (inner.width - content.frame.width) / 2,
+                                  margin + (inner.height - content.frame.height) / 2});
 
   WidgetLayout widget;
   widget.kind = std::move(kind);
@@ -49,9 +42,11 @@ WidgetLayout layoutWidget(std::string kind, const View& view, const Environment&
   widget.root = LayoutNode{.kind = NodeKind::container, .frame = {0, 0, size.width, size.height}};
   if (environment.hostSuppliesContainerBackground && engine.containerBackground()) {
     const auto& background = *engine.containerBackground();
-    widget.root.children.push_back(engine.layoutInContext(
-        background.view, background.context,
-        {AxisProposal::exact(size.width), AxisProposal::exact(size.height)}, {0, 0}));
+    LayoutNode behind =
+        engine.layoutInContext(background.view, background.context,
+                               {AxisProposal::exact(size.width), AxisProposal::exact(size.height)});
+    LayoutEngine::placeAt(behind, {0, 0});
+    widget.root.children.push_back(std::move(behind));
   }
   widget.root.children.push_back(std::move(content));
   if (environment.renderingMode == RenderingMode::accented) {
