@@ -83,7 +83,11 @@ std::optional<std::string_view> ReverseLineReader::previous() {
     const std::size_t start = static_cast<std::size_t>(newline - begin) + 1;
     const std::string_view piece(begin + start, cursor_ - start);
     cursor_ = start - 1;
-    const bool skip = std::exchange(atUnfinishedTail_, false) || std::exchange(oversized_, false);
+    // Both flags end at this newline: an unfinished tail that was also too long must not leave
+    // `oversized_` set for the complete line before it.
+    const bool unfinished = std::exchange(atUnfinishedTail_, false);
+    const bool tooLong = std::exchange(oversized_, false);
+    const bool skip = unfinished || tooLong;
     if (joined_.empty()) {
       if (skip) continue;
       return piece;

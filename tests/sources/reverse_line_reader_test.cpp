@@ -47,6 +47,19 @@ TEST(ReverseLineReaderTest, LinesOverTheLimitArePassedOver) {
   EXPECT_EQ(allLines(file), (std::vector<std::string>{"last", "first"}));
 }
 
+// A writer caught in the middle of a line longer than the limit: the complete line before it is
+// still the newest one read.
+TEST(ReverseLineReaderTest, AnUnfinishedTailOverTheLimitLeavesTheLineBeforeIt) {
+  testing_support::TemporaryDirectory directory;
+  for (const std::size_t tail :
+       {ReverseLineReader::maxLineBytes - 1, ReverseLineReader::maxLineBytes,
+        ReverseLineReader::maxLineBytes + 1,
+        ReverseLineReader::maxLineBytes + ReverseLineReader::chunkBytes * 2}) {
+    const auto file = directory.write("f.jsonl", "older\nnewest\n" + std::string(tail, 'x'));
+    EXPECT_EQ(allLines(file), (std::vector<std::string>{"newest", "older"})) << tail;
+  }
+}
+
 TEST(ReverseLineReaderTest, OnlyRegularFilesAreOpened) {
   testing_support::TemporaryDirectory directory;
   const auto fifo = directory.path() / "fifo.jsonl";
