@@ -16,8 +16,6 @@ using cpu_sensor::Candidate;
 
 // sysfs reports every attribute as 4096 bytes long; nothing we read is longer.
 constexpr std::size_t maxAttributeBytes = 4096;
-// Bounds on what one listing may hold, so a strange tree cannot make the reader run long.
-constexpr int maxEntriesPerDirectory = 1024;
 
 std::optional<std::string> readAttribute(const std::filesystem::path& file) {
   auto bytes = readRegularFile(file, maxAttributeBytes);
@@ -26,15 +24,14 @@ std::optional<std::string> readAttribute(const std::filesystem::path& file) {
 }
 
 // The names in `directory` that begin with `prefix`, in sorted order; none when it cannot be
-// listed (missing, not a directory, a symlink loop).
+// listed (missing, not a directory, a symlink loop). Every entry is looked at: a listing cut
+// short could leave out the hottest sensor, and listing names costs little next to reading them.
 std::vector<std::string> namesStartingWith(const std::filesystem::path& directory,
                                            std::string_view prefix) {
   std::vector<std::string> names;
   std::error_code error;
   std::filesystem::directory_iterator entries(directory, error);
-  int seen = 0;
   for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
-    if (++seen > maxEntriesPerDirectory) break;
     std::string name = entries->path().filename().string();
     if (name.starts_with(prefix)) names.push_back(std::move(name));
   }

@@ -82,6 +82,22 @@ TEST_F(CpuTemperatureTreeTest, SymlinkLoopsAreSteppedOver) {
   EXPECT_EQ(reading->file, "/sys/class/hwmon/hwmon1/temp1_input");
 }
 
+// A listing is read whole: among thousands of entries (listed in no particular order) the one chip
+// that counts, and its one sensor among thousands of other attributes, are found.
+TEST_F(CpuTemperatureTreeTest, TheHottestSensorIsFoundAmongThousandsOfEntries) {
+  for (int chip = 0; chip < 3000; ++chip) {
+    std::filesystem::create_directories(hwmon("hwmon" + std::to_string(chip)));
+  }
+  package("hwmon1700", "Package id 0", "88000");
+  for (int fan = 0; fan < 1100; ++fan) {
+    directory.write("sys/class/hwmon/hwmon1700/fan" + std::to_string(fan) + "_input", "900\n");
+  }
+  const auto reading = readCpuTemperature(directory.path());
+  ASSERT_TRUE(reading);
+  EXPECT_EQ(reading->celsius, 88);
+  EXPECT_EQ(reading->file, "/sys/class/hwmon/hwmon1700/temp1_input");
+}
+
 TEST_F(CpuTemperatureTreeTest, SpecialFilesAreRefusedWithoutBlocking) {
   package("hwmon0", "Package id 0", "50000");
   package("hwmon1", "Package id 1", "0");
