@@ -5,6 +5,7 @@
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
 #include "base/c_format.hpp"
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "shared/moment_text.hpp"
 #include "shared/usage_json.hpp"
@@ -21,13 +22,13 @@ void printTemperature(const CpuTemperature& reading, bool json) {
     Json document{{"celsius", reading.celsius},
                   {"chip", reading.chip},
                   {"label", reading.label},
-                  {"file", reading.file.string()}};
+                  {"file", displayText(reading.file.string())}};
     std::cout << document.dump() << '\n';
     return;
   }
   std::string line = cFormat("%.1f°C", reading.celsius) + " · " + reading.chip;
   if (!reading.label.empty()) line += " · " + reading.label;
-  std::cout << line << " · " << reading.file.string() << '\n';
+  std::cout << line << " · " << displayText(reading.file.string()) << '\n';
 }
 
 void printCodex(const UsageState& state, const std::optional<CodexLimits>& limits, bool json) {
@@ -35,7 +36,7 @@ void printCodex(const UsageState& state, const std::optional<CodexLimits>& limit
     const auto encoded = encodeUsageState(state);
     if (!encoded) throw std::runtime_error("the Codex state holds a number JSON cannot carry");
     Json document{{"state", Json::parse(*encoded)}, {"rollout", nullptr}};
-    if (limits) document["rollout"] = limits->rollout.string();
+    if (limits) document["rollout"] = displayText(limits->rollout.string());
     std::cout << document.dump() << '\n';
     return;
   }
@@ -49,7 +50,7 @@ void printCodex(const UsageState& state, const std::optional<CodexLimits>& limit
     std::cout << window.remainingSummary() << " · " << window.resetText() << '\n';
   }
   std::cout << "Fetched " << isoMoment(state.snapshot->fetchedAt) << " from "
-            << limits->rollout.string() << '\n';
+            << displayText(limits->rollout.string()) << '\n';
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "base/display_text.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/cpu_sensor_choice.hpp"
 
@@ -55,7 +56,8 @@ void addChip(const std::filesystem::path& root, const std::string& hwmon,
   auto name = readAttribute(dir / "name");
   if (!name) name = readAttribute(dir / "device" / "name");
   if (!name) return;
-  const std::string chip(cpu_sensor::firstLine(*name));
+  // Names from the kernel are shown as read, escaped where they are not UTF-8.
+  const std::string chip = displayText(cpu_sensor::firstLine(*name));
   const auto family = cpu_sensor::familyOfChip(chip);
   if (!family) return;
   std::set<std::string> stemsSeen;
@@ -67,7 +69,7 @@ void addChip(const std::filesystem::path& root, const std::string& hwmon,
       const auto celsius = input ? cpu_sensor::celsiusFromMillidegrees(*input) : std::nullopt;
       if (!celsius) continue;
       const auto labelText = readAttribute(dir / sub / (*stem + "_label"));
-      std::string label(labelText ? cpu_sensor::firstLine(*labelText) : "");
+      std::string label = labelText ? displayText(cpu_sensor::firstLine(*labelText)) : "";
       const auto rank = cpu_sensor::labelRank(*family, label);
       if (!rank) continue;
       auto systemFile = (systemDir / sub / file).lexically_normal();
@@ -82,7 +84,7 @@ void addZone(const std::filesystem::path& root, const std::string& zone,
   const std::filesystem::path dir = root / systemDir.relative_path();
   const auto type = readAttribute(dir / "type");
   if (!type) return;
-  const std::string chip(cpu_sensor::firstLine(*type));
+  const std::string chip = displayText(cpu_sensor::firstLine(*type));
   const auto family = cpu_sensor::familyOfZone(chip);
   if (!family) return;
   const auto input = readAttribute(dir / "temp");

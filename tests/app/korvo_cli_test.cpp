@@ -95,6 +95,26 @@ TEST(KorvoTemperatureTest, TextAndJsonNameTheSensor) {
       "\n");
 }
 
+// A sensor's names come from the kernel as bytes: what is not UTF-8, and control characters, are
+// shown escaped in both forms, never as a library's error.
+TEST(KorvoTemperatureTest, NamesThatAreNotUtf8AreShownEscaped) {
+  KorvoWorld world;
+  world.write("sys/sys/class/hwmon/hwmon\xff/name", "coretemp\n");
+  world.write("sys/sys/class/hwmon/hwmon\xff/temp1_label", "Package id \xe9\x1b\n");
+  world.write("sys/sys/class/hwmon/hwmon\xff/temp1_input", "71000\n");
+  world.setSysroot(world.home() / "sys");
+  const auto text = world.korvo({"temperature"});
+  EXPECT_EQ(text.exitCode, 0) << text.err;
+  EXPECT_EQ(
+      text.out,
+      "71.0°C · coretemp · Package id \\xE9\\x1B · /sys/class/hwmon/hwmon\\xFF/temp1_input\n");
+  const auto json = world.korvo({"temperature", "--json"});
+  EXPECT_EQ(json.exitCode, 0) << json.err;
+  const auto document = nlohmann::json::parse(json.out);
+  EXPECT_EQ(document["label"], "Package id \\xE9\\x1B");
+  EXPECT_EQ(document["file"], "/sys/class/hwmon/hwmon\\xFF/temp1_input");
+}
+
 TEST(KorvoTemperatureTest, NoSensorExitsOne) {
   KorvoWorld world(KORVO_FIXTURES_DIR "/hwmon/nvme_and_amdgpu_only");
   const auto result = world.korvo({"temperature"});
@@ -122,6 +142,18 @@ TEST(KorvoCodexTest, TheCodexHomeSettingIsWhereRolloutsAreLooked) {
   const auto result = world.korvo({"codex"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_THAT(result.out, StartsWith("5-hour · 72% left · Resets "));
+}
+
+TEST(KorvoCodexTest, ARolloutNameThatIsNotUtf8IsShownEscaped) {
+  KorvoWorld world;
+  world.write("codex/sessions/2026/11/15/rollout-\xff.jsonl", rolloutLine);
+  const auto json = world.korvo({"codex", "--json"});
+  EXPECT_EQ(json.exitCode, 0) << json.err;
+  EXPECT_EQ(nlohmann::json::parse(json.out)["rollout"],
+            (world.codexHome() / "sessions/2026/11/15/rollout-\\xFF.jsonl").string());
+  const auto text = world.korvo({"codex"});
+  EXPECT_EQ(text.exitCode, 0) << text.err;
+  EXPECT_THAT(text.out, HasSubstr("rollout-\\xFF.jsonl\n"));
 }
 
 TEST(KorvoCodexTest, WithoutSessionsTheMessageShowsAndItExitsOne) {
