@@ -1,5 +1,6 @@
 #include "app/dashboard_link.hpp"
 
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "base/text.hpp"
 #include "shared/app_identity.hpp"
@@ -7,16 +8,24 @@
 #include "shared/url.hpp"
 
 namespace korvo {
+namespace {
+
+// A query or fragment (korvo://usage?from=widget) does not change where a link leads.
+std::string_view withoutQuery(std::string_view url) {
+  return url.substr(0, url.find_first_of("?#"));
+}
+
+}  // namespace
 
 DashboardDestination dashboardDestination(std::string_view url) {
-  const auto parsed = Url::parse(url);
+  const auto parsed = Url::parse(withoutQuery(url));
   if (!parsed || parsed->scheme != AppIdentity::urlScheme) {
-    throw UsageError("not a korvo:// link: \"" + std::string(url) +
+    throw UsageError("not a korvo:// link: \"" + displayText(url) +
                      "\"; valid: korvo://usage, korvo://ai, korvo://resources, "
                      "korvo://memory, korvo://awake");
   }
   if (const auto route = deepLinkRoute(parsed->host)) return {route->tab, std::nullopt};
-  return {DashboardTab::ai, _("Unknown link: ") + std::string(url)};
+  return {DashboardTab::ai, _("Unknown link: ") + displayText(url)};
 }
 
 }  // namespace korvo
