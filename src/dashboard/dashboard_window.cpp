@@ -13,6 +13,12 @@
 namespace korvo {
 namespace {
 
+// The widest the notice asks to be, in characters; longer texts are ellipsized.
+constexpr int noticeWidthChars = 60;
+
+}  // namespace
+namespace {
+
 constexpr const char* settingsPage = "settings";
 // Room for the medium card and the figures below it, points.
 constexpr int windowWidth = 520;
@@ -50,7 +56,10 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
   g_object_set(switcher, "margin", 8, nullptr);
 
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-  gtk_label_set_line_wrap(GTK_LABEL(notice_), TRUE);
+  // The notice quotes a link any web page can send: its length must not size the window, so it
+  // stays one line, cut in the middle, and the whole of it is in the tooltip.
+  gtk_label_set_ellipsize(GTK_LABEL(notice_), PANGO_ELLIPSIZE_MIDDLE);
+  gtk_label_set_max_width_chars(GTK_LABEL(notice_), noticeWidthChars);
   g_object_set(notice_, "margin", 8, nullptr);
   gtk_box_pack_start(GTK_BOX(box), switcher, FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(box), notice_, FALSE, FALSE, 0);
@@ -94,6 +103,7 @@ DashboardWindow::~DashboardWindow() {
 
 void DashboardWindow::present(const DashboardDestination& destination) {
   gtk_label_set_text(GTK_LABEL(notice_), destination.notice.value_or("").c_str());
+  gtk_widget_set_tooltip_text(notice_, destination.notice ? destination.notice->c_str() : nullptr);
   gtk_widget_set_visible(notice_, destination.notice.has_value());
   show(std::string(rawValue(destination.tab)).c_str());
 }

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "support/dashboard_environment.hpp"
 #include "support/korvo_process.hpp"
@@ -125,6 +127,26 @@ TEST_F(DashboardLinks, ASecondOpenReusesTheWindowAndAnUnknownRouteSaysSo) {
   EXPECT_TRUE(showing("memory"));
   EXPECT_EQ(dashboard()["notice"], nullptr);
   EXPECT_EQ(visibleWindows(server->display(), dashboardTitle), first);
+}
+
+// Any web page can send a link: however long, it does not widen the window.
+TEST_F(DashboardLinks, ALongUnknownLinkDoesNotWidenTheWindow) {
+  startService();
+  ASSERT_EQ(korvo({"open", "korvo://weather"}).exitCode, 0);
+  ASSERT_TRUE(waitFor([&] { return dashboard()["notice"] == "Unknown link: korvo://weather"; }));
+  const auto ids = visibleWindows(server->display(), dashboardTitle);
+  ASSERT_EQ(ids.size(), 1U);
+  const auto before = windowGeometry(server->display(), ids.front());
+  ASSERT_TRUE(before);
+  const std::string link = "korvo://" + std::string(20'000, 'w');
+  ASSERT_EQ(korvo({"open", link}).exitCode, 0);
+  ASSERT_TRUE(waitFor([&] { return dashboard()["notice"] == "Unknown link: " + link; }));
+  // Let a resize, if any were coming, reach the window manager.
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  const auto after = windowGeometry(server->display(), ids.front());
+  ASSERT_TRUE(after);
+  EXPECT_EQ(after->width, before->width);
+  EXPECT_EQ(after->height, before->height);
 }
 
 TEST_F(DashboardLinks, TheFirstOpenBecomesTheServiceAndASecondServiceIsRefused) {
