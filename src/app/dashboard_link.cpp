@@ -11,11 +11,9 @@ namespace korvo {
 DashboardDestination dashboardDestination(std::string_view url) {
   const auto parsed = Url::parse(url);
   if (!parsed || parsed->scheme != AppIdentity::urlScheme) {
-    throw UsageError("not a korvo:// link: \"" + std::string(url) +
-                     "\"; valid: korvo://usage, korvo://ai, korvo://resources, "
-                     "korvo://memory, korvo://awake");
+    throw UsageError("not a korvo:// link: \"" + std::string(url) + "\"; valid: " + deepLinkList());
   }
-  if (const auto route = deepLinkRoute(parsed->host)) return {route->tab, std::nullopt};
+  if (const auto tab = deepLinkTab(parsed->host)) return {*tab, std::nullopt};
   return {DashboardTab::ai, _("Unknown link: ") + std::string(url)};
 }
 
