@@ -2,6 +2,9 @@
 
 #include <charconv>
 #include <string>
+#include <vector>
+
+#include "base/text.hpp"
 
 namespace korvo {
 namespace {
@@ -44,13 +47,13 @@ std::optional<AwakeDuration> parseAwakeDuration(std::string_view text) {
 std::string awakeDurationText(AwakeDuration duration) {
   if (!duration.seconds) return "indefinitely";
   std::int64_t left = *duration.seconds;
-  std::string text;
+  std::vector<std::string> parts;
   for (const Unit& unit : units) {
     if (left < unit.seconds) continue;
-    text += (text.empty() ? "" : " ") + std::to_string(left / unit.seconds) + " " + unit.word;
+    parts.push_back(std::to_string(left / unit.seconds) + " " + unit.word);
     left %= unit.seconds;
   }
-  return text;
+  return joined(parts, " ");
 }
 
 }  // namespace korvo

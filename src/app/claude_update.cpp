@@ -8,6 +8,7 @@
 #include "app/status_bar_signal.hpp"
 #include "base/clock.hpp"
 #include "base/text.hpp"
+#include "shared/usage_window.hpp"
 #include "shared/widget_snapshot_store.hpp"
 #include "sources/claude_status_line.hpp"
 
@@ -16,8 +17,8 @@ namespace {
 
 // Where a window goes in the list: the five-hour window first, the weekly one next, others after.
 int order(const UsageWindow& window) {
-  if (window.title == "5-hour") return 0;
-  if (window.title == "Weekly") return 1;
+  if (window.title == UsageWindowTitle::fiveHour) return 0;
+  if (window.title == UsageWindowTitle::weekly) return 1;
   return 2;
 }
 
@@ -67,11 +68,7 @@ std::optional<WidgetSnapshot> merge(const std::optional<WidgetSnapshot>& current
 
 std::string statusText(const std::vector<UsageWindow>& windows) {
   if (windows.empty()) return _("Claude · no limits yet");
-  std::string text;
-  for (const UsageWindow& window : windows) {
-    text += (text.empty() ? "" : " | ") + window.remainingSummary();
-  }
-  return text;
+  return joined(windows, " | ", &UsageWindow::remainingSummary);
 }
 
 void apply(const std::vector<UsageWindow>& windows, const Settings& settings) {

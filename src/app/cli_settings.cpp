@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <iostream>
 
 #include "app/cli_commands.hpp"
@@ -15,9 +14,7 @@ void addSettingsCommand(CLI::App& app, int& exitCode) {
     std::optional<std::string> value;
   };
   auto options = std::make_shared<Options>();
-  command->add_option("KEY", options->key,
-                      "temperature, codex, claude, codexHome, "
-                      "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal");
+  command->add_option("KEY", options->key, wordList(settingKeyWords));
   command->add_option("VALUE", options->value, "The new value (an empty codexHome removes it)");
   command->callback([options, &exitCode] {
     if (options->value) {
@@ -28,8 +25,7 @@ void addSettingsCommand(CLI::App& app, int& exitCode) {
     const auto document = settingsDocument(settings_file::load(std::cerr));
     if (options->key.empty()) {
       std::cout << document.dump(2) << '\n';
-    } else if (std::find(settingKeys.begin(), settingKeys.end(), options->key) ==
-               settingKeys.end()) {
+    } else if (!valueNamed(settingKeyWords, options->key)) {
       settingValue(options->key, "");  // throws the usage error naming the keys
     } else if (!document.contains(options->key)) {
       std::cout << '\n';  // codexHome unset

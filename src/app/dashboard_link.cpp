@@ -20,11 +20,9 @@ std::string_view withoutQuery(std::string_view url) {
 DashboardDestination dashboardDestination(std::string_view url) {
   const auto parsed = Url::parse(withoutQuery(url));
   if (!parsed || parsed->scheme != AppIdentity::urlScheme) {
-    throw UsageError("not a korvo:// link: \"" + displayText(url) +
-                     "\"; valid: korvo://usage, korvo://ai, korvo://resources, "
-                     "korvo://memory, korvo://awake");
+    throw UsageError("not a korvo:// link: \"" + displayText(url) + "\"; valid: " + deepLinkList());
   }
-  if (const auto route = deepLinkRoute(parsed->host)) return {route->tab, std::nullopt};
+  if (const auto tab = deepLinkTab(parsed->host)) return {*tab, std::nullopt};
   return {DashboardTab::ai, _("Unknown link: ") + displayText(url)};
 }
 

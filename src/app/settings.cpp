@@ -1,7 +1,7 @@
 #include "app/settings.hpp"
 
-#include <algorithm>
 #include <charconv>
+#include <optional>
 
 #include "base/exit_codes.hpp"
 #include "shared/json_reader.hpp"
@@ -32,19 +32,43 @@ int readWhole(const Json& value, const std::string& key, Range range) {
   return static_cast<int>(number);
 }
 
-std::string displayModeNames() {
-  std::string names;
-  for (const DisplayMode mode : allDisplayModes) {
-    names += (names.empty() ? "" : ", ") + std::string(rawValue(mode));
-  }
-  return names;
+// The key's word as a string, for the reader's paths and for messages.
+std::string keyText(SettingKey key) {
+  return std::string(settingKeyWord(key));
 }
 
-bool isBooleanKey(std::string_view key) {
-  return key == "temperature" || key == "codex" || key == "claude";
+// The range of a whole-number setting; none for the others.
+std::optional<Range> wholeRange(SettingKey key) {
+  switch (key) {
+    case SettingKey::publishSeconds:
+      return publishSecondsRange;
+    case SettingKey::awakeMinutes:
+      return awakeMinutesRange;
+    case SettingKey::waybarSignal:
+      return waybarSignalRange;
+    default:
+      return std::nullopt;
+  }
+}
+
+// The number `text` writes for the setting `name`; throws UsageError when it is no whole number in
+// `range`.
+int wholeValue(const std::string& name, std::string_view text, Range range) {
+  int number = 0;
+  const auto [ptr, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (text.empty() || error != std::errc() || ptr != text.data() + text.size() ||
+      number < range.low || number > range.high) {
+    throw UsageError(name + ": not a whole number in " + rangeText(range) + ": \"" +
+                     std::string(text) + "\"");
+  }
+  return number;
 }
 
 }  // namespace
+
+std::string_view settingKeyWord(SettingKey key) {
+  return wordFor(settingKeyWords, key);
+}
 
 Decoded<Settings> parseSettings(std::string_view json) {
   auto parsed = json_reader::parse(json);
@@ -53,34 +77,33 @@ Decoded<Settings> parseSettings(std::string_view json) {
   try {
     json_reader::expectObject(root, "");
     Settings settings;
-    const auto boolean = [&](const char* key, bool& field) {
-      if (const Json* value = json_reader::optional(root, key)) {
-        field = json_reader::readBoolean(*value, key);
-      }
+    const auto member = [&](SettingKey key) { return json_reader::optional(root, keyText(key)); };
+    const auto boolean = [&](SettingKey key, bool& field) {
+      if (const Json* value = member(key)) field = json_reader::readBoolean(*value, keyText(key));
     };
-    boolean("temperature", settings.temperature);
-    boolean("codex", settings.codex);
-    boolean("claude", settings.claude);
-    if (const Json* value = json_reader::optional(root, "codexHome")) {
-      settings.codexHome = json_reader::readString(*value, "codexHome");
+    const auto whole = [&](SettingKey key, int& field) {
+      if (const Json* value = member(key))
+        field = readWhole(*value, keyText(key), *wholeRange(key));
+    };
+    boolean(SettingKey::temperature, settings.temperature);
+    boolean(SettingKey::codex, settings.codex);
+    boolean(SettingKey::claude, settings.claude);
+    if (const Json* value = member(SettingKey::codexHome)) {
+      settings.codexHome = json_reader::readString(*value, keyText(SettingKey::codexHome));
       if (settings.codexHome->empty() || settings.codexHome->front() != '/') {
-        throw json_reader::Failure{"codexHome must be an absolute path"};
+        throw json_reader::Failure{keyText(SettingKey::codexHome) + " must be an absolute path"};
       }
     }
-    if (const Json* value = json_reader::optional(root, "publishSeconds")) {
-      settings.publishSeconds = readWhole(*value, "publishSeconds", publishSecondsRange);
-    }
-    if (const Json* value = json_reader::optional(root, "awakeMinutes")) {
-      settings.awakeMinutes = readWhole(*value, "awakeMinutes", awakeMinutesRange);
-    }
-    if (const Json* value = json_reader::optional(root, "waybarSignal")) {
-      settings.waybarSignal = readWhole(*value, "waybarSignal", waybarSignalRange);
-    }
-    if (const Json* value = json_reader::optional(root, "memoryDisplayMode")) {
-      const auto raw = json_reader::readString(*value, "memoryDisplayMode");
+    whole(SettingKey::publishSeconds, settings.publishSeconds);
+    whole(SettingKey::awakeMinutes, settings.awakeMinutes);
+    whole(SettingKey::waybarSignal, settings.waybarSignal);
+    if (const Json* value = member(SettingKey::memoryDisplayMode)) {
+      const auto raw = json_reader::readString(*value, keyText(SettingKey::memoryDisplayMode));
       const auto mode = displayModeFromRaw(raw);
-      if (!mode)
-        throw json_reader::Failure{"memoryDisplayMode must be one of " + displayModeNames()};
+      if (!mode) {
+        throw json_reader::Failure{keyText(SettingKey::memoryDisplayMode) + " must be one of " +
+                                   wordList(displayModeWords)};
+      }
       settings.memoryDisplayMode = *mode;
     }
     return settings;
@@ -91,54 +114,51 @@ Decoded<Settings> parseSettings(std::string_view json) {
 
 nlohmann::ordered_json settingsDocument(const Settings& settings) {
   nlohmann::ordered_json document = nlohmann::ordered_json::object();
-  document["temperature"] = settings.temperature;
-  document["codex"] = settings.codex;
-  document["claude"] = settings.claude;
-  if (settings.codexHome) document["codexHome"] = *settings.codexHome;
-  document["publishSeconds"] = settings.publishSeconds;
-  document["awakeMinutes"] = settings.awakeMinutes;
-  document["memoryDisplayMode"] = std::string(rawValue(settings.memoryDisplayMode));
-  document["waybarSignal"] = settings.waybarSignal;
+  const auto set = [&](SettingKey key, nlohmann::ordered_json value) {
+    document[keyText(key)] = std::move(value);
+  };
+  set(SettingKey::temperature, settings.temperature);
+  set(SettingKey::codex, settings.codex);
+  set(SettingKey::claude, settings.claude);
+  if (settings.codexHome) set(SettingKey::codexHome, *settings.codexHome);
+  set(SettingKey::publishSeconds, settings.publishSeconds);
+  set(SettingKey::awakeMinutes, settings.awakeMinutes);
+  set(SettingKey::memoryDisplayMode, std::string(rawValue(settings.memoryDisplayMode)));
+  set(SettingKey::waybarSignal, settings.waybarSignal);
   return document;
 }
 
-nlohmann::ordered_json settingValue(std::string_view key, std::string_view text) {
-  const std::string name(key);
-  if (isBooleanKey(key)) {
-    if (text == "true") return true;
-    if (text == "false") return false;
-    throw UsageError(name + ": not a boolean: \"" + std::string(text) + "\"; valid: true, false");
+nlohmann::ordered_json settingValue(std::string_view word, std::string_view text) {
+  const std::string name(word);
+  const auto key = valueNamed(settingKeyWords, word);
+  if (!key) {
+    throw UsageError("unknown setting \"" + name + "\"; valid: " + wordList(settingKeyWords));
   }
-  if (key == "publishSeconds" || key == "awakeMinutes" || key == "waybarSignal") {
-    const Range range = key == "publishSeconds" ? publishSecondsRange
-                        : key == "awakeMinutes" ? awakeMinutesRange
-                                                : waybarSignalRange;
-    int number = 0;
-    const auto [ptr, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (text.empty() || error != std::errc() || ptr != text.data() + text.size() ||
-        number < range.low || number > range.high) {
-      throw UsageError(name + ": not a whole number in " + rangeText(range) + ": \"" +
-                       std::string(text) + "\"");
-    }
-    return number;
+  switch (*key) {
+    case SettingKey::codexHome:
+      if (text.empty()) return nullptr;
+      if (text.front() != '/') {
+        throw UsageError(name + ": not an absolute path: \"" + std::string(text) + "\"");
+      }
+      return std::string(text);
+    case SettingKey::memoryDisplayMode:
+      if (!displayModeFromRaw(text)) {
+        throw UsageError(name + ": unknown mode \"" + std::string(text) +
+                         "\"; valid: " + wordList(displayModeWords));
+      }
+      return std::string(text);
+    case SettingKey::temperature:
+    case SettingKey::codex:
+    case SettingKey::claude:
+      if (text == "true") return true;
+      if (text == "false") return false;
+      throw UsageError(name + ": not a boolean: \"" + std::string(text) + "\"; valid: true, false");
+    case SettingKey::publishSeconds:
+    case SettingKey::awakeMinutes:
+    case SettingKey::waybarSignal:
+      return wholeValue(name, text, *wholeRange(*key));
   }
-  if (key == "codexHome") {
-    if (text.empty()) return nullptr;
-    if (text.front() != '/') {
-      throw UsageError("codexHome: not an absolute path: \"" + std::string(text) + "\"");
-    }
-    return std::string(text);
-  }
-  if (key == "memoryDisplayMode") {
-    if (!displayModeFromRaw(text)) {
-      throw UsageError("memoryDisplayMode: unknown mode \"" + std::string(text) +
-                       "\"; valid: " + displayModeNames());
-    }
-    return std::string(text);
-  }
-  std::string keys;
-  for (const auto known : settingKeys) keys += (keys.empty() ? "" : ", ") + std::string(known);
-  throw UsageError("unknown setting \"" + name + "\"; valid: " + keys);
+  return nullptr;
 }
 
 }  // namespace korvo

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "base/words.hpp"
 #include "sampling/display_mode.hpp"
 #include "shared/decode_result.hpp"
 
@@ -25,10 +25,31 @@ struct Settings {
   friend bool operator==(const Settings&, const Settings&) = default;
 };
 
+enum class SettingKey {
+  temperature,
+  codex,
+  claude,
+  codexHome,
+  publishSeconds,
+  awakeMinutes,
+  memoryDisplayMode,
+  waybarSignal
+};
+
 // The keys of the settings file, in the order they are listed.
-inline constexpr std::array<std::string_view, 8> settingKeys{
-    "temperature",       "codex",       "claude", "codexHome", "publishSeconds", "awakeMinutes",
-    "memoryDisplayMode", "waybarSignal"};
+inline constexpr Words<SettingKey, 8> settingKeyWords{{
+    {"temperature", SettingKey::temperature},
+    {"codex", SettingKey::codex},
+    {"claude", SettingKey::claude},
+    {"codexHome", SettingKey::codexHome},
+    {"publishSeconds", SettingKey::publishSeconds},
+    {"awakeMinutes", SettingKey::awakeMinutes},
+    {"memoryDisplayMode", SettingKey::memoryDisplayMode},
+    {"waybarSignal", SettingKey::waybarSignal},
+}};
+
+// The key as the settings file writes it.
+std::string_view settingKeyWord(SettingKey key);
 
 // Reads a settings document: an object whose keys are all optional (missing means the default)
 // and unknown keys ignored; a wrong type or a value out of range fails, naming the key.
@@ -37,9 +58,9 @@ Decoded<Settings> parseSettings(std::string_view json);
 // Every setting as a JSON object in key order (codexHome only when set).
 nlohmann::ordered_json settingsDocument(const Settings& settings);
 
-// The JSON value of `key` from a command-line text ("true", "90", "usedGB", "/home/a/.codex");
-// null for an empty codexHome (which removes it). Throws UsageError naming the key and its
-// valid values.
-nlohmann::ordered_json settingValue(std::string_view key, std::string_view text);
+// The JSON value of the setting `word` names, from a command-line text ("true", "90", "usedGB",
+// "/home/a/.codex"); null for an empty codexHome (which removes it). Throws UsageError naming the
+// key and its valid values, or every key for a word that names none.
+nlohmann::ordered_json settingValue(std::string_view word, std::string_view text);
 
 }  // namespace korvo

@@ -8,6 +8,7 @@
 #include <system_error>
 #include <vector>
 
+#include "base/text.hpp"
 #include "cli/commands.hpp"
 #include "desktop/core/host_tunables.hpp"
 
@@ -34,10 +35,10 @@ std::vector<fs::path> hostCandidates() {
 }
 
 [[noreturn]] void startDesktopHost(const std::vector<std::string>& arguments) {
-  std::string looked;
+  std::vector<std::string> looked;
   for (const fs::path& candidate : hostCandidates()) {
     if (::access(candidate.c_str(), X_OK) != 0) {
-      looked += (looked.empty() ? "" : ", ") + candidate.lexically_normal().string();
+      looked.push_back(candidate.lexically_normal().string());
       continue;
     }
     std::vector<char*> argv;
@@ -53,7 +54,8 @@ std::vector<fs::path> hostCandidates() {
               << std::strerror(errno) << '\n';
     std::exit(exitFailure);
   }
-  std::cerr << "korvo-widgets: the desktop host is not installed (looked for " << looked << ")\n";
+  std::cerr << "korvo-widgets: the desktop host is not installed (looked for "
+            << joined(looked, ", ") << ")\n";
   std::exit(exitFailure);
 }
 

@@ -12,17 +12,16 @@ namespace korvo::cli {
 
 // Which of the provider's three requests supplies the entry that is drawn.
 enum class EntryRequest { placeholder, snapshot, timeline };
-inline constexpr std::array<ui::Word<EntryRequest>, 3> entryRequestWords{
+inline constexpr Words<EntryRequest, 3> entryRequestWords{
     {{"placeholder", EntryRequest::placeholder},
      {"snapshot", EntryRequest::snapshot},
      {"timeline", EntryRequest::timeline}}};
 
 enum class OutputFormat { png, svg, json, tree };
-inline constexpr std::array<ui::Word<OutputFormat>, 4> outputFormatWords{
-    {{"png", OutputFormat::png},
-     {"svg", OutputFormat::svg},
-     {"json", OutputFormat::json},
-     {"tree", OutputFormat::tree}}};
+inline constexpr Words<OutputFormat, 4> outputFormatWords{{{"png", OutputFormat::png},
+                                                           {"svg", OutputFormat::svg},
+                                                           {"json", OutputFormat::json},
+                                                           {"tree", OutputFormat::tree}}};
 
 // The entry a widget host would get from `request`; for a timeline, the one on screen now.
 AnyEntry requestEntry(const WidgetConfiguration& widget, EntryRequest request,

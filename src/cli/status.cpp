@@ -8,6 +8,7 @@
 #include "cli/widgets.hpp"
 #include "extension/memory_provider.hpp"
 #include "extension/monitor_provider.hpp"
+#include "extension/widget_kind.hpp"
 
 namespace korvo::cli {
 namespace {
@@ -36,34 +37,30 @@ MonitorEntry monitorEntry() {
 }
 
 struct StatusKind {
-  std::string_view shortKind;
+  WidgetKind kind;
   StatusLine::Line (*line)(DisplayMode mode, StatusLine::Tooltip tooltip);
 };
 
 constexpr std::array statusKinds{
-    StatusKind{"memory", memoryLine},
-    StatusKind{"usage",
+    StatusKind{WidgetKind::memory, memoryLine},
+    StatusKind{WidgetKind::usage,
                [](DisplayMode, StatusLine::Tooltip tooltip) {
                  return StatusLine::usage(monitorEntry(), tooltip);
                }},
-    StatusKind{"temperature",
+    StatusKind{WidgetKind::temperature,
                [](DisplayMode, StatusLine::Tooltip tooltip) {
                  return StatusLine::temperature(monitorEntry(), tooltip);
                }},
 };
 
 std::string statusKindWords() {
-  std::string words;
-  for (const StatusKind& kind : statusKinds) {
-    words += (words.empty() ? "" : ", ") + std::string(kind.shortKind);
-  }
-  return words;
+  return joined(statusKinds, ", ", [](const StatusKind& status) { return kindWord(status.kind); });
 }
 
 const StatusKind& statusKindNamed(const std::string& kind) {
   const WidgetConfiguration& widget = widgetNamed(kind);
   for (const StatusKind& candidate : statusKinds) {
-    if (candidate.shortKind == widget.shortKind()) return candidate;
+    if (kindWord(candidate.kind) == widget.shortKind()) return candidate;
   }
   throw UsageError("widget " + widget.shortKind() +
                    " has no status line; valid kinds: " + statusKindWords());

@@ -31,12 +31,6 @@ int wholePercent(double percent) {
   return static_cast<int>(std::nearbyint(std::clamp(percent, 0.0, 100.0)));
 }
 
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
-  return text;
-}
-
 std::string windowLine(const UsageWindow& window, Date now) {
   return window.remainingSummary() + " · " + window.resetCountdown(now);
 }
@@ -64,7 +58,7 @@ Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip) {
       MemoryFormat::gigabytes(reading.available()) + _(" available"),
       pressureLine(reading.pressure),
   };
-  line.tooltip = joined(details);
+  line.tooltip = joined(details, "\n");
   return line;
 }
 
@@ -96,11 +90,10 @@ Line usage(const MonitorEntry& entry, Tooltip tooltip) {
       }
     }
   }
-  if (!anyEnabled) return {noFigure(), joined(details), "disabled", 0};
-  std::string text;
-  for (const std::string& figure : figures) text += (text.empty() ? "" : " · ") + figure;
+  if (!anyEnabled) return {noFigure(), joined(details, "\n"), "disabled", 0};
   const std::string cssClass = !lowest ? "unavailable" : stale ? "stale" : "";
-  return {text, joined(details), cssClass, lowest ? wholePercent(*lowest) : 0};
+  return {joined(figures, " · "), joined(details, "\n"), cssClass,
+          lowest ? wholePercent(*lowest) : 0};
 }
 
 Line temperature(const MonitorEntry& entry, Tooltip tooltip) {

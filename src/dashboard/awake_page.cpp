@@ -98,12 +98,9 @@ void AwakePage::refresh() {
   gchar* markup = g_markup_printf_escaped("<big><b>%s</b></big>", state.c_str());
   gtk_label_set_markup(GTK_LABEL(state_), markup);
   g_free(markup);
-  std::string held;
-  for (const Inhibitor inhibitor : keepAwake_.held()) {
-    held +=
-        (held.empty() ? "" : ", ") +
-        (inhibitor == Inhibitor::logind ? _("logind (idle and sleep)") : _("the session (idle)"));
-  }
+  const std::string held = joined(keepAwake_.held(), ", ", [](Inhibitor inhibitor) {
+    return inhibitor == Inhibitor::logind ? _("logind (idle and sleep)") : _("the session (idle)");
+  });
   gtk_label_set_text(GTK_LABEL(inhibitors_), (_("Inhibitors held: ") + held).c_str());
   // Without a session there is no countdown and nothing held: no empty lines either.
   gtk_widget_set_visible(inhibitors_, session.has_value());

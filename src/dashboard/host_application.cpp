@@ -49,13 +49,9 @@ void complain(GApplicationCommandLine* invocation, const std::string& line) {
 std::string statusLine(const std::optional<AwakeSession>& session,
                        const std::vector<Inhibitor>& held) {
   if (!session) return _("Keep Awake is off.");
-  std::string inhibitors;
-  for (const Inhibitor inhibitor : held) {
-    inhibitors += (inhibitors.empty() ? "" : ", ") + std::string(inhibitorWord(inhibitor));
-  }
   const std::string until =
       session->endsAt ? _("until ") + shortTime(*session->endsAt) : _("until stopped");
-  return _("Keep Awake is on ") + until + " (" + inhibitors + ").";
+  return _("Keep Awake is on ") + until + " (" + joined(held, ", ", inhibitorWord) + ").";
 }
 
 }  // namespace

@@ -27,15 +27,16 @@ SettingsPage& pageOf(gpointer data) {
   return *static_cast<SettingsPage*>(data);
 }
 
-GtkWidget* toggle(SettingsPage& page, const char* key) {
+GtkWidget* toggle(SettingsPage& page, SettingKey key) {
   GtkWidget* control = gtk_switch_new();
-  g_object_set_data(G_OBJECT(control), "key", const_cast<char*>(key));
-  g_signal_connect(control, "notify::active",
-                   G_CALLBACK(+[](GObject* control, GParamSpec*, gpointer data) {
-                     const char* key = static_cast<const char*>(g_object_get_data(control, "key"));
-                     pageOf(data).write(key, gtk_switch_get_active(GTK_SWITCH(control)) == TRUE);
-                   }),
-                   &page);
+  g_object_set_data(G_OBJECT(control), "key", GINT_TO_POINTER(static_cast<int>(key)));
+  g_signal_connect(
+      control, "notify::active", G_CALLBACK(+[](GObject* control, GParamSpec*, gpointer data) {
+        const auto key =
+            static_cast<SettingKey>(GPOINTER_TO_INT(g_object_get_data(control, "key")));
+        pageOf(data).write(key, gtk_switch_get_active(GTK_SWITCH(control)) == TRUE);
+      }),
+      &page);
   return control;
 }
 
@@ -45,21 +46,21 @@ SettingsPage::SettingsPage() {
   GtkWidget* content = nullptr;
   page_ = scrolledPage(&content);
   gtk_box_pack_start(GTK_BOX(content), heading(_("Monitors")), FALSE, FALSE, 0);
-  temperature_ = row(content, _("CPU temperature"), toggle(*this, "temperature"));
+  temperature_ = row(content, _("CPU temperature"), toggle(*this, SettingKey::temperature));
 
   gtk_box_pack_start(GTK_BOX(content), heading(_("AI usage")), FALSE, FALSE, 0);
-  codex_ = row(content, _("Codex"), toggle(*this, "codex"));
+  codex_ = row(content, _("Codex"), toggle(*this, SettingKey::codex));
   codexHome_ = row(content, _("Codex's sessions folder"),
                    gtk_file_chooser_button_new(_("Codex's folder").c_str(),
                                                GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER));
   g_signal_connect(codexHome_, "file-set",
                    G_CALLBACK(+[](GtkFileChooserButton* chooser, gpointer data) {
                      gchar* folder = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(chooser));
-                     if (folder != nullptr) pageOf(data).write("codexHome", folder);
+                     if (folder != nullptr) pageOf(data).write(SettingKey::codexHome, folder);
                      g_free(folder);
                    }),
                    this);
-  claude_ = row(content, _("Claude"), toggle(*this, "claude"));
+  claude_ = row(content, _("Claude"), toggle(*this, SettingKey::claude));
   GtkWidget* statusBox = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
   statusLine_ = label("", "dim-label");
   install_ = gtk_button_new_with_label(_("Install the status line").c_str());
@@ -73,11 +74,11 @@ SettingsPage::SettingsPage() {
   gtk_box_pack_start(GTK_BOX(content), heading(_("Keep Awake")), FALSE, FALSE, 0);
   awakeMinutes_ =
       row(content, _("Default session (minutes)"), gtk_spin_button_new_with_range(1, 1440, 5));
-  g_signal_connect(awakeMinutes_, "value-changed",
-                   G_CALLBACK(+[](GtkSpinButton* spin, gpointer data) {
-                     pageOf(data).write("awakeMinutes", gtk_spin_button_get_value_as_int(spin));
-                   }),
-                   this);
+  g_signal_connect(
+      awakeMinutes_, "value-changed", G_CALLBACK(+[](GtkSpinButton* spin, gpointer data) {
+        pageOf(data).write(SettingKey::awakeMinutes, gtk_spin_button_get_value_as_int(spin));
+      }),
+      this);
 
   gtk_box_pack_start(GTK_BOX(content), heading(_("Memory")), FALSE, FALSE, 0);
   displayMode_ = row(content, _("Memory figure"), gtk_combo_box_text_new());
@@ -87,7 +88,7 @@ SettingsPage::SettingsPage() {
   }
   g_signal_connect(displayMode_, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
                      if (const char* mode = gtk_combo_box_get_active_id(combo)) {
-                       pageOf(data).write("memoryDisplayMode", mode);
+                       pageOf(data).write(SettingKey::memoryDisplayMode, mode);
                      }
                    }),
                    this);
@@ -114,10 +115,10 @@ void SettingsPage::show(const Settings& settings) {
   showing_ = false;
 }
 
-void SettingsPage::write(std::string_view key, const nlohmann::ordered_json& value) {
+void SettingsPage::write(SettingKey key, const nlohmann::ordered_json& value) {
   if (showing_) return;
   try {
-    settings_file::set(key, value);
+    settings_file::set(settingKeyWord(key), value);
     gtk_label_set_text(GTK_LABEL(message_), "");
   } catch (const std::exception& error) {
     gtk_label_set_text(GTK_LABEL(message_), error.what());

@@ -21,7 +21,7 @@ class SettingsPage {
   void show(const Settings& settings);
 
   // Writes one key; a failure is shown on the page.
-  void write(std::string_view key, const nlohmann::ordered_json& value);
+  void write(SettingKey key, const nlohmann::ordered_json& value);
   void installStatusLine();
 
  private:

@@ -5,7 +5,7 @@
 #include "extension/memory_provider.hpp"
 #include "extension/monitor_provider.hpp"
 #include "extension/widget_content.hpp"
-#include "shared/app_identity.hpp"
+#include "extension/widget_kind.hpp"
 
 namespace korvo {
 namespace {
@@ -50,16 +50,11 @@ WidgetConfiguration configuration(Description description, Provider provider, Co
   return widget;
 }
 
-// The application identifier followed by `suffix`, which brings its own dot.
-std::string applicationKind(std::string_view suffix) {
-  return std::string(AppIdentity::applicationIdentifier) + std::string(suffix);
-}
-
 }  // namespace
 
 WidgetConfiguration KorvoMemoryWidget::body() const {
   return configuration(
-      {.kind = applicationKind(".memory"),
+      {.kind = fullKind(WidgetKind::memory),
        .displayName = _("Memory"),
        .description = _("A recent memory snapshot. Open Korvo for live readings and Keep Awake "
                         "controls."),
@@ -69,7 +64,7 @@ WidgetConfiguration KorvoMemoryWidget::body() const {
 
 WidgetConfiguration KorvoAwakeWidget::body() const {
   return configuration(
-      {.kind = applicationKind(".awake"),
+      {.kind = fullKind(WidgetKind::awake),
        .displayName = _("Keep Awake"),
        .description = _("Open Korvo to start, extend, or stop a session. This shortcut does not "
                         "show session status."),
@@ -79,7 +74,7 @@ WidgetConfiguration KorvoAwakeWidget::body() const {
 
 WidgetConfiguration KorvoUsageWidget::body() const {
   return configuration(
-      {.kind = "com.tessmoor.Korvo.usage",
+      {.kind = fullKind(WidgetKind::usage),
        .displayName = _("AI Usage"),
        .description = _("Recent Codex and Claude subscription limits. Enable providers and keep "
                         "Korvo running to update snapshots."),
@@ -91,7 +86,7 @@ WidgetConfiguration KorvoUsageWidget::body() const {
 
 WidgetConfiguration KorvoTemperatureWidget::body() const {
   return configuration(
-      {.kind = "com.tessmoor.Korvo.temperature",
+      {.kind = fullKind(WidgetKind::temperature),
        .displayName = _("CPU Temperature"),
        .description = _("A recent CPU temperature snapshot from Korvo. Enable temperature "
                         "monitoring in the app."),

@@ -1,5 +1,7 @@
 #include "extension/sample_data.hpp"
 
+#include "shared/usage_window.hpp"
+
 namespace korvo::SampleData {
 
 MemorySnapshot memoryReading(Date now) {
@@ -16,11 +18,14 @@ MemorySnapshot memoryReading(Date now) {
 }
 
 WidgetSnapshot widgetSnapshot(Date now) {
-  const UsageSnapshot usage{
-      .windows = {{.title = "5-hour", .usedPercent = 28, .resetsAt = now.addingSeconds(7'200)},
-                  {.title = "Weekly", .usedPercent = 42, .resetsAt = now.addingSeconds(172'800)}},
-      .fetchedAt = now,
-      .source = std::nullopt};
+  const UsageSnapshot usage{.windows = {{.title = std::string(UsageWindowTitle::fiveHour),
+                                         .usedPercent = 28,
+                                         .resetsAt = now.addingSeconds(7'200)},
+                                        {.title = std::string(UsageWindowTitle::weekly),
+                                         .usedPercent = 42,
+                                         .resetsAt = now.addingSeconds(172'800)}},
+                            .fetchedAt = now,
+                            .source = std::nullopt};
   const UsageState state{
       .enabled = true, .snapshot = usage, .message = std::nullopt, .isRefreshing = false};
   return WidgetSnapshot{.date = now,

@@ -3,15 +3,9 @@
 #include "base/text.hpp"
 
 namespace korvo {
-namespace {
-
-constexpr std::array<std::string_view, 5> rawValues{"usedPercent", "usedGB", "availablePercent",
-                                                    "availableGB", "usedOfTotal"};
-
-}  // namespace
 
 std::string_view rawValue(DisplayMode mode) {
-  return rawValues[static_cast<std::size_t>(mode)];
+  return wordFor(displayModeWords, mode);
 }
 
 std::string label(DisplayMode mode) {
@@ -31,10 +25,7 @@ std::string label(DisplayMode mode) {
 }
 
 std::optional<DisplayMode> displayModeFromRaw(std::string_view raw) {
-  for (const DisplayMode mode : allDisplayModes) {
-    if (rawValue(mode) == raw) return mode;
-  }
-  return std::nullopt;
+  return valueNamed(displayModeWords, raw);
 }
 
 }  // namespace korvo

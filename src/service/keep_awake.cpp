@@ -10,15 +10,6 @@
 #include "base/wake_up.hpp"
 
 namespace korvo {
-namespace {
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const auto& line : lines) text += (text.empty() ? "" : "; ") + line;
-  return text;
-}
-
-}  // namespace
 
 KeepAwake::KeepAwake(std::ostream& log, double clockRate, GDBusConnection* sessionBus,
                      std::function<void()> changed, std::function<void()> ended)
@@ -63,7 +54,7 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
   const auto held = inhibitors_.take(faults);
   if (held.empty()) {
     if (session_) end(false);
-    return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults)};
+    return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; ")};
   }
   session_ = session;
   keep();
@@ -73,8 +64,8 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
                                        : _("Keep Awake until stopped");
   if (held.size() == 1) {
     message += held.front() == Inhibitor::session
-                   ? _(", with the session's idle inhibitor alone (") + joined(faults) + ")"
-                   : _(", with logind's inhibitor alone (") + joined(faults) + ")";
+                   ? _(", with the session's idle inhibitor alone (") + joined(faults, "; ") + ")"
+                   : _(", with logind's inhibitor alone (") + joined(faults, "; ") + ")";
   }
   return {exitSuccess, message + "."};
 }

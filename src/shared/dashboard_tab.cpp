@@ -7,15 +7,7 @@
 namespace korvo {
 
 std::string_view rawValue(DashboardTab tab) {
-  switch (tab) {
-    case DashboardTab::ai:
-      return "ai";
-    case DashboardTab::memory:
-      return "memory";
-    case DashboardTab::awake:
-      return "awake";
-  }
-  std::abort();
+  return wordFor(dashboardTabWords, tab);
 }
 
 std::string shortTitle(DashboardTab tab) {
@@ -32,10 +24,7 @@ std::string shortTitle(DashboardTab tab) {
 
 template <>
 std::optional<DashboardTab> fromRaw<DashboardTab>(std::string_view raw) {
-  for (const DashboardTab tab : allCases<DashboardTab>()) {
-    if (rawValue(tab) == raw) return tab;
-  }
-  return std::nullopt;
+  return valueNamed(dashboardTabWords, raw);
 }
 
 }  // namespace korvo

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <array>
-#include <functional>
 #include <string>
 #include <string_view>
 
+#include "base/words.hpp"
 #include "shared/raw_value.hpp"
 
 namespace korvo {
@@ -12,7 +11,14 @@ namespace korvo {
 // The host application's dashboard tabs; the raw value is also a deep-link route word.
 enum class DashboardTab { ai, memory, awake };
 
-// "ai", "memory", "awake".
+// "ai", "memory", "awake": the raw values, in case order.
+inline constexpr Words<DashboardTab, 3> dashboardTabWords{{
+    {"ai", DashboardTab::ai},
+    {"memory", DashboardTab::memory},
+    {"awake", DashboardTab::awake},
+}};
+
+// The tab's raw value.
 std::string_view rawValue(DashboardTab tab);
 // "AI", "Mem", "Awake" (localisable).
 std::string shortTitle(DashboardTab tab);
@@ -22,28 +28,7 @@ std::optional<DashboardTab> fromRaw<DashboardTab>(std::string_view raw);
 
 template <>
 constexpr auto allCases<DashboardTab>() {
-  return std::array{DashboardTab::ai, DashboardTab::memory, DashboardTab::awake};
+  return valuesOf(dashboardTabWords);
 }
 
-// The short titles in case order.
-inline constexpr std::array<std::string_view, 3> dashboardTabShortTitles{"AI", "Mem", "Awake"};
-
-// Every ordering of the three tabs, in lexicographic order of case position.
-inline constexpr std::array<std::array<DashboardTab, 3>, 6> dashboardTabOrderings{{
-    {DashboardTab::ai, DashboardTab::memory, DashboardTab::awake},
-    {DashboardTab::ai, DashboardTab::awake, DashboardTab::memory},
-    {DashboardTab::memory, DashboardTab::ai, DashboardTab::awake},
-    {DashboardTab::memory, DashboardTab::awake, DashboardTab::ai},
-    {DashboardTab::awake, DashboardTab::ai, DashboardTab::memory},
-    {DashboardTab::awake, DashboardTab::memory, DashboardTab::ai},
-}};
-
 }  // namespace korvo
-
-// Hashes as its raw value string does.
-template <>
-struct std::hash<korvo::DashboardTab> {
-  std::size_t operator()(korvo::DashboardTab tab) const noexcept {
-    return std::hash<std::string_view>{}(korvo::rawValue(tab));
-  }
-};

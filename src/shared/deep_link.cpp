@@ -2,17 +2,19 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
 #include "shared/app_identity.hpp"
 
 namespace korvo {
 
-std::optional<DeepLinkRoute> deepLinkRoute(std::string_view word) {
-  for (const DeepLinkRoute& route : deepLinkRoutes) {
-    if (route.word == word) return route;
-  }
-  return std::nullopt;
+std::optional<DashboardTab> deepLinkTab(std::string_view word) {
+  return valueNamed(deepLinkRoutes, word);
+}
+
+std::string deepLinkList() {
+  return joined(deepLinkRoutes, ", ", [](const Word<DashboardTab>& route) {
+    return std::string(AppIdentity::urlScheme) + "://" + std::string(route.word);
+  });
 }
 
 Url deepLinkURL(std::string_view route) {

@@ -22,13 +22,7 @@ Url constantUrl(std::string_view text) {
 }  // namespace
 
 std::string_view rawValue(UsageProvider provider) {
-  switch (provider) {
-    case UsageProvider::codex:
-      return "codex";
-    case UsageProvider::claude:
-      return "claude";
-  }
-  std::abort();
+  return wordFor(usageProviderWords, provider);
 }
 
 std::string displayName(UsageProvider provider) {
@@ -63,10 +57,7 @@ Url usagePageURL(UsageProvider provider) {
 
 template <>
 std::optional<UsageProvider> fromRaw<UsageProvider>(std::string_view raw) {
-  for (const UsageProvider provider : allCases<UsageProvider>()) {
-    if (rawValue(provider) == raw) return provider;
-  }
-  return std::nullopt;
+  return valueNamed(usageProviderWords, raw);
 }
 
 }  // namespace korvo

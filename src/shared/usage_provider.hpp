@@ -1,10 +1,9 @@
 #pragma once
 
-#include <array>
-#include <functional>
 #include <string>
 #include <string_view>
 
+#include "base/words.hpp"
 #include "shared/raw_value.hpp"
 #include "shared/url.hpp"
 
@@ -14,6 +13,12 @@ namespace korvo {
 enum class UsageProvider { codex, claude };
 
 // The serialised form: "codex", "claude" (also the provider's key in the shared file).
+inline constexpr Words<UsageProvider, 2> usageProviderWords{{
+    {"codex", UsageProvider::codex},
+    {"claude", UsageProvider::claude},
+}};
+
+// The provider's serialised word.
 std::string_view rawValue(UsageProvider provider);
 // "OpenAI · Codex", "Anthropic · Claude".
 std::string displayName(UsageProvider provider);
@@ -27,15 +32,7 @@ std::optional<UsageProvider> fromRaw<UsageProvider>(std::string_view raw);
 
 template <>
 constexpr auto allCases<UsageProvider>() {
-  return std::array{UsageProvider::codex, UsageProvider::claude};
+  return valuesOf(usageProviderWords);
 }
 
 }  // namespace korvo
-
-// Hashes as its raw value string does.
-template <>
-struct std::hash<korvo::UsageProvider> {
-  std::size_t operator()(korvo::UsageProvider provider) const noexcept {
-    return std::hash<std::string_view>{}(korvo::rawValue(provider));
-  }
-};

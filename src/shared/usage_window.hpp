@@ -2,10 +2,19 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/date.hpp"
 
 namespace korvo {
+
+// The titles hosts give the windows the widgets pick out, as the shared file carries them.
+namespace UsageWindowTitle {
+inline constexpr std::string_view fiveHour = "5-hour";
+inline constexpr std::string_view weekly = "Weekly";
+// An earlier name of the five-hour window.
+inline constexpr std::string_view session = "Session";
+}  // namespace UsageWindowTitle
 
 // One usage-limit window of a provider, as the host application wrote it.
 struct UsageWindow {

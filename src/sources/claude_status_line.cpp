@@ -31,7 +31,8 @@ std::vector<UsageWindow> parseWindows(std::string_view input) {
   const Json* root = std::get_if<Json>(&parsed);
   const Json* limits = root != nullptr ? member(*root, "rate_limits") : nullptr;
   if (limits == nullptr) return windows;
-  for (const auto& [key, title] : {std::pair{"five_hour", "5-hour"}, {"seven_day", "Weekly"}}) {
+  for (const auto& [key, title] : {std::pair{"five_hour", UsageWindowTitle::fiveHour},
+                                   {"seven_day", UsageWindowTitle::weekly}}) {
     const Json* window = member(*limits, key);
     if (window == nullptr) continue;
     const auto used = finiteNumber(member(*window, "used_percentage"));
@@ -40,7 +41,7 @@ std::vector<UsageWindow> parseWindows(std::string_view input) {
     if (const auto at = finiteNumber(member(*window, "resets_at"))) {
       resetsAt = Date::fromUnixSeconds(*at);
     }
-    windows.push_back({title, *used, resetsAt});
+    windows.push_back({std::string(title), *used, resetsAt});
   }
   return windows;
 }

@@ -8,6 +8,7 @@
 #include "base/c_format.hpp"
 #include "shared/json_reader.hpp"
 #include "shared/moment_text.hpp"
+#include "shared/usage_window.hpp"
 
 namespace korvo::codex_rollout {
 namespace {
@@ -61,10 +62,13 @@ std::optional<SlotWindow> readWindow(const Json& limits, Slot slot, Date lineTim
 }  // namespace
 
 std::string windowTitle(std::optional<double> windowMinutes, Slot slot) {
-  if (!windowMinutes) return slot == Slot::primary ? "5-hour" : "Weekly";
+  const auto title = [](std::string_view known) { return std::string(known); };
+  if (!windowMinutes) {
+    return title(slot == Slot::primary ? UsageWindowTitle::fiveHour : UsageWindowTitle::weekly);
+  }
   const double minutes = *windowMinutes;
-  if (minutes == fiveHourMinutes) return "5-hour";
-  if (minutes == weekMinutes) return "Weekly";
+  if (minutes == fiveHourMinutes) return title(UsageWindowTitle::fiveHour);
+  if (minutes == weekMinutes) return title(UsageWindowTitle::weekly);
   if (minutes < dayMinutes && std::fmod(minutes, 60) == 0) {
     return cFormat("%.0f-hour", minutes / 60);
   }

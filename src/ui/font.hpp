@@ -27,7 +27,6 @@ struct Font {
   static constexpr Font caption2() { return system(10, FontWeight::medium); }
 
   constexpr Font withWeight(FontWeight w) const { return {size, w, design, monospacedDigits}; }
-  constexpr Font withDesign(FontDesign d) const { return {size, weight, d, monospacedDigits}; }
   constexpr Font withMonospacedDigits(bool on = true) const { return {size, weight, design, on}; }
 
   friend bool operator==(const Font&, const Font&) = default;

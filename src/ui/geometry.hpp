@@ -50,11 +50,9 @@ struct UnitPoint {
 
   static constexpr UnitPoint topLeading() { return {0, 0}; }
   static constexpr UnitPoint top() { return {0.5, 0}; }
-  static constexpr UnitPoint topTrailing() { return {1, 0}; }
   static constexpr UnitPoint leading() { return {0, 0.5}; }
   static constexpr UnitPoint center() { return {0.5, 0.5}; }
   static constexpr UnitPoint trailing() { return {1, 0.5}; }
-  static constexpr UnitPoint bottomLeading() { return {0, 1}; }
   static constexpr UnitPoint bottom() { return {0.5, 1}; }
   static constexpr UnitPoint bottomTrailing() { return {1, 1}; }
   friend bool operator==(const UnitPoint&, const UnitPoint&) = default;
@@ -73,18 +71,12 @@ struct Alignment {
     return {HorizontalAlignment::leading, VerticalAlignment::top};
   }
   static constexpr Alignment top() { return {HorizontalAlignment::center, VerticalAlignment::top}; }
-  static constexpr Alignment topTrailing() {
-    return {HorizontalAlignment::trailing, VerticalAlignment::top};
-  }
   static constexpr Alignment leading() {
     return {HorizontalAlignment::leading, VerticalAlignment::center};
   }
   static constexpr Alignment center() { return {}; }
   static constexpr Alignment trailing() {
     return {HorizontalAlignment::trailing, VerticalAlignment::center};
-  }
-  static constexpr Alignment bottomLeading() {
-    return {HorizontalAlignment::leading, VerticalAlignment::bottom};
   }
   static constexpr Alignment bottom() {
     return {HorizontalAlignment::center, VerticalAlignment::bottom};

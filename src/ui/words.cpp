@@ -3,29 +3,24 @@
 namespace korvo::ui {
 
 std::string_view familyWord(WidgetFamily family) {
-  return wordFor<WidgetFamily>(familyWords, family);
+  return wordFor(familyWords, family);
 }
 
 std::string_view familyName(WidgetFamily family) {
-  return wordFor<WidgetFamily>(familyNames, family);
+  return wordFor(familyNames, family);
 }
 
 std::string_view colorSchemeWord(ColorScheme scheme) {
-  return wordFor<ColorScheme>(colorSchemeWords, scheme);
+  return wordFor(colorSchemeWords, scheme);
 }
 
 std::string familyList(std::span<const WidgetFamily> families) {
-  std::string list;
-  for (const WidgetFamily family : families) {
-    if (!list.empty()) list += ", ";
-    list += familyWord(family);
-  }
-  return list;
+  return joined(families, ", ", familyWord);
 }
 
 std::optional<WidgetFamily> familyNamed(std::string_view text) {
-  if (const auto family = valueNamed<WidgetFamily>(familyWords, text)) return family;
-  return valueNamed<WidgetFamily>(familyNames, text);
+  if (const auto family = valueNamed(familyWords, text)) return family;
+  return valueNamed(familyNames, text);
 }
 
 }  // namespace korvo::ui

@@ -92,7 +92,7 @@ TEST(PangoTextMeasurer, EveryInputOfAMeasurementKeepsItsOwnResult) {
       {"plain", base, 0, unlimited},
       {"larger", Font::system(18), 0, unlimited},
       {"bold", base.withWeight(FontWeight::bold), 0, unlimited},
-      {"rounded", base.withDesign(FontDesign::rounded), 0, unlimited},
+      {"rounded", Font::system(12, FontWeight::regular, FontDesign::rounded), 0, unlimited},
       {"tabular digits", base.withMonospacedDigits(), 0, unlimited},
       {"tracked", base, 2, unlimited},
       {"negative zero tracking", base, -0.0, unlimited},

@@ -40,13 +40,6 @@ TEST(UsageProviderTest, ConstructionFromRawStringIsExact) {
   EXPECT_EQ(fromRaw<UsageProvider>("gemini"), std::nullopt);
 }
 
-TEST(UsageProviderTest, HashIsTheHashOfTheRawString) {
-  for (const UsageProvider provider : allCases<UsageProvider>()) {
-    EXPECT_EQ(std::hash<UsageProvider>{}(provider),
-              std::hash<std::string_view>{}(rawValue(provider)));
-  }
-}
-
 TEST(UsageProviderTest, CodedAloneAsItsRawValueString) {
   EXPECT_EQ(encodeUsageProvider(UsageProvider::claude), "\"claude\"");
   EXPECT_EQ(std::get<UsageProvider>(decodeUsageProvider("\"codex\"")), UsageProvider::codex);

@@ -4,8 +4,10 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "base/standard_output.hpp"
+#include "base/text.hpp"
 #include "desktop/core/widget_lookup.hpp"
 
 namespace korvo::desktop {
@@ -23,16 +25,14 @@ std::string validNames(const CLI::App& app) {
   while (!command->get_subcommands().empty()) {
     command = command->get_subcommands().front();
   }
-  std::string names;
+  std::vector<std::string> names;
   for (const CLI::Option* option : command->get_options()) {
-    if (option->nonpositional()) {
-      names += (names.empty() ? "" : ", ") + option->get_name();
-    }
+    if (option->nonpositional()) names.push_back(option->get_name());
   }
   for (const CLI::App* subcommand : command->get_subcommands({})) {
-    names += (names.empty() ? "" : ", ") + subcommand->get_name();
+    names.push_back(subcommand->get_name());
   }
-  return names;
+  return joined(names, ", ");
 }
 
 // The word given where a subcommand belongs that names none (CLI11 reports it as a missing

@@ -17,8 +17,7 @@ namespace korvo::desktop {
 // the valid ones.
 template <class Target, class Value, std::size_t count>
 CLI::Option* addChoice(CLI::App* command, const std::string& name, Target& target,
-                       const std::array<ui::Word<Value>, count>& choices,
-                       const std::string& description) {
+                       const Words<Value, count>& choices, const std::string& description) {
   std::vector<std::string> names;
   for (const auto& choice : choices) {
     names.emplace_back(choice.word);
@@ -27,7 +26,7 @@ CLI::Option* addChoice(CLI::App* command, const std::string& name, Target& targe
       ->add_option_function<std::string>(
           name,
           [&target, choices](const std::string& value) {
-            if (const auto choice = ui::valueNamed<Value>(choices, value)) target = *choice;
+            if (const auto choice = valueNamed(choices, value)) target = *choice;
           },
           description)
       ->check(CLI::IsMember(names));

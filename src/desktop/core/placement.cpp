@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/c_format.hpp"
+#include "extension/widget_kind.hpp"
 #include "ui/words.hpp"
 
 namespace korvo::desktop {
@@ -179,15 +180,15 @@ PlacementsResult parseWidgetArguments(const std::vector<std::string>& arguments,
 }
 
 std::vector<Placement> defaultPlacements(const KindLookup& lookup) {
-  const std::array<std::pair<std::string_view, ui::WidgetFamily>, 4> wanted{{
-      {"memory", ui::WidgetFamily::systemSmall},
-      {"awake", ui::WidgetFamily::systemSmall},
-      {"usage", ui::WidgetFamily::systemMedium},
-      {"temperature", ui::WidgetFamily::systemSmall},
+  const std::array<std::pair<WidgetKind, ui::WidgetFamily>, 4> wanted{{
+      {WidgetKind::memory, ui::WidgetFamily::systemSmall},
+      {WidgetKind::awake, ui::WidgetFamily::systemSmall},
+      {WidgetKind::usage, ui::WidgetFamily::systemMedium},
+      {WidgetKind::temperature, ui::WidgetFamily::systemSmall},
   }};
   std::vector<Placement> placements;
-  for (const auto& [word, family] : wanted) {
-    const auto known = lookup(word);
+  for (const auto& [kind, family] : wanted) {
+    const auto known = lookup(kindWord(kind));
     if (!known || known->families.empty()) continue;
     Placement placement;
     placement.kind = known->kind;

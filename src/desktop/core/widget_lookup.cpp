@@ -1,5 +1,6 @@
 #include "desktop/core/widget_lookup.hpp"
 
+#include "base/text.hpp"
 #include "extension/korvo_widgets.hpp"
 
 namespace korvo::desktop {
@@ -10,11 +11,8 @@ const std::vector<WidgetConfiguration>& widgets() {
 }
 
 std::string validKinds() {
-  std::string valid;
-  for (const WidgetConfiguration& widget : widgets()) {
-    valid += (valid.empty() ? "" : ", ") + widget.shortKind();
-  }
-  return "valid kinds: " + valid + " (or the full kind, e.g. " + widgets().front().kind + ")";
+  return "valid kinds: " + joined(widgets(), ", ", &WidgetConfiguration::shortKind) +
+         " (or the full kind, e.g. " + widgets().front().kind + ")";
 }
 
 KindLookup kindLookup(const std::vector<WidgetConfiguration>& widgets) {

@@ -9,14 +9,15 @@ namespace korvo::UsageWindows {
 std::optional<UsageWindow> weekly(const UsageState& state) {
   if (!state.enabled || !state.snapshot) return std::nullopt;
   for (const UsageWindow& window : state.snapshot->windows) {
-    if (window.title == "Weekly") return window;
+    if (window.title == UsageWindowTitle::weekly) return window;
   }
   return std::nullopt;
 }
 
 std::optional<UsageWindow> fiveHour(const UsageSnapshot& snapshot) {
   for (const UsageWindow& window : snapshot.windows) {
-    if (window.title == "5-hour" || window.title == "Session") return window;
+    if (window.title == UsageWindowTitle::fiveHour || window.title == UsageWindowTitle::session)
+      return window;
   }
   return std::nullopt;
 }
