@@ -78,10 +78,10 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
   return snapshot;
 }
 
-void publish(const Settings& settings, std::stop_token stop) {
+void publish(const Settings& settings, const std::stop_token& stop) {
   const auto file = shared_file::path();
   const Collected collected = collect(settings);
-  const auto lock = SharedFileLock::acquire(file, lockPatience, std::move(stop));
+  const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
   const auto snapshot = compose(currentParts(file), settings, collected, clock::now());
   if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
     throw std::runtime_error("cannot write the shared file " + file.string());

@@ -47,7 +47,7 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
 // Collects, then under the shared file's lock reads it, composes and saves it. Throws
 // std::runtime_error with a one-line message when the file has no place or cannot be written, or
 // when the lock is not had within lockPatience or before `stop` is requested.
-void publish(const Settings& settings, std::stop_token stop = {});
+void publish(const Settings& settings, const std::stop_token& stop = {});
 
 // The bytes publish would write now, without writing anything.
 std::string preview(const Settings& settings);

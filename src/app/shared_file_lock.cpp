@@ -23,7 +23,7 @@ namespace {
 // How often a blocked wait wakes to look at its deadline and at a stop request.
 constexpr long tickNanoseconds = 20'000'000;
 
-void ignoreTick(int) {}
+void ignoreTick(int /*signal*/) {}
 
 // Interrupts a blocking flock on the calling thread every tick: flock itself has no timeout, and
 // a wait woken by the kernel when the holder lets go is first in line, unlike one that polls.
@@ -58,7 +58,7 @@ class Ticker {
     ::pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
   }
 
-  bool armed() const { return armed_; }
+  [[nodiscard]] bool armed() const { return armed_; }
 
  private:
   timer_t timer_{};
@@ -83,7 +83,8 @@ void makePrivate(int fd) {
 }  // namespace
 
 SharedFileLock SharedFileLock::acquire(const std::filesystem::path& sharedFile,
-                                       std::chrono::milliseconds patience, std::stop_token stop) {
+                                       std::chrono::milliseconds patience,
+                                       const std::stop_token& stop) {
   const auto directory = sharedFile.parent_path();
   if (!createPrivateDirectories(directory)) {
     throw std::runtime_error("cannot create the folder of the shared file " + directory.string());

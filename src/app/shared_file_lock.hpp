@@ -15,7 +15,8 @@ class SharedFileLock {
   // `patience` for a process that holds it, and no longer once `stop` is requested. Throws
   // std::runtime_error with a one-line message naming the lock file when it gives up.
   static SharedFileLock acquire(const std::filesystem::path& sharedFile,
-                                std::chrono::milliseconds patience, std::stop_token stop = {});
+                                std::chrono::milliseconds patience,
+                                const std::stop_token& stop = {});
 
   SharedFileLock(SharedFileLock&& other) noexcept;
   SharedFileLock& operator=(SharedFileLock&&) = delete;

@@ -25,10 +25,7 @@ bool namesSettings(GFile* file) {
 }  // namespace
 
 PublishLoop::PublishLoop(std::ostream& log)
-    : PublishLoop([](std::ostream& out) { return settings_file::load(out); },
-                  [](const Settings& settings, std::stop_token stop) {
-                    publisher::publish(settings, std::move(stop));
-                  },
+    : PublishLoop([](std::ostream& out) { return settings_file::load(out); }, &publisher::publish,
                   log) {}
 
 PublishLoop::PublishLoop(LoadSettings load, Publish publish, std::ostream& log)

@@ -24,7 +24,7 @@ class PublishLoop {
   // Reads the settings, telling what is wrong with them to the stream; and publishes with them
   // until the token asks to stop.
   using LoadSettings = std::function<Settings(std::ostream& log)>;
-  using Publish = std::function<void(const Settings&, std::stop_token)>;
+  using Publish = std::function<void(const Settings&, const std::stop_token&)>;
 
   // Publishes with the app's publisher and settings file; failures go to `log` as one line each.
   explicit PublishLoop(std::ostream& log);
