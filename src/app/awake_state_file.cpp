@@ -55,8 +55,8 @@ void save(const std::optional<AwakeSession>& session) {
     if (error) throw std::runtime_error("cannot remove " + path->string() + ": " + error.message());
     return;
   }
-  std::filesystem::create_directories(path->parent_path(), error);
-  if (error || !replaceFileAtomically(*path, awakeStateDocument(*session), 0600)) {
+  if (!createPrivateDirectories(path->parent_path()) ||
+      !replaceFileAtomically(*path, awakeStateDocument(*session), 0600)) {
     throw std::runtime_error("cannot write the Keep Awake state " + path->string());
   }
 }

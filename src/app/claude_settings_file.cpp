@@ -92,8 +92,9 @@ std::string install(const std::filesystem::path& korvo) {
   if (auto* failure = std::get_if<DecodeFailure>(&installed)) {
     throw std::runtime_error(path.string() + ": " + failure->reason + "; left untouched");
   }
-  std::error_code error;
-  std::filesystem::create_directories(path.parent_path(), error);
+  if (!createPrivateDirectories(path.parent_path())) {
+    throw std::runtime_error("cannot create the folder " + path.parent_path().string());
+  }
   const mode_t mode = present ? modeOf(path) : 0600;
   write(backupOf(path), original, mode);
   write(path, documentBytes(std::get<Document>(installed)), mode);

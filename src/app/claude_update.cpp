@@ -37,25 +37,31 @@ std::vector<UsageWindow> mergedWindows(const std::vector<UsageWindow>& stored,
 
 }  // namespace
 
-std::optional<WidgetSnapshot> merge(const std::optional<WidgetSnapshot>& current,
+std::optional<WidgetSnapshot> merge(const WidgetSnapshotParts& current,
                                     const std::vector<UsageWindow>& windows,
                                     const Settings& settings, Date now) {
   if (windows.empty() || !settings.claude) return std::nullopt;
   WidgetSnapshot snapshot;
-  if (current) {
-    snapshot = *current;
+  if (current.temperature) {
+    snapshot.temperature = current.temperature->celsius;
+    snapshot.temperatureDate = current.temperature->date;
+    snapshot.temperatureEnabled = current.temperature->enabled;
   } else {
     snapshot.temperatureEnabled = settings.temperature;
+  }
+  if (current.codex) {
+    snapshot.codex = *current.codex;
+  } else {
     snapshot.codex.enabled = settings.codex;
   }
-  const UsageState before = snapshot.claude;
+  const UsageState before = current.claude.value_or(UsageState{});
   const std::vector<UsageWindow> stored =
       before.snapshot ? before.snapshot->windows : std::vector<UsageWindow>{};
   UsageState after{true,
                    UsageSnapshot{mergedWindows(stored, windows), now,
                                  std::string(claude_status_line::sourceName)},
                    std::nullopt, false};
-  if (current && before.snapshot) {
+  if (before.snapshot) {
     UsageState unchanged = after;
     unchanged.snapshot->fetchedAt = before.snapshot->fetchedAt;
     const bool fresh = now.secondsSince(before.snapshot->fetchedAt) <= refreshSeconds;
@@ -75,14 +81,14 @@ void apply(const std::vector<UsageWindow>& windows, const Settings& settings) {
   if (windows.empty() || !settings.claude) return;
   try {
     const auto file = shared_file::path();
-    auto lock = SharedFileLock::acquire(file);
-    if (!lock) return;
+    const auto lock = SharedFileLock::acquire(file, lockPatience);
     const auto url = Url::file(file);
-    if (auto snapshot = merge(WidgetSnapshotStore::load(url), windows, settings, clock::now())) {
+    if (auto snapshot =
+            merge(WidgetSnapshotStore::loadParts(url), windows, settings, clock::now())) {
       if (WidgetSnapshotStore::save(*snapshot, url)) status_bar::refresh(settings.waybarSignal);
     }
   } catch (const std::exception&) {
-    // No place for the shared file: the status line still prints.
+    // No place for the shared file, or its lock held too long: the status line still prints.
   }
 }
 

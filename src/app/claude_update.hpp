@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -7,6 +8,7 @@
 #include "app/settings.hpp"
 #include "base/date.hpp"
 #include "shared/widget_snapshot.hpp"
+#include "shared/widget_snapshot_json.hpp"
 
 namespace korvo::claude_update {
 
@@ -14,11 +16,15 @@ namespace korvo::claude_update {
 // can tell live figures from old ones.
 inline constexpr double refreshSeconds = 60;
 
+// How long the status line waits for another writer's lock before it prints without saving.
+inline constexpr std::chrono::seconds lockPatience{2};
+
 // The snapshot with Claude's `windows` merged in at `now` (windows of those titles replaced,
 // others kept, "5-hour" before "Weekly"; fetchedAt now, source "Claude Code", no message); none
 // when nothing needs writing: no windows, Claude switched off, or the same figures stored less
-// than refreshSeconds ago. Without a current file the rest starts as the settings say.
-std::optional<WidgetSnapshot> merge(const std::optional<WidgetSnapshot>& current,
+// than refreshSeconds ago. The file's other parts are kept where they decode; a part that is
+// missing or malformed starts as the settings say.
+std::optional<WidgetSnapshot> merge(const WidgetSnapshotParts& current,
                                     const std::vector<UsageWindow>& windows,
                                     const Settings& settings, Date now);
 
@@ -26,7 +32,8 @@ std::optional<WidgetSnapshot> merge(const std::optional<WidgetSnapshot>& current
 std::string statusText(const std::vector<UsageWindow>& windows);
 
 // Merges under the shared file's lock and saves when needed; every failure is silent, because a
-// broken status line must never break Claude Code.
+// broken status line must never break Claude Code. When another process holds the lock longer
+// than lockPatience, nothing is saved.
 void apply(const std::vector<UsageWindow>& windows, const Settings& settings);
 
 }  // namespace korvo::claude_update

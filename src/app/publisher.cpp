@@ -16,10 +16,10 @@
 namespace korvo::publisher {
 namespace {
 
-UsageState claudeState(const std::optional<WidgetSnapshot>& current, bool enabled,
+UsageState claudeState(const std::optional<UsageState>& current, bool enabled,
                        bool statusLineInstalled) {
   if (!enabled) return {};
-  UsageState state = current ? current->claude : UsageState{};
+  UsageState state = current.value_or(UsageState{});
   state.enabled = true;
   state.isRefreshing = false;
   if (!state.snapshot) {
@@ -29,8 +29,8 @@ UsageState claudeState(const std::optional<WidgetSnapshot>& current, bool enable
   return state;
 }
 
-std::optional<WidgetSnapshot> currentSnapshot(const std::filesystem::path& file) {
-  return WidgetSnapshotStore::load(Url::file(file));
+WidgetSnapshotParts currentParts(const std::filesystem::path& file) {
+  return WidgetSnapshotStore::loadParts(Url::file(file));
 }
 
 }  // namespace
@@ -63,7 +63,7 @@ UsageState codexState(bool enabled,
   return state;
 }
 
-WidgetSnapshot compose(const std::optional<WidgetSnapshot>& current, const Settings& settings,
+WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& settings,
                        const Collected& collected, Date now) {
   WidgetSnapshot snapshot;
   snapshot.date = now;
@@ -73,16 +73,16 @@ WidgetSnapshot compose(const std::optional<WidgetSnapshot>& current, const Setti
     snapshot.temperatureDate = now;
   }
   snapshot.codex = codexState(settings.codex, collected.codex);
-  snapshot.claude = claudeState(current, settings.claude, collected.claudeStatusLineInstalled);
+  snapshot.claude =
+      claudeState(current.claude, settings.claude, collected.claudeStatusLineInstalled);
   return snapshot;
 }
 
-void publish(const Settings& settings) {
+void publish(const Settings& settings, const std::stop_token& stop) {
   const auto file = shared_file::path();
   const Collected collected = collect(settings);
-  auto lock = SharedFileLock::acquire(file);
-  if (!lock) throw std::runtime_error("cannot lock the shared file beside " + file.string());
-  const auto snapshot = compose(currentSnapshot(file), settings, collected, clock::now());
+  const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
+  const auto snapshot = compose(currentParts(file), settings, collected, clock::now());
   if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
     throw std::runtime_error("cannot write the shared file " + file.string());
   }
@@ -91,7 +91,7 @@ void publish(const Settings& settings) {
 
 std::string preview(const Settings& settings) {
   const auto file = shared_file::path();
-  const auto snapshot = compose(currentSnapshot(file), settings, collect(settings), clock::now());
+  const auto snapshot = compose(currentParts(file), settings, collect(settings), clock::now());
   auto bytes = encodeWidgetSnapshot(snapshot);
   if (!bytes) throw std::runtime_error("the snapshot holds a number JSON cannot carry");
   return *bytes;

@@ -1,17 +1,23 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <variant>
 
 #include "app/settings.hpp"
 #include "base/date.hpp"
 #include "shared/widget_snapshot.hpp"
+#include "shared/widget_snapshot_json.hpp"
 #include "sources/codex_rollouts.hpp"
 #include "sources/cpu_temperature.hpp"
 
 namespace korvo::publisher {
+
+// How long a publication waits for another writer's lock before it gives up.
+inline constexpr std::chrono::seconds lockPatience{10};
 
 // What one publication found, each part only when its setting is on.
 struct Collected {
@@ -33,14 +39,15 @@ std::variant<CodexLimits, CodexShortfall> readCodex(const Settings& settings);
 UsageState codexState(bool enabled,
                       const std::optional<std::variant<CodexLimits, CodexShortfall>>& found);
 
-// The snapshot a publication writes at `now` over the file's `current` one: the temperature and
-// Codex's state anew, Claude's figures as the file holds them.
-WidgetSnapshot compose(const std::optional<WidgetSnapshot>& current, const Settings& settings,
+// The snapshot a publication writes at `now` over the file's `current` parts: the temperature and
+// Codex's state anew, Claude's figures as the file holds them whenever they decode.
+WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& settings,
                        const Collected& collected, Date now);
 
 // Collects, then under the shared file's lock reads it, composes and saves it. Throws
-// std::runtime_error with a one-line message when the file has no place or cannot be written.
-void publish(const Settings& settings);
+// std::runtime_error with a one-line message when the file has no place or cannot be written, or
+// when the lock is not had within lockPatience or before `stop` is requested.
+void publish(const Settings& settings, const std::stop_token& stop = {});
 
 // The bytes publish would write now, without writing anything.
 std::string preview(const Settings& settings);

@@ -67,9 +67,8 @@ void set(std::string_view key, const nlohmann::ordered_json& value) {
   } else {
     document[std::string(key)] = value;
   }
-  std::error_code error;
-  std::filesystem::create_directories(path->parent_path(), error);
-  if (error || !replaceFileAtomically(*path, document.dump(2) + "\n")) {
+  if (!createPrivateDirectories(path->parent_path()) ||
+      !replaceFileAtomically(*path, document.dump(2) + "\n", 0600)) {
     throw std::runtime_error("cannot write settings " + name);
   }
 }

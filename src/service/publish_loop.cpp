@@ -2,10 +2,11 @@
 
 #include <ostream>
 #include <sstream>
-#include <system_error>
+#include <utility>
 
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
+#include "shared/atomic_file.hpp"
 
 namespace korvo {
 namespace {
@@ -24,19 +25,21 @@ bool namesSettings(GFile* file) {
 }  // namespace
 
 PublishLoop::PublishLoop(std::ostream& log)
-    : PublishLoop([&log] { return settings_file::load(log); }, &publisher::publish, log) {}
+    : PublishLoop([](std::ostream& out) { return settings_file::load(out); }, &publisher::publish,
+                  log) {}
 
 PublishLoop::PublishLoop(LoadSettings load, Publish publish, std::ostream& log)
     : load_(std::move(load)), publish_(std::move(publish)), log_(log) {}
 
 PublishLoop::~PublishLoop() {
   stop();
+  if (context_ != nullptr) g_main_context_unref(context_);
 }
 
 void PublishLoop::start() {
+  if (context_ == nullptr) context_ = g_main_context_ref_thread_default();
   if (const auto location = settings_file::location()) {
-    std::error_code error;
-    std::filesystem::create_directories(location->parent_path(), error);
+    createPrivateDirectories(location->parent_path());
     GFile* directory = g_file_new_for_path(location->parent_path().c_str());
     monitor_ = g_file_monitor_directory(directory, G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr);
     g_object_unref(directory);
@@ -58,16 +61,69 @@ void PublishLoop::stop() {
     g_object_unref(monitor_);
     monitor_ = nullptr;
   }
+  worker_.request_stop();
+  if (worker_.joinable()) worker_.join();
+  // The worker is gone: what it handed over is dropped unread.
+  if (finished_ != nullptr) {
+    g_source_destroy(finished_);
+    g_source_unref(finished_);
+    finished_ = nullptr;
+  }
+  outcome_.reset();
+  publishing_ = false;
+  again_ = false;
 }
 
 void PublishLoop::publishNow() {
-  settings_ = load_();
-  try {
-    publish_(settings_);
-  } catch (const std::exception& error) {
-    log_ << "korvo service: " << error.what() << std::endl;
+  if (publishing_) {
+    again_ = true;
+    return;
   }
-  armTimer();
+  publishing_ = true;
+  // The previous worker has handed its outcome over and is at most returning.
+  if (worker_.joinable()) worker_.join();
+  worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
+}
+
+void PublishLoop::work(const std::stop_token& stop) {
+  std::ostringstream log;
+  Outcome outcome{load_(log), {}};
+  try {
+    publish_(outcome.settings, stop);
+  } catch (const std::exception& error) {
+    if (!stop.stop_requested()) log << "korvo service: " << error.what() << '\n';
+  }
+  outcome.log = log.str();
+  GSource* source = g_idle_source_new();
+  g_source_set_callback(source, &PublishLoop::onFinished, this, nullptr);
+  {
+    const std::lock_guard guard(mutex_);
+    outcome_ = std::move(outcome);
+    finished_ = source;
+  }
+  g_source_attach(source, context_);
+}
+
+gboolean PublishLoop::onFinished(gpointer self) {
+  auto* loop = static_cast<PublishLoop*>(self);
+  Outcome outcome;
+  {
+    const std::lock_guard guard(loop->mutex_);
+    outcome = std::move(*loop->outcome_);
+    loop->outcome_.reset();
+    // The context keeps its own reference while it dispatches.
+    g_source_unref(std::exchange(loop->finished_, nullptr));
+  }
+  loop->settings_ = std::move(outcome.settings);
+  loop->log_ << outcome.log << std::flush;
+  loop->publishing_ = false;
+  if (loop->again_) {
+    loop->again_ = false;
+    loop->publishNow();
+  } else {
+    loop->armTimer();
+  }
+  return G_SOURCE_REMOVE;
 }
 
 void PublishLoop::armTimer() {

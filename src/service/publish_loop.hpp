@@ -4,19 +4,27 @@
 
 #include <functional>
 #include <iosfwd>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
 
 #include "app/settings.hpp"
 
 namespace korvo {
 
 // The service's publishing: once at start, then every publishSeconds, and at once when the
-// settings file changes (the new settings count from then on). Between those it sleeps in the
-// GLib main context it was started on; a GtkApplication can run it as it is.
+// settings file changes (the new settings count from then on). Each publication runs on a thread
+// of its own, because it reads files and waits for the shared file's lock, and the GLib main
+// context it was started on must keep answering meanwhile; the results come back to that
+// context. A GtkApplication can run it as it is.
 class PublishLoop {
  public:
-  // Reads the settings, and publishes with them.
-  using LoadSettings = std::function<Settings()>;
-  using Publish = std::function<void(const Settings&)>;
+  // Reads the settings, telling what is wrong with them to the stream; and publishes with them
+  // until the token asks to stop.
+  using LoadSettings = std::function<Settings(std::ostream& log)>;
+  using Publish = std::function<void(const Settings&, const std::stop_token&)>;
 
   // Publishes with the app's publisher and settings file; failures go to `log` as one line each.
   explicit PublishLoop(std::ostream& log);
@@ -27,15 +35,24 @@ class PublishLoop {
 
   // Publishes now and arms the timer and the settings watch on the thread-default main context.
   void start();
-  // Disarms both; nothing is published after it.
+  // Disarms both and stops a publication under way (one waiting for the lock gives up at once);
+  // nothing is published after it.
   void stop();
 
  private:
+  // What a publication hands back to the main context.
+  struct Outcome {
+    Settings settings;
+    std::string log;  // the lines for the log, each ending in a newline
+  };
+
   static gboolean onTimer(gpointer self);
   static gboolean onSettled(gpointer self);
+  static gboolean onFinished(gpointer self);
   static void onSettingsChanged(GFileMonitor*, GFile* file, GFile* other, GFileMonitorEvent,
                                 gpointer self);
   void publishNow();
+  void work(const std::stop_token& stop);
   void armTimer();
 
   LoadSettings load_;
@@ -45,6 +62,13 @@ class PublishLoop {
   guint timer_ = 0;
   guint settle_ = 0;
   GFileMonitor* monitor_ = nullptr;
+  GMainContext* context_ = nullptr;
+  bool publishing_ = false;  // a publication runs on the worker
+  bool again_ = false;       // another was asked for meanwhile
+  std::jthread worker_;
+  std::mutex mutex_;                // guards the two below, which the worker sets
+  std::optional<Outcome> outcome_;  // the finished publication's, not yet taken
+  GSource* finished_ = nullptr;     // the idle source that brings it to the main context
 };
 
 }  // namespace korvo

@@ -14,4 +14,14 @@ namespace korvo {
 bool replaceFileAtomically(const std::filesystem::path& target, std::string_view bytes,
                            mode_t mode = 0644);
 
+// Removes the temporary files that replaceFileAtomically leaves beside `target` when its writer
+// is killed before the rename. Only for a writer that knows no other save of `target` is under
+// way (it holds the lock all writers take).
+void removeLeftoverTemporaries(const std::filesystem::path& target);
+
+// Creates `directory` and its missing parents, each with permissions 0700 whatever the umask, so
+// that no other user can put files into them or swap what is there; folders already present are
+// left as they are. False when one cannot be made or a part of the path is not a folder.
+bool createPrivateDirectories(const std::filesystem::path& directory);
+
 }  // namespace korvo

@@ -53,4 +53,44 @@ Decoded<WidgetSnapshot> decodeWidgetSnapshot(std::string_view json) {
   }
 }
 
+WidgetSnapshotParts::WidgetSnapshotParts(const WidgetSnapshot& snapshot)
+    : temperature(
+          Temperature{snapshot.temperature, snapshot.temperatureDate, snapshot.temperatureEnabled}),
+      codex(snapshot.codex),
+      claude(snapshot.claude) {}
+
+WidgetSnapshotParts decodeWidgetSnapshotParts(std::string_view json) {
+  using namespace json_reader;
+  auto whole = decodeWidgetSnapshot(json);
+  if (auto* snapshot = std::get_if<WidgetSnapshot>(&whole)) return *snapshot;
+  auto document = parse(json);
+  const auto* root = std::get_if<nlohmann::json>(&document);
+  if (root == nullptr || !root->is_object()) return {};
+  WidgetSnapshotParts parts;
+  const auto state = [&](const char* key) -> std::optional<UsageState> {
+    try {
+      return usage_json::readState(required(*root, "", key), key);
+    } catch (const Failure&) {
+      return std::nullopt;
+    }
+  };
+  parts.codex = state("codex");
+  parts.claude = state("claude");
+  try {
+    WidgetSnapshotParts::Temperature temperature;
+    temperature.enabled =
+        readBoolean(required(*root, "", "temperatureEnabled"), "temperatureEnabled");
+    if (const auto* celsius = optional(*root, "temperature")) {
+      temperature.celsius = readNumber(*celsius, "temperature");
+    }
+    if (const auto* date = optional(*root, "temperatureDate")) {
+      temperature.date = readDate(*date, "temperatureDate");
+    }
+    parts.temperature = temperature;
+  } catch (const Failure&) {
+    // Malformed: the writer starts this part afresh.
+  }
+  return parts;
+}
+
 }  // namespace korvo

@@ -1,7 +1,5 @@
 #include "shared/widget_snapshot_store.hpp"
 
-#include <system_error>
-
 #include "shared/app_group.hpp"
 #include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
@@ -52,13 +50,20 @@ std::optional<WidgetSnapshot> load(const std::optional<Url>& url) {
   return std::nullopt;
 }
 
+WidgetSnapshotParts loadParts(const std::optional<Url>& url) {
+  if (!url) return {};
+  const auto path = localPath(*url);
+  if (!path) return {};
+  auto bytes = readRegularFile(*path, static_cast<std::size_t>(maxFileBytes));
+  if (auto* text = std::get_if<std::string>(&bytes)) return decodeWidgetSnapshotParts(*text);
+  return {};
+}
+
 bool save(const WidgetSnapshot& snapshot, const std::optional<Url>& url) {
   if (!url) return false;
   const auto path = localPath(*url);
   if (!path || !path->has_filename()) return false;
-  std::error_code error;
-  std::filesystem::create_directories(path->parent_path(), error);
-  if (error) return false;
+  if (!createPrivateDirectories(path->parent_path())) return false;
   const auto bytes = encodeWidgetSnapshot(snapshot);
   if (!bytes) return false;
   return replaceFileAtomically(*path, *bytes);

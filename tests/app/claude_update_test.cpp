@@ -62,16 +62,16 @@ TEST(ClaudeUpdateTest, AMessageOrADisabledStateIsReplacedAtOnce) {
 }
 
 TEST(ClaudeUpdateTest, NoWindowsOrClaudeSwitchedOffWritesNothing) {
-  EXPECT_FALSE(merge(std::nullopt, {}, Settings{}, now));
+  EXPECT_FALSE(merge({}, {}, Settings{}, now));
   Settings off;
   off.claude = false;
-  EXPECT_FALSE(merge(std::nullopt, fresh, off, now));
+  EXPECT_FALSE(merge({}, fresh, off, now));
 }
 
 TEST(ClaudeUpdateTest, WithoutAFileTheSnapshotStartsFromTheSettings) {
   Settings settings;
   settings.temperature = false;
-  const auto merged = merge(std::nullopt, {fresh[1], fresh[0]}, settings, now);
+  const auto merged = merge({}, {fresh[1], fresh[0]}, settings, now);
   ASSERT_TRUE(merged);
   EXPECT_FALSE(merged->temperatureEnabled);
   EXPECT_TRUE(merged->codex.enabled);

@@ -45,8 +45,7 @@ TEST(PublisherTest, TemperatureOffLeavesOutTheReading) {
 }
 
 TEST(PublisherTest, NoSensorLeavesOutTheReadingButKeepsItEnabled) {
-  const auto snapshot =
-      compose(std::nullopt, Settings{}, Collected{std::nullopt, codexLimits, true}, now);
+  const auto snapshot = compose({}, Settings{}, Collected{std::nullopt, codexLimits, true}, now);
   EXPECT_TRUE(snapshot.temperatureEnabled);
   EXPECT_EQ(snapshot.temperature, std::nullopt);
 }
@@ -69,10 +68,10 @@ TEST(PublisherTest, CodexShortfallsBecomeItsMessage) {
 }
 
 TEST(PublisherTest, ClaudeWithoutFiguresSaysTheStatusLineIsNotSetUpUnlessItIs) {
-  const auto notSetUp = compose(std::nullopt, Settings{}, Collected{hot, codexLimits, false}, now);
+  const auto notSetUp = compose({}, Settings{}, Collected{hot, codexLimits, false}, now);
   EXPECT_EQ(notSetUp.claude,
             (UsageState{true, std::nullopt, "Claude status line not set up", false}));
-  const auto setUp = compose(std::nullopt, Settings{}, Collected{hot, codexLimits, true}, now);
+  const auto setUp = compose({}, Settings{}, Collected{hot, codexLimits, true}, now);
   EXPECT_EQ(setUp.claude, (UsageState{true, std::nullopt, std::nullopt, false}));
 }
 

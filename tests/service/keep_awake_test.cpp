@@ -6,6 +6,7 @@
 
 #include "base/clock.hpp"
 #include "support/korvo_process.hpp"
+#include "support/lock_holder.hpp"
 #include "support/private_buses.hpp"
 
 // Keep Awake against mock services on private buses: logind's template on a private system bus,
@@ -161,6 +162,29 @@ TEST_F(KeepAwakeTest, AKilledServiceLeavesNoLogindInhibitorBehind) {
   EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
   service->signal(SIGKILL);
   EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+}
+
+// The service's first publish waits for a lock another process holds; it gives up after 10 s with
+// a line in the log. Keep Awake answers before that line, and SIGTERM ends the service without it.
+TEST_F(KeepAwakeTest, ItAnswersWhileAPublishWaitsForTheLockAndSigtermStillEndsIt) {
+  mockLogind();
+  mockSessionManager();
+  std::filesystem::create_directories(world.sharedFile().parent_path());
+  testing_support::LockHolder holder(world.sharedFile().parent_path() / ".usage-snapshot.lock");
+  startService();
+  const auto log = [&] { return desktop_test::readFile(world.home() / "service.err"); };
+  EXPECT_EQ(status()["active"], false);
+  const auto started = korvo({"awake", "start", "2m"});
+  EXPECT_EQ(started.exitCode, 0) << started.err;
+  EXPECT_THAT(log(), Not(HasSubstr("gave up"))) << "answered while the publish waited";
+  EXPECT_EQ(status()["active"], true);
+  EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
+  EXPECT_FALSE(std::filesystem::exists(world.sharedFile()));
+
+  service->signal(SIGTERM);
+  EXPECT_TRUE(waitFor([&] { return !service->running(); }));
+  EXPECT_THAT(log(), Not(HasSubstr("gave up"))) << "ended while the publish waited";
+  EXPECT_TRUE(holder.holding());
 }
 
 TEST_F(KeepAwakeTest, ExtendMovesTheEndAndStartsASessionWhenNoneRuns) {

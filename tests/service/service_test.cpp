@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
@@ -10,6 +11,7 @@
 #include "shared/url.hpp"
 #include "shared/widget_snapshot_store.hpp"
 #include "support/korvo_process.hpp"
+#include "support/lock_holder.hpp"
 
 namespace korvo {
 namespace {
@@ -37,7 +39,13 @@ class ServiceTest : public testing::Test {
     std::string program = KORVO_APP_BINARY;
     std::string command = "service";
     char* argv[] = {program.data(), command.data(), nullptr};
-    ASSERT_EQ(posix_spawn(&pid, program.c_str(), nullptr, nullptr, argv, envp.data()), 0);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (errorLog) {
+      posix_spawn_file_actions_addopen(&actions, 2, errorLog->c_str(), O_WRONLY | O_CREAT, 0600);
+    }
+    ASSERT_EQ(posix_spawn(&pid, program.c_str(), &actions, nullptr, argv, envp.data()), 0);
+    posix_spawn_file_actions_destroy(&actions);
   }
   void TearDown() override {
     if (pid <= 0) return;
@@ -51,6 +59,7 @@ class ServiceTest : public testing::Test {
   }
 
   KorvoWorld world;
+  std::optional<std::filesystem::path> errorLog;  // where the service's log goes, else inherited
   pid_t pid = 0;
 };
 
@@ -73,6 +82,25 @@ TEST_F(ServiceTest, ASettingsChangeRepublishesAtOnce) {
   EXPECT_EQ(snapshot()->temperature, std::nullopt);
   ASSERT_EQ(world.korvo({"settings", "codex", "false"}).exitCode, 0);
   EXPECT_TRUE(eventually([&] { return !snapshot()->codex.enabled; }));
+}
+
+TEST_F(ServiceTest, APublishGivesUpOnAHeldLockWithALogLineAndTheNextOneWrites) {
+  ASSERT_EQ(world.korvo({"settings", "publishSeconds", "5"}).exitCode, 0);
+  const auto lock = world.sharedFile().parent_path() / ".usage-snapshot.lock";
+  std::filesystem::create_directories(lock.parent_path());
+  testing_support::LockHolder holder(lock);
+  errorLog = world.home() / "service.err";
+  start();
+  const std::string line =
+      "korvo service: another process holds the lock " + lock.string() + "; gave up after 10 s\n";
+  EXPECT_TRUE(eventually([&] { return testing_support::readWhole(*errorLog) == line; }))
+      << testing_support::readWhole(*errorLog);
+  EXPECT_FALSE(snapshot());
+  EXPECT_TRUE(holder.holding());
+
+  holder.release();
+  EXPECT_TRUE(eventually([&] { return snapshot().has_value(); }));
+  EXPECT_EQ(snapshot()->temperature, 62);
 }
 
 }  // namespace

@@ -176,5 +176,60 @@ TEST(WidgetSnapshotJsonTest, BracketsInsideStringsDoNotCountAsNesting) {
   EXPECT_TRUE(std::holds_alternative<WidgetSnapshot>(decoded)) << failureOf(decoded);
 }
 
+struct PartsCase {
+  const char* name;
+  std::string json;
+  bool temperature;  // whether each part comes through
+  bool codex;
+  bool claude;
+};
+
+const std::string claudeFigures =
+    R"({"enabled":true,"snapshot":{"windows":[{"title":"5-hour","usedPercent":28}],)"
+    R"("fetchedAt":816399800,"source":"Claude Code"},"isRefreshing":false})";
+
+TEST(WidgetSnapshotJsonTest, PartsThatDecodeOnTheirOwnComeThroughWhenTheWholeDoesNot) {
+  const PartsCase cases[] = {
+      {"whole",
+       R"({"date":1,"temperature":40,"temperatureEnabled":true,"codex":{"enabled":false,"isRefreshing":false},"claude":)" +
+           claudeFigures + "}",
+       true, true, true},
+      {"date missing",
+       R"({"temperatureEnabled":true,"codex":{"enabled":false,"isRefreshing":false},"claude":)" +
+           claudeFigures + "}",
+       true, true, true},
+      {"codex malformed",
+       R"({"date":1,"temperatureEnabled":true,"codex":{"enabled":"yes"},"claude":)" +
+           claudeFigures + "}",
+       true, false, true},
+      {"temperature a string",
+       R"({"date":1,"temperature":"hot","temperatureEnabled":true,"claude":)" + claudeFigures + "}",
+       false, false, true},
+      {"claude malformed",
+       R"({"date":1,"temperatureEnabled":false,"codex":{"enabled":false,"isRefreshing":false},"claude":{"enabled":1}})",
+       true, true, false},
+      {"not an object", "[" + claudeFigures + "]", false, false, false},
+      {"not JSON", "{\"claude\":" + claudeFigures, false, false, false},
+  };
+  for (const auto& [name, json, temperature, codex, claude] : cases) {
+    SCOPED_TRACE(name);
+    const auto parts = decodeWidgetSnapshotParts(json);
+    EXPECT_EQ(parts.temperature.has_value(), temperature);
+    EXPECT_EQ(parts.codex.has_value(), codex);
+    ASSERT_EQ(parts.claude.has_value(), claude);
+    if (claude) {
+      ASSERT_TRUE(parts.claude->snapshot);
+      EXPECT_EQ(parts.claude->snapshot->windows,
+                (std::vector<UsageWindow>{{"5-hour", 28, std::nullopt}}));
+    }
+  }
+}
+
+TEST(WidgetSnapshotJsonTest, TheTemperaturePartKeepsItsReadingAndMoment) {
+  const auto parts = decodeWidgetSnapshotParts(
+      R"({"temperature":61.5,"temperatureDate":816399800,"temperatureEnabled":true})");
+  EXPECT_EQ(parts.temperature, (WidgetSnapshotParts::Temperature{61.5, Date{816399800}, true}));
+}
+
 }  // namespace
 }  // namespace korvo
