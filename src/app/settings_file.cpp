@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "shared/atomic_file.hpp"
+#include "app/user_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
 
@@ -69,8 +69,10 @@ void set(std::string_view key, const nlohmann::ordered_json& value) {
   }
   std::error_code error;
   std::filesystem::create_directories(path->parent_path(), error);
-  if (error || !replaceFileAtomically(*path, document.dump(2) + "\n")) {
-    throw std::runtime_error("cannot write settings " + name);
+  if (error) throw std::runtime_error("cannot write settings " + name + ": " + error.message());
+  // Through a symbolic link to the file it leads to, which keeps its permissions.
+  if (const auto fault = user_file::replace(*path, document.dump(2) + "\n", 0644)) {
+    throw std::runtime_error("settings " + name + ": " + *fault + "; left as it is");
   }
 }
 
