@@ -77,7 +77,7 @@ TEST(ClaudeSettingsTest, InstallChainsAnEarlierCommandEditingOnlyTheCommand) {
   const std::string withKorvo = installed(original, "/opt/korvo dir/korvo");
   EXPECT_EQ(withKorvo,
             "{\"statusLine\": {\n  \"type\": \"command\",\n  \"command\": "
-            R"("'/opt/korvo dir/korvo' claude-statusline --chain '~/.claude/line.sh '\''x y'\'''",)"
+            R"("'/opt/korvo dir/korvo' claude-statusline --chain '~/.claude/line.sh '\\''x y'\\'''",)"
             "\n  \"padding\": 0\n}, \"big\": 18446744073709551616}");
   EXPECT_EQ(uninstall(withKorvo, original, "/opt/korvo dir/korvo"), original);
   EXPECT_EQ(uninstall(withKorvo, std::nullopt, "/opt/korvo dir/korvo"), original);
