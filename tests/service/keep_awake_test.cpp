@@ -242,6 +242,33 @@ TEST_F(KeepAwakeTest, WithNeitherInhibitorStartFailsAndSaysWhy) {
   EXPECT_EQ(status()["active"], false);
 }
 
+TEST_F(KeepAwakeTest, StartFailsInOneLineWhenItsStateFileCannotBeWritten) {
+  mockLogind();
+  mockSessionManager();
+  std::filesystem::create_directories(stateFile() / "kept");
+  startService();
+  const auto started = korvo({"awake", "start", "2m"});
+  EXPECT_EQ(started.exitCode, 1);
+  EXPECT_EQ(started.err, "korvo: cannot write the Keep Awake state " + stateFile().string() +
+                             "; Keep Awake not started\n");
+  EXPECT_EQ(started.out, "");
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+  EXPECT_TRUE(std::filesystem::is_directory(stateFile() / "kept"));
+}
+
+TEST_F(KeepAwakeTest, StopLeavesADirectoryStandingWhereTheStateFileGoes) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  ASSERT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
+  std::filesystem::remove(stateFile());
+  std::filesystem::create_directory(stateFile());
+  EXPECT_EQ(korvo({"awake", "stop"}).exitCode, 0);
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_TRUE(std::filesystem::is_directory(stateFile()));
+}
+
 TEST_F(KeepAwakeTest, ASecondServiceRefusesToStartBesideTheFirst) {
   startService();
   const auto second = korvo({"service"});
