@@ -269,6 +269,19 @@ TEST_F(KeepAwakeTest, StopLeavesADirectoryStandingWhereTheStateFileGoes) {
   EXPECT_TRUE(std::filesystem::is_directory(stateFile()));
 }
 
+TEST_F(KeepAwakeTest, AStatusThatCannotBeWrittenFailsInOneLine) {
+  startService();
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"awake", "status"},
+        std::vector<std::string>{"awake", "status", "--json"}}) {
+    const auto result = testing_support::runProgram(KORVO_APP_BINARY, args, buses, "", "/dev/full");
+    EXPECT_EQ(result.exitCode, 1) << args.size();
+    // GLib wrote it, so the reason may be lost: the line says what failed.
+    EXPECT_THAT(result.err, testing::StartsWith("korvo: cannot write standard output: "));
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+  }
+}
+
 TEST_F(KeepAwakeTest, ASecondServiceRefusesToStartBesideTheFirst) {
   startService();
   const auto second = korvo({"service"});
