@@ -88,11 +88,11 @@ std::string uninstall(std::string_view bytes, const std::optional<std::string>& 
   const Document settings = Document::parse(bytes);
   if (!runsKorvo(settings, korvo)) return std::string(bytes);
   if (backup) {
-    const auto earlier = json_text::memberValue(*backup, json_text::topObject(*backup),
-                                                statusLineKey);
+    const auto earlier =
+        json_text::memberValue(*backup, json_text::topObject(*backup), statusLineKey);
     if (!earlier) return json_text::withoutMember(bytes, statusLineKey);
-    return json_text::withMember(
-        bytes, statusLineKey, backup->substr(earlier->begin, earlier->end - earlier->begin));
+    return json_text::withMember(bytes, statusLineKey,
+                                 backup->substr(earlier->begin, earlier->end - earlier->begin));
   }
   const auto words = commandWords(settings);
   if (words->size() == 4 && (*words)[2] == "--chain") return withCommand(bytes, (*words)[3]);

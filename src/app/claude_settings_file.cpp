@@ -115,7 +115,8 @@ std::string uninstall(const std::filesystem::path& korvo) {
   if (!isPresent(path)) return "Claude's status line does not run korvo";
   const std::string current = readBytes(path);
   const Document settings = parseOrRefuse(path, current);
-  if (!claude_settings::runsKorvo(settings, korvo)) return "Claude's status line does not run korvo";
+  if (!claude_settings::runsKorvo(settings, korvo))
+    return "Claude's status line does not run korvo";
   std::optional<std::string> backup;
   const auto backupPath = backupOf(path);
   if (auto bytes = readRegularFile(backupPath, claude_settings::maxBytes);

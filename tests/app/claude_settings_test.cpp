@@ -75,10 +75,11 @@ TEST(ClaudeSettingsTest, InstallChainsAnEarlierCommandEditingOnlyTheCommand) {
       "{\"statusLine\": {\n  \"type\": \"command\",\n  \"command\": \"~/.claude/line.sh 'x y'\",\n"
       "  \"padding\": 0\n}, \"big\": 18446744073709551616}";
   const std::string withKorvo = installed(original, "/opt/korvo dir/korvo");
-  EXPECT_EQ(withKorvo,
-            "{\"statusLine\": {\n  \"type\": \"command\",\n  \"command\": "
-            R"("'/opt/korvo dir/korvo' claude-statusline --chain '~/.claude/line.sh '\\''x y'\\'''",)"
-            "\n  \"padding\": 0\n}, \"big\": 18446744073709551616}");
+  EXPECT_EQ(
+      withKorvo,
+      "{\"statusLine\": {\n  \"type\": \"command\",\n  \"command\": "
+      R"("'/opt/korvo dir/korvo' claude-statusline --chain '~/.claude/line.sh '\\''x y'\\'''",)"
+      "\n  \"padding\": 0\n}, \"big\": 18446744073709551616}");
   EXPECT_EQ(uninstall(withKorvo, original, "/opt/korvo dir/korvo"), original);
   EXPECT_EQ(uninstall(withKorvo, std::nullopt, "/opt/korvo dir/korvo"), original);
 }
@@ -128,7 +129,8 @@ TEST(ClaudeSettingsTest, UninstallPutsBackTheBackupsStatusLineAsWritten) {
   const std::string now =
       R"({"model":"sonnet","statusLine":{"type":"command","command":"korvo claude-statusline --chain line.sh"}})";
   EXPECT_EQ(
-      uninstall(now, R"({"statusLine" : { "type":"command", "command":"line.sh", "padding":2.50 }})",
+      uninstall(now,
+                R"({"statusLine" : { "type":"command", "command":"line.sh", "padding":2.50 }})",
                 korvo),
       R"({"model":"sonnet","statusLine":{ "type":"command", "command":"line.sh", "padding":2.50 }})");
   EXPECT_EQ(uninstall(now, R"({"model":"opus"})", korvo), R"({"model":"sonnet"})");
@@ -161,7 +163,8 @@ TEST(JsonTextTest, MembersAreFoundAtTheTopLevelOnly) {
   ASSERT_TRUE(c);
   EXPECT_EQ(text.substr(c->begin, c->end - c->begin), "-0");
   EXPECT_EQ(json_text::memberValue(text, top, "x"), std::nullopt);
-  const auto inner = json_text::memberValue(text, json_text::memberValue(text, top, "a")->begin, "b");
+  const auto inner =
+      json_text::memberValue(text, json_text::memberValue(text, top, "a")->begin, "b");
   ASSERT_TRUE(inner);
   EXPECT_EQ(text.substr(inner->begin, inner->end - inner->begin), "\"x\"");
 }

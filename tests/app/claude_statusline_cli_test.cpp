@@ -213,8 +213,8 @@ TEST_F(ClaudeInstallTest, AReadOnlySettingsFileIsRefusedInOneLineAndLeftAsItIs) 
                                                            std::filesystem::perms::others_read);
   const auto result = world.korvo({"claude-statusline", "--install"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err, "korvo: " + world.claudeSettings().string() +
-                            ": it is read-only; left untouched\n");
+  EXPECT_EQ(result.err,
+            "korvo: " + world.claudeSettings().string() + ": it is read-only; left untouched\n");
   EXPECT_EQ(readWhole(world.claudeSettings()), original);
   EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
 }
@@ -296,15 +296,16 @@ TEST(ClaudeStatusLineCliTest, AChainThatClosesItsOutputAndRunsOnIsEndedWithItsGr
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "partial\n");
   // The shell korvo started has been reaped; its background child was killed with it.
-  EXPECT_FALSE(std::filesystem::exists("/proc/" + std::to_string(pidIn(world.home() / "shell.pid"))));
+  EXPECT_FALSE(
+      std::filesystem::exists("/proc/" + std::to_string(pidIn(world.home() / "shell.pid"))));
   EXPECT_EQ(AdoptedOrphans::signalThatEnded(pidIn(world.home() / "child.pid")), SIGKILL);
 }
 
 TEST(ClaudeStatusLineCliTest, WhatAChainLeavesRunningIsEndedWhenItFinishes) {
   KorvoWorld world;
   const AdoptedOrphans orphans;
-  const std::string chain = "sleep 600 >/dev/null & echo $! > " +
-                            (world.home() / "child.pid").string() + "; echo done";
+  const std::string chain =
+      "sleep 600 >/dev/null & echo $! > " + (world.home() / "child.pid").string() + "; echo done";
   const auto result = world.korvo({"claude-statusline", "--chain", chain}, statusInput);
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "done\n");

@@ -206,16 +206,21 @@ TEST(KorvoCommandLineTest, EveryCommandThatPrintsFailsInOneLineWhenItsOutputCann
   KorvoWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rolloutLine);
   const std::vector<std::vector<std::string>> cases{
-      {"publish", "--print"},        {"settings"},
-      {"settings", "awakeMinutes"},  {"temperature"},
-      {"temperature", "--json"},     {"codex"},
-      {"codex", "--json"},           {"claude-statusline", "--install"},
-      {"claude-statusline", "--uninstall"}, {"--help"},
+      {"publish", "--print"},
+      {"settings"},
+      {"settings", "awakeMinutes"},
+      {"temperature"},
+      {"temperature", "--json"},
+      {"codex"},
+      {"codex", "--json"},
+      {"claude-statusline", "--install"},
+      {"claude-statusline", "--uninstall"},
+      {"--help"},
       {"publish", "--help"},
   };
   for (const auto& args : cases) {
-    const auto result = testing_support::runProgram(KORVO_APP_BINARY, args, world.environment(),
-                                                    "", "/dev/full");
+    const auto result =
+        testing_support::runProgram(KORVO_APP_BINARY, args, world.environment(), "", "/dev/full");
     EXPECT_EQ(result.exitCode, 1) << args[0];
     EXPECT_EQ(result.err, "korvo: cannot write standard output: No space left on device\n")
         << args[0];
