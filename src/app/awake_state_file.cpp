@@ -1,5 +1,9 @@
 #include "app/awake_state_file.hpp"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <ostream>
 #include <stdexcept>
 #include <system_error>
@@ -49,10 +53,11 @@ void save(const std::optional<AwakeSession>& session) {
   const auto path = location();
   if (!path)
     throw std::runtime_error("no place for the Keep Awake state: set HOME or XDG_STATE_HOME");
-  std::error_code error;
   if (!session) {
-    std::filesystem::remove(*path, error);
-    if (error) throw std::runtime_error("cannot remove " + path->string() + ": " + error.message());
+    // unlink, not remove: a directory standing there is not korvo's to delete.
+    if (::unlink(path->c_str()) != 0 && errno != ENOENT) {
+      throw std::runtime_error("cannot remove " + path->string() + ": " + std::strerror(errno));
+    }
     return;
   }
   if (!createPrivateDirectories(path->parent_path()) ||

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,6 +55,19 @@ int inputFile(std::string_view input) {
   return fd;
 }
 
+// Waits, until `deadline`, for `fd` to become readable; false once the deadline has passed.
+bool readableBefore(int fd, std::chrono::steady_clock::time_point deadline) {
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return false;
+    pollfd ready{fd, POLLIN, 0};
+    const int polled = ::poll(&ready, 1, static_cast<int>(left.count()));
+    if (polled > 0) return true;
+    if (polled < 0 && errno != EINTR) return false;
+  }
+}
+
 }  // namespace
 
 std::optional<ChainedOutput> runChained(const std::string& command, std::string_view input,
@@ -70,9 +84,15 @@ std::optional<ChainedOutput> runChained(const std::string& command, std::string_
   posix_spawn_file_actions_adddup2(&actions, writeEnd.get(), 1);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
-  // Its own process group, so a stuck command's children go with it.
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+  // Its own process group, so a stuck command's children go with it; and the signals the status
+  // line ignores for itself are the command's again.
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF);
   posix_spawnattr_setpgroup(&attributes, 0);
+  sigset_t defaults;
+  sigemptyset(&defaults);
+  sigaddset(&defaults, SIGPIPE);
+  sigaddset(&defaults, SIGXFSZ);
+  posix_spawnattr_setsigdefault(&attributes, &defaults);
   const char* argv[] = {"/bin/sh", "-c", command.c_str(), nullptr};
   pid_t pid = 0;
   const int spawned = ::posix_spawn(&pid, "/bin/sh", &actions, &attributes,
@@ -82,28 +102,28 @@ std::optional<ChainedOutput> runChained(const std::string& command, std::string_
   writeEnd.reset();
   in.reset();
   if (spawned != 0) return std::nullopt;
+  // Readable once the command has ended, which a closed output does not tell.
+  Descriptor ended(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
 
   ChainedOutput output;
   const auto deadline = std::chrono::steady_clock::now() + limit;
   char buffer[4096];
-  for (;;) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-        deadline - std::chrono::steady_clock::now());
-    if (left.count() <= 0) {
+  while (output.finished) {
+    if (!readableBefore(readEnd.get(), deadline)) {
       output.finished = false;
       break;
     }
-    pollfd ready{readEnd.get(), POLLIN, 0};
-    const int polled = ::poll(&ready, 1, static_cast<int>(left.count()));
-    if (polled < 0 && errno == EINTR) continue;
-    if (polled <= 0) continue;
     const ssize_t got = ::read(readEnd.get(), buffer, sizeof buffer);
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) break;
     const auto room = maxOutputBytes - output.out.size();
     output.out.append(buffer, std::min(room, static_cast<std::size_t>(got)));
   }
-  if (!output.finished) ::kill(-pid, SIGKILL);
+  // Without a way to wait for its end with a deadline, a closed output counts as the end.
+  if (output.finished && ended.get() >= 0) output.finished = readableBefore(ended.get(), deadline);
+  // The whole group goes, the command's own processes left behind included; the command has not
+  // been reaped yet, so its group cannot be another's.
+  ::kill(-pid, SIGKILL);
   int status = 0;
   while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
   }

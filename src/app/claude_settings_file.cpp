@@ -1,11 +1,10 @@
 #include "app/claude_settings_file.hpp"
 
-#include <sys/stat.h>
-
 #include <stdexcept>
 #include <system_error>
 
 #include "app/claude_settings.hpp"
+#include "app/user_file.hpp"
 #include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
@@ -46,21 +45,10 @@ Document parseOrRefuse(const std::filesystem::path& path, const std::string& byt
   return std::get<Document>(std::move(parsed));
 }
 
-// The file's permissions, so a settings file kept private stays private.
-mode_t modeOf(const std::filesystem::path& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) return 0600;
-  return status.st_mode & 07777;
-}
-
-void write(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
-  if (!replaceFileAtomically(path, bytes, mode)) {
-    throw std::runtime_error("cannot write " + path.string() + "; left untouched");
+void write(const std::filesystem::path& path, std::string_view bytes) {
+  if (const auto fault = user_file::replace(path, bytes, 0600)) {
+    throw std::runtime_error(path.string() + ": " + *fault + "; left untouched");
   }
-}
-
-std::string documentBytes(const Document& document) {
-  return document.dump(2) + "\n";
 }
 
 }  // namespace
@@ -70,14 +58,29 @@ std::optional<std::filesystem::path> location() {
   return std::nullopt;
 }
 
+std::filesystem::path korvoExecutable() {
+  std::error_code error;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) throw std::runtime_error("cannot find korvo's own path");
+  if (self.filename() != "korvo-service") return self;
+  // The status line runs the light front, korvo, beside the GTK side or in bin/.
+  const auto beside = self.parent_path() / "korvo";
+  if (std::filesystem::exists(beside, error)) return beside;
+  return (self.parent_path() / ".." / ".." / "bin" / "korvo").lexically_normal();
+}
+
 bool runsKorvo() {
   const auto path = location();
   if (!path) return false;
   auto bytes = readRegularFile(*path, claude_settings::maxBytes);
   if (!std::holds_alternative<std::string>(bytes)) return false;
   auto parsed = claude_settings::parse(std::get<std::string>(bytes));
-  return std::holds_alternative<Document>(parsed) &&
-         claude_settings::runsKorvo(std::get<Document>(parsed));
+  try {
+    return std::holds_alternative<Document>(parsed) &&
+           claude_settings::runsKorvo(std::get<Document>(parsed), korvoExecutable());
+  } catch (const std::runtime_error&) {
+    return false;
+  }
 }
 
 std::string install(const std::filesystem::path& korvo) {
@@ -85,36 +88,45 @@ std::string install(const std::filesystem::path& korvo) {
   const bool present = isPresent(path);
   const std::string original = present ? readBytes(path) : "{}\n";
   const Document settings = parseOrRefuse(path, original);
-  if (claude_settings::runsKorvo(settings)) {
+  if (claude_settings::runsKorvo(settings, korvo)) {
     return "Claude's status line already runs korvo (" + path.string() + ")";
   }
-  auto installed = claude_settings::install(settings, korvo);
+  auto installed = claude_settings::install(original, korvo);
   if (auto* failure = std::get_if<DecodeFailure>(&installed)) {
     throw std::runtime_error(path.string() + ": " + failure->reason + "; left untouched");
   }
   if (!createPrivateDirectories(path.parent_path())) {
     throw std::runtime_error("cannot create the folder " + path.parent_path().string());
   }
-  const mode_t mode = present ? modeOf(path) : 0600;
-  write(backupOf(path), original, mode);
-  write(path, documentBytes(std::get<Document>(installed)), mode);
+  // Refused before the backup is taken, so a refusal leaves nothing behind.
+  if (const auto refused = user_file::refusal(path)) {
+    throw std::runtime_error(path.string() + ": " + *refused + "; left untouched");
+  }
+  if (!replaceFileAtomically(backupOf(path), original, 0600)) {
+    throw std::runtime_error("cannot write " + backupOf(path).string() + "; " + path.string() +
+                             " left untouched");
+  }
+  write(path, std::get<std::string>(installed));
   return "Claude's status line now runs korvo (" + path.string() + ", backup " +
          backupOf(path).filename().string() + ")";
 }
 
-std::string uninstall() {
+std::string uninstall(const std::filesystem::path& korvo) {
   const auto path = requiredLocation();
   if (!isPresent(path)) return "Claude's status line does not run korvo";
-  const Document settings = parseOrRefuse(path, readBytes(path));
-  if (!claude_settings::runsKorvo(settings)) return "Claude's status line does not run korvo";
-  std::optional<Document> backup;
+  const std::string current = readBytes(path);
+  const Document settings = parseOrRefuse(path, current);
+  if (!claude_settings::runsKorvo(settings, korvo))
+    return "Claude's status line does not run korvo";
+  std::optional<std::string> backup;
   const auto backupPath = backupOf(path);
   if (auto bytes = readRegularFile(backupPath, claude_settings::maxBytes);
-      std::holds_alternative<std::string>(bytes)) {
-    auto parsed = claude_settings::parse(std::get<std::string>(bytes));
-    if (auto* document = std::get_if<Document>(&parsed)) backup = std::move(*document);
+      std::holds_alternative<std::string>(bytes) &&
+      std::holds_alternative<Document>(claude_settings::parse(std::get<std::string>(bytes)))) {
+    backup = std::get<std::string>(std::move(bytes));
   }
-  write(path, documentBytes(claude_settings::uninstall(settings, backup)), modeOf(path));
+  write(path, claude_settings::uninstall(current, backup, korvo));
+  // Only now is the backup no longer the one copy of the user's status line.
   std::error_code error;
   std::filesystem::remove(backupPath, error);
   return "Claude's status line is back as it was (" + path.string() + ")";

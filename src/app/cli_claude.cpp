@@ -1,7 +1,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <iostream>
+#include <csignal>
+#include <sstream>
 
 #include "app/chained_command.hpp"
 #include "app/claude_settings_file.hpp"
@@ -9,6 +10,7 @@
 #include "app/cli_commands.hpp"
 #include "app/settings_file.hpp"
 #include "base/exit_codes.hpp"
+#include "base/standard_output.hpp"
 #include "sources/claude_status_line.hpp"
 
 namespace korvo::app {
@@ -31,27 +33,20 @@ std::string readInput() {
   return input;
 }
 
-std::filesystem::path thisExecutable() {
-  std::error_code error;
-  auto path = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) throw std::runtime_error("cannot find korvo's own path");
-  return path;
-}
-
 // Claude Code shows whatever the status line prints, so nothing here may fail out loud.
 void runStatusLine(const std::optional<std::string>& chain) {
+  // A reader gone away or a file size limit make writes fail, which is dealt with, instead of
+  // ending korvo.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   const std::string input = readInput();
   const auto windows = claude_status_line::parseWindows(input);
   std::ostringstream ignored;
   claude_update::apply(windows, settings_file::load(ignored));
   const auto chained = chain ? runChained(*chain, input, chainLimit) : std::nullopt;
-  if (chained) {
-    std::cout << chained->out;
-  } else {
-    // Without a chain, or when the chained command cannot be started: korvo's own line.
-    std::cout << claude_update::statusText(windows) << '\n';
-  }
-  std::cout.flush();
+  // Without a chain, or when the chained command cannot be started: korvo's own line. Output
+  // that cannot be written is not korvo's to report.
+  writeStandardOutput(chained ? chained->out : claude_update::statusText(windows) + '\n');
 }
 
 }  // namespace
@@ -75,9 +70,9 @@ void addClaudeStatusLineCommand(CLI::App& app, int& exitCode) {
   install->excludes(uninstall);
   command->callback([options, &exitCode] {
     if (options->install) {
-      std::cout << claude_settings_file::install(thisExecutable()) << '\n';
+      print(claude_settings_file::install(claude_settings_file::korvoExecutable()) + '\n');
     } else if (options->uninstall) {
-      std::cout << claude_settings_file::uninstall() << '\n';
+      print(claude_settings_file::uninstall(claude_settings_file::korvoExecutable()) + '\n');
     } else {
       try {
         runStatusLine(options->chain.empty() ? std::nullopt : std::optional(options->chain));

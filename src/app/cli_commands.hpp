@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <string_view>
 
 namespace korvo::app {
 
@@ -11,5 +12,9 @@ void addTemperatureCommand(CLI::App& app, int& exitCode);
 void addCodexCommand(CLI::App& app, int& exitCode);
 void addClaudeStatusLineCommand(CLI::App& app, int& exitCode);
 void addSettingsCommand(CLI::App& app, int& exitCode);
+
+// Writes `text` to standard output now; throws std::runtime_error with the reason when it could
+// not all be written, so a full disk or a closed pipe is not taken for success.
+void print(std::string_view text);
 
 }  // namespace korvo::app

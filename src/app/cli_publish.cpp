@@ -31,7 +31,7 @@ void addPublishCommand(CLI::App& app, int& exitCode) {
     }
     const Settings settings = settings_file::load(std::cerr);
     if (options->print) {
-      std::cout << publisher::preview(settings) << std::flush;
+      print(publisher::preview(settings));
     } else {
       publisher::publish(settings);
     }

@@ -24,15 +24,15 @@ void addSettingsCommand(CLI::App& app, int& exitCode) {
     }
     const auto document = settingsDocument(settings_file::load(std::cerr));
     if (options->key.empty()) {
-      std::cout << document.dump(2) << '\n';
+      print(document.dump(2) + '\n');
     } else if (!valueNamed(settingKeyWords, options->key)) {
       settingValue(options->key, "");  // throws the usage error naming the keys
     } else if (!document.contains(options->key)) {
-      std::cout << '\n';  // codexHome unset
+      print("\n");  // codexHome unset
     } else if (const auto& value = document[options->key]; value.is_string()) {
-      std::cout << value.get<std::string>() << '\n';
+      print(value.get<std::string>() + '\n');
     } else {
-      std::cout << value.dump() << '\n';
+      print(value.dump() + '\n');
     }
     exitCode = exitSuccess;
   });

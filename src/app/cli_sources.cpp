@@ -23,12 +23,12 @@ void printTemperature(const CpuTemperature& reading, bool json) {
                   {"chip", reading.chip},
                   {"label", reading.label},
                   {"file", displayText(reading.file.string())}};
-    std::cout << document.dump() << '\n';
+    print(document.dump() + '\n');
     return;
   }
   std::string line = cFormat("%.1f°C", reading.celsius) + " · " + reading.chip;
   if (!reading.label.empty()) line += " · " + reading.label;
-  std::cout << line << " · " << displayText(reading.file.string()) << '\n';
+  print(line + " · " + displayText(reading.file.string()) + '\n');
 }
 
 void printCodex(const UsageState& state, const std::optional<CodexLimits>& limits, bool json) {
@@ -37,20 +37,23 @@ void printCodex(const UsageState& state, const std::optional<CodexLimits>& limit
     if (!encoded) throw std::runtime_error("the Codex state holds a number JSON cannot carry");
     Json document{{"state", Json::parse(*encoded)}, {"rollout", nullptr}};
     if (limits) document["rollout"] = displayText(limits->rollout.string());
-    std::cout << document.dump() << '\n';
+    print(document.dump() + '\n');
     return;
   }
   if (!state.enabled) {
-    std::cout << "Codex is switched off in korvo's settings\n";
+    print("Codex is switched off in korvo's settings\n");
     return;
   }
-  if (state.message) std::cout << *state.message << '\n';
-  if (!state.snapshot) return;
-  for (const UsageWindow& window : state.snapshot->windows) {
-    std::cout << window.remainingSummary() << " · " << window.resetText() << '\n';
+  std::string text;
+  if (state.message) text += *state.message + '\n';
+  if (state.snapshot) {
+    for (const UsageWindow& window : state.snapshot->windows) {
+      text += window.remainingSummary() + " · " + window.resetText() + '\n';
+    }
+    text += "Fetched " + isoMoment(state.snapshot->fetchedAt) + " from " +
+            displayText(limits->rollout.string()) + '\n';
   }
-  std::cout << "Fetched " << isoMoment(state.snapshot->fetchedAt) << " from "
-            << displayText(limits->rollout.string()) << '\n';
+  print(text);
 }
 
 }  // namespace

@@ -6,12 +6,22 @@
 #include "app/hand_over.hpp"
 #include "app/host_command.hpp"
 #include "base/exit_codes.hpp"
+#include "base/standard_output.hpp"
 
 namespace {
 
 // CLI11's own messages can span lines; the first one names the problem.
 std::string firstLine(const std::string& text) {
   return text.substr(0, text.find('\n'));
+}
+
+// The help goes to standard output like any other text, and is as much checked.
+int printed(int exitCode) {
+  if (const auto failure = korvo::standardOutputFailure()) {
+    std::cerr << "korvo: " << *failure << '\n';
+    return korvo::exitFailure;
+  }
+  return exitCode;
 }
 
 }  // namespace
@@ -41,9 +51,9 @@ int main(int argc, char** argv) {
     // checked here so that a mistake is told before any toolkit loads.
     if (hostCommand || app.get_subcommands().empty()) korvo::app::handOver(argc, argv);
   } catch (const CLI::CallForHelp& help) {
-    return app.exit(help);
+    return printed(app.exit(help));
   } catch (const CLI::CallForAllHelp& help) {
-    return app.exit(help);
+    return printed(app.exit(help));
   } catch (const CLI::ParseError& error) {
     std::cerr << "korvo: " << firstLine(error.what()) << '\n';
     return korvo::exitUsage;

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "shared/atomic_file.hpp"
+#include "app/user_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
 
@@ -67,9 +67,12 @@ void set(std::string_view key, const nlohmann::ordered_json& value) {
   } else {
     document[std::string(key)] = value;
   }
-  if (!createPrivateDirectories(path->parent_path()) ||
-      !replaceFileAtomically(*path, document.dump(2) + "\n", 0600)) {
-    throw std::runtime_error("cannot write settings " + name);
+  if (!createPrivateDirectories(path->parent_path())) {
+    throw std::runtime_error("cannot write settings " + name + ": cannot create its folder");
+  }
+  // Through a symbolic link to the file it leads to, which keeps its permissions.
+  if (const auto fault = user_file::replace(*path, document.dump(2) + "\n", 0600)) {
+    throw std::runtime_error("settings " + name + ": " + *fault + "; left as it is");
   }
 }
 

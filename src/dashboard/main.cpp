@@ -10,6 +10,7 @@
 #include "app/host_command.hpp"
 #include "base/clock.hpp"
 #include "base/exit_codes.hpp"
+#include "base/standard_output.hpp"
 #include "base/wake_up.hpp"
 #include "dashboard/host_application.hpp"
 #include "gtk/session_bus.hpp"
@@ -105,5 +106,11 @@ int main(int argc, char** argv) {
   const bool graphical = displayGiven() && (!std::holds_alternative<RunService>(command) ||
                                             gtk_init_check(nullptr, nullptr));
   HostApplication application(graphical, bus != nullptr, warp.warp.rate);
-  return application.run(argc, argv);
+  const int status = application.run(argc, argv);
+  // What the command printed (here, or sent back by the service) must have reached its reader.
+  if (const auto failure = standardOutputFailure(); failure && status == exitSuccess) {
+    std::cerr << "korvo: " << *failure << '\n';
+    return exitFailure;
+  }
+  return status;
 }

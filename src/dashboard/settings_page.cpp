@@ -126,14 +126,10 @@ void SettingsPage::write(SettingKey key, const nlohmann::ordered_json& value) {
 }
 
 void SettingsPage::installStatusLine() {
-  std::error_code error;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
   try {
-    // The status line runs the light front, korvo, beside this program or in bin/.
-    auto korvo = self.parent_path() / "korvo";
-    if (!std::filesystem::exists(korvo)) korvo = self.parent_path() / ".." / ".." / "bin" / "korvo";
-    gtk_label_set_text(GTK_LABEL(message_),
-                       claude_settings_file::install(korvo.lexically_normal()).c_str());
+    gtk_label_set_text(
+        GTK_LABEL(message_),
+        claude_settings_file::install(claude_settings_file::korvoExecutable()).c_str());
   } catch (const std::exception& failure) {
     gtk_label_set_text(GTK_LABEL(message_), failure.what());
   }

@@ -56,8 +56,15 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
     if (session_) end(false);
     return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; ")};
   }
+  // A session the state file does not hold would be lost by a restarted service: not started.
+  try {
+    awake_state_file::save(session);
+  } catch (const std::exception& error) {
+    if (!session_) inhibitors_.release();
+    return {exitFailure, error.what() + std::string(session_ ? "; the session is unchanged"
+                                                             : "; Keep Awake not started")};
+  }
   session_ = session;
-  keep();
   armTimer();
   changed_();
   std::string message = session.endsAt ? _("Keep Awake until ") + shortTime(*session.endsAt)

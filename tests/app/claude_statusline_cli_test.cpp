@@ -1,11 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
 
 #include "shared/widget_snapshot_json.hpp"
 #include "support/korvo_process.hpp"
+#include "support/unprivileged.hpp"
 
 namespace korvo {
 namespace {
@@ -161,6 +163,216 @@ TEST_F(ClaudeInstallTest, ThePrivateModeOfClaudesSettingsIsKept) {
   struct stat status {};
   ::stat(world.claudeSettings().c_str(), &status);
   EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST_F(ClaudeInstallTest, TheUsersBytesSurviveInstallAndUninstallExactly) {
+  const std::string original =
+      "{\n    \"model\":\"opus\",  \"cleanupPeriodDays\": 123456789012345678901234567890,\n"
+      "    \"offset\": -0, \"ratio\": 1.50,\n"
+      "    \"statusLine\": { \"type\": \"command\", \"command\": \"~/.claude/line.sh\", "
+      "\"padding\": 0 }\n}\n";
+  world.write("claude/settings.json", original);
+  ASSERT_EQ(world.korvo({"claude-statusline", "--install"}).exitCode, 0);
+  const std::string command =
+      std::string(KORVO_APP_BINARY) + " claude-statusline --chain '~/.claude/line.sh'";
+  std::string expected = original;
+  expected.replace(expected.find("\"~/.claude/line.sh\""), 19, nlohmann::json(command).dump());
+  EXPECT_EQ(readWhole(world.claudeSettings()), expected);
+  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+
+  ASSERT_EQ(world.korvo({"claude-statusline", "--uninstall"}).exitCode, 0);
+  EXPECT_EQ(readWhole(world.claudeSettings()), original);
+  EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
+}
+
+TEST_F(ClaudeInstallTest, ASymlinkedSettingsFileStaysALinkAndItsTargetIsChanged) {
+  const std::string original = "{\"model\": \"opus\"}\n";
+  const auto dotfile = world.write("dotfiles/claude-settings.json", original);
+  std::filesystem::create_directories(world.claudeDir());
+  std::filesystem::create_symlink("../dotfiles/claude-settings.json", world.claudeSettings());
+
+  ASSERT_EQ(world.korvo({"claude-statusline", "--install"}).exitCode, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(world.claudeSettings()));
+  EXPECT_EQ(std::filesystem::read_symlink(world.claudeSettings()),
+            "../dotfiles/claude-settings.json");
+  EXPECT_EQ(claudeSettings()["statusLine"]["command"],
+            std::string(KORVO_APP_BINARY) + " claude-statusline");
+  EXPECT_EQ(readWhole(dotfile), readWhole(world.claudeSettings()));
+
+  ASSERT_EQ(world.korvo({"claude-statusline", "--uninstall"}).exitCode, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(world.claudeSettings()));
+  EXPECT_EQ(readWhole(dotfile), original);
+}
+
+TEST_F(ClaudeInstallTest, AReadOnlySettingsFileIsRefusedInOneLineAndLeftAsItIs) {
+  KORVO_AS_UNPRIVILEGED_USER(world.home());
+  const std::string original = "{\"model\": \"opus\"}\n";
+  world.write("claude/settings.json", original);
+  std::filesystem::permissions(world.claudeSettings(), std::filesystem::perms::owner_read |
+                                                           std::filesystem::perms::group_read |
+                                                           std::filesystem::perms::others_read);
+  const auto result = world.korvo({"claude-statusline", "--install"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "korvo: " + world.claudeSettings().string() + ": it is read-only; left untouched\n");
+  EXPECT_EQ(readWhole(world.claudeSettings()), original);
+  EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
+}
+
+TEST_F(ClaudeInstallTest, AFailedUninstallKeepsTheBackup) {
+  KORVO_AS_UNPRIVILEGED_USER(world.home());
+  const std::string original = "{\"model\": \"opus\"}\n";
+  world.write("claude/settings.json", original);
+  ASSERT_EQ(world.korvo({"claude-statusline", "--install"}).exitCode, 0);
+  const std::string installed = readWhole(world.claudeSettings());
+  std::filesystem::permissions(world.claudeSettings(), std::filesystem::perms::owner_read);
+
+  const auto result = world.korvo({"claude-statusline", "--uninstall"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.err, HasSubstr("it is read-only; left untouched"));
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+  EXPECT_EQ(readWhole(world.claudeSettings()), installed);
+  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+}
+
+TEST_F(ClaudeInstallTest, KorvoKnowsItsStatusLineWhenRunThroughALinkToAVersionedName) {
+  std::filesystem::create_directories(world.home() / "bin");
+  const auto versioned = world.home() / "bin/korvo-1.0";
+  std::filesystem::copy_file(KORVO_APP_BINARY, versioned);
+  std::filesystem::create_symlink("korvo-1.0", world.home() / "bin/korvo");
+  const auto korvo = [&](const std::vector<std::string>& args) {
+    return testing_support::runProgram((world.home() / "bin/korvo").string(), args,
+                                       world.environment());
+  };
+  const std::string original = R"({"statusLine":{"type":"command","command":"line.sh"}})";
+  world.write("claude/settings.json", original);
+
+  ASSERT_EQ(korvo({"claude-statusline", "--install"}).exitCode, 0);
+  const std::string installed = readWhole(world.claudeSettings());
+  EXPECT_EQ(claudeSettings()["statusLine"]["command"],
+            versioned.string() + " claude-statusline --chain line.sh");
+  const auto again = korvo({"claude-statusline", "--install"});
+  EXPECT_EQ(again.exitCode, 0);
+  EXPECT_THAT(again.out, HasSubstr("already runs korvo"));
+  EXPECT_EQ(readWhole(world.claudeSettings()), installed);
+  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+
+  ASSERT_EQ(korvo({"publish"}).exitCode, 0);
+  EXPECT_EQ(shared(world)->claude.message, std::nullopt);
+
+  const auto removed = korvo({"claude-statusline", "--uninstall"});
+  EXPECT_EQ(removed.exitCode, 0) << removed.err;
+  EXPECT_EQ(readWhole(world.claudeSettings()), original);
+}
+
+// Makes this process adopt the orphans of the processes it starts, so a test can wait for one.
+class AdoptedOrphans {
+ public:
+  AdoptedOrphans() { ::prctl(PR_SET_CHILD_SUBREAPER, 1); }
+  ~AdoptedOrphans() { ::prctl(PR_SET_CHILD_SUBREAPER, 0); }
+  AdoptedOrphans(const AdoptedOrphans&) = delete;
+  AdoptedOrphans& operator=(const AdoptedOrphans&) = delete;
+
+  // How the adopted process `pid` ended: its signal, or none when it exited.
+  static std::optional<int> signalThatEnded(pid_t pid) {
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFSIGNALED(status) ? std::optional(WTERMSIG(status)) : std::nullopt;
+  }
+};
+
+pid_t pidIn(const std::filesystem::path& file) {
+  return static_cast<pid_t>(std::stol(readWhole(file)));
+}
+
+TEST(ClaudeStatusLineCliTest, AChainThatClosesItsOutputAndRunsOnIsEndedWithItsGroup) {
+  KorvoWorld world;
+  const AdoptedOrphans orphans;
+  const std::string chain = "echo $$ > " + (world.home() / "shell.pid").string() +
+                            "; sleep 600 & echo $! > " + (world.home() / "child.pid").string() +
+                            "; echo partial; exec >&-; exec sleep 600";
+  const auto result = world.korvo({"claude-statusline", "--chain", chain}, statusInput);
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "partial\n");
+  // The shell korvo started has been reaped; its background child was killed with it.
+  EXPECT_FALSE(
+      std::filesystem::exists("/proc/" + std::to_string(pidIn(world.home() / "shell.pid"))));
+  EXPECT_EQ(AdoptedOrphans::signalThatEnded(pidIn(world.home() / "child.pid")), SIGKILL);
+}
+
+TEST(ClaudeStatusLineCliTest, WhatAChainLeavesRunningIsEndedWhenItFinishes) {
+  KorvoWorld world;
+  const AdoptedOrphans orphans;
+  const std::string chain =
+      "sleep 600 >/dev/null & echo $! > " + (world.home() / "child.pid").string() + "; echo done";
+  const auto result = world.korvo({"claude-statusline", "--chain", chain}, statusInput);
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "done\n");
+  EXPECT_EQ(AdoptedOrphans::signalThatEnded(pidIn(world.home() / "child.pid")), SIGKILL);
+}
+
+// korvo's exit status with its standard output a pipe nobody reads any more.
+int statusWritingToAClosedPipe(const KorvoWorld& world, const std::vector<std::string>& args,
+                               const std::string& input) {
+  int ends[2];
+  if (::pipe(ends) != 0) return -1;
+  ::close(ends[0]);
+  const int in = ::memfd_create("input", 0);
+  if (::write(in, input.data(), input.size()) != static_cast<ssize_t>(input.size())) return -1;
+  ::lseek(in, 0, SEEK_SET);
+  std::vector<std::string> words{KORVO_APP_BINARY};
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<std::string> settings;
+  for (const auto& [name, value] : world.environment()) settings.push_back(name + "=" + value);
+  std::vector<char*> argv;
+  for (auto& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  std::vector<char*> envp;
+  for (auto& setting : settings) envp.push_back(setting.data());
+  envp.push_back(nullptr);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::signal(SIGPIPE, SIG_DFL);
+    ::dup2(in, 0);
+    ::dup2(ends[1], 1);
+    ::execve(KORVO_APP_BINARY, argv.data(), envp.data());
+    ::_exit(127);
+  }
+  ::close(ends[1]);
+  ::close(in);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+TEST(ClaudeStatusLineCliTest, AReaderGoneAwayDoesNotKillTheStatusLine) {
+  KorvoWorld world;
+  EXPECT_EQ(statusWritingToAClosedPipe(world, {"claude-statusline"}, statusInput), 0);
+  EXPECT_EQ(
+      statusWritingToAClosedPipe(world, {"claude-statusline", "--chain", "echo chained"}, "{}"), 0);
+  // The figures still reached the shared file.
+  EXPECT_TRUE(shared(world)->claude.snapshot);
+}
+
+TEST(ClaudeStatusLineCliTest, AFileSizeLimitOfNothingDoesNotKillTheStatusLine) {
+  KorvoWorld world;
+  for (const std::string& chain : {std::string(), std::string(" --chain 'echo chained'")}) {
+    const auto result = testing_support::runProgram(
+        "/bin/sh", {"-c", "ulimit -f 0; exec \"$0\" claude-statusline" + chain, KORVO_APP_BINARY},
+        world.environment(), statusInput);
+    EXPECT_EQ(result.exitCode, 0) << chain;
+  }
+  // Nothing could be written, the shared file included.
+  EXPECT_FALSE(std::filesystem::exists(world.sharedFile()));
+}
+
+TEST(ClaudeStatusLineCliTest, AFullStandardOutputStillExitsZero) {
+  KorvoWorld world;
+  const auto result = testing_support::runProgram(KORVO_APP_BINARY, {"claude-statusline"},
+                                                  world.environment(), statusInput, "/dev/full");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.err, "");
 }
 
 }  // namespace

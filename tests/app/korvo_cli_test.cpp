@@ -6,6 +6,7 @@
 
 #include "shared/widget_snapshot_json.hpp"
 #include "support/korvo_process.hpp"
+#include "support/unprivileged.hpp"
 
 namespace korvo {
 namespace {
@@ -204,6 +205,61 @@ TEST(KorvoSettingsTest, UnknownKeysAndBadValuesAreUsageErrors) {
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << args[1];
   }
   EXPECT_FALSE(std::filesystem::exists(world.settingsFile()));
+}
+
+TEST(KorvoSettingsTest, ASymlinkedSettingsFileStaysALinkAndItsTargetIsChanged) {
+  KorvoWorld world;
+  const auto dotfile = world.write("dotfiles/korvo.json", R"({"claude":false})");
+  std::filesystem::create_directories(world.settingsFile().parent_path());
+  std::filesystem::create_symlink(dotfile, world.settingsFile());
+  ASSERT_EQ(world.korvo({"settings", "publishSeconds", "300"}).exitCode, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(world.settingsFile()));
+  EXPECT_EQ(nlohmann::json::parse(readWhole(dotfile)),
+            nlohmann::json::parse(R"({"claude":false,"publishSeconds":300})"));
+  EXPECT_EQ(world.korvo({"settings", "publishSeconds"}).out, "300\n");
+}
+
+TEST(KorvoSettingsTest, AReadOnlySettingsFileIsRefusedInOneLineAndLeftAsItIs) {
+  KorvoWorld world;
+  KORVO_AS_UNPRIVILEGED_USER(world.home());
+  const std::string original = R"({"claude":false})";
+  world.write("config/korvo/settings.json", original);
+  std::filesystem::permissions(world.settingsFile(), std::filesystem::perms::owner_read |
+                                                         std::filesystem::perms::group_read |
+                                                         std::filesystem::perms::others_read);
+  const auto result = world.korvo({"settings", "codex", "false"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "korvo: settings " + world.settingsFile().string() +
+                            ": it is read-only; left as it is\n");
+  EXPECT_EQ(readWhole(world.settingsFile()), original);
+}
+
+TEST(KorvoCommandLineTest, EveryCommandThatPrintsFailsInOneLineWhenItsOutputCannotBeWritten) {
+  KorvoWorld world;
+  world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rolloutLine);
+  const std::vector<std::vector<std::string>> cases{
+      {"publish", "--print"},
+      {"settings"},
+      {"settings", "awakeMinutes"},
+      {"temperature"},
+      {"temperature", "--json"},
+      {"codex"},
+      {"codex", "--json"},
+      {"claude-statusline", "--install"},
+      {"claude-statusline", "--uninstall"},
+      {"--help"},
+      {"publish", "--help"},
+  };
+  for (const auto& args : cases) {
+    const auto result =
+        testing_support::runProgram(KORVO_APP_BINARY, args, world.environment(), "", "/dev/full");
+    EXPECT_EQ(result.exitCode, 1) << args[0];
+    EXPECT_EQ(result.err, "korvo: cannot write standard output: No space left on device\n")
+        << args[0];
+  }
+  // The command did its work; only its report was lost.
+  EXPECT_FALSE(std::filesystem::exists(world.sharedFile()));
+  EXPECT_TRUE(std::filesystem::exists(world.claudeSettings()));
 }
 
 TEST(KorvoCommandLineTest, UnknownCommandsAndOptionsAreUsageErrors) {

@@ -266,6 +266,46 @@ TEST_F(KeepAwakeTest, WithNeitherInhibitorStartFailsAndSaysWhy) {
   EXPECT_EQ(status()["active"], false);
 }
 
+TEST_F(KeepAwakeTest, StartFailsInOneLineWhenItsStateFileCannotBeWritten) {
+  mockLogind();
+  mockSessionManager();
+  std::filesystem::create_directories(stateFile() / "kept");
+  startService();
+  const auto started = korvo({"awake", "start", "2m"});
+  EXPECT_EQ(started.exitCode, 1);
+  EXPECT_EQ(started.err, "korvo: cannot write the Keep Awake state " + stateFile().string() +
+                             "; Keep Awake not started\n");
+  EXPECT_EQ(started.out, "");
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));
+  EXPECT_TRUE(std::filesystem::is_directory(stateFile() / "kept"));
+}
+
+TEST_F(KeepAwakeTest, StopLeavesADirectoryStandingWhereTheStateFileGoes) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  ASSERT_EQ(korvo({"awake", "start", "2m"}).exitCode, 0);
+  std::filesystem::remove(stateFile());
+  std::filesystem::create_directory(stateFile());
+  EXPECT_EQ(korvo({"awake", "stop"}).exitCode, 0);
+  EXPECT_EQ(status()["active"], false);
+  EXPECT_TRUE(std::filesystem::is_directory(stateFile()));
+}
+
+TEST_F(KeepAwakeTest, AStatusThatCannotBeWrittenFailsInOneLine) {
+  startService();
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"awake", "status"},
+        std::vector<std::string>{"awake", "status", "--json"}}) {
+    const auto result = testing_support::runProgram(KORVO_APP_BINARY, args, buses, "", "/dev/full");
+    EXPECT_EQ(result.exitCode, 1) << args.size();
+    // GLib wrote it, so the reason may be lost: the line says what failed.
+    EXPECT_THAT(result.err, testing::StartsWith("korvo: cannot write standard output: "));
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+  }
+}
+
 TEST_F(KeepAwakeTest, ASecondServiceRefusesToStartBesideTheFirst) {
   startService();
   const auto second = korvo({"service"});
