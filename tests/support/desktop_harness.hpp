@@ -18,6 +18,7 @@
 // when an assertion fails.
 namespace korvo::desktop_test {
 
+// The shared helpers, under the names the desktop tests have always used.
 using testing_support::readFile;
 using testing_support::TemporaryDirectory;
 using testing_support::writeFile;
