@@ -8,6 +8,7 @@
 #include <string>
 
 #include "shared/widget_snapshot_store.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace {
 
@@ -15,8 +16,6 @@ namespace {
 // bundle information pointing at it, as a widget finds it at run time.
 struct Container {
   Container() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "korvo-bench-XXXXXX").string();
-    root = ::mkdtemp(pattern.data());
     ::setenv("XDG_DATA_HOME", root.c_str(), 1);
     ::setenv("KORVO_BUNDLE_INFO", (root / "Info.json").c_str(), 1);
     std::ofstream(root / "Info.json") << R"({"KorvoAppGroup": "group.com.tessmoor.Korvo"})";
@@ -25,9 +24,8 @@ struct Container {
     std::filesystem::copy_file(
         std::filesystem::path(KORVO_SOURCE_DIR) / "data" / "samples" / "usage-snapshot.json", file);
   }
-  ~Container() { std::filesystem::remove_all(root); }
-
-  std::filesystem::path root;
+  korvo::testing_support::TemporaryDirectory directory;
+  const std::filesystem::path& root = directory.path();
   std::filesystem::path file;
 };
 

@@ -8,22 +8,14 @@
 
 #include "sources/codex_rollouts.hpp"
 #include "sources/cpu_temperature.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace {
 
-// A temporary directory for generated inputs, removed at exit.
-struct Scratch {
-  Scratch() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "korvo-bench-XXXXXX").string();
-    root = ::mkdtemp(pattern.data());
-  }
-  ~Scratch() { std::filesystem::remove_all(root); }
-  std::filesystem::path root;
-};
-
-Scratch& scratch() {
-  static Scratch instance;
-  return instance;
+// Where generated inputs go, removed at exit.
+const std::filesystem::path& scratch() {
+  static const korvo::testing_support::TemporaryDirectory instance;
+  return instance.path();
 }
 
 void write(const std::filesystem::path& file, const std::string& bytes) {
@@ -46,7 +38,7 @@ std::filesystem::path codexHome(std::size_t bytes, bool eventFirst) {
   static std::map<std::pair<std::size_t, bool>, std::filesystem::path> made;
   auto& home = made[{bytes, eventFirst}];
   if (!home.empty()) return home;
-  home = scratch().root / ("codex-" + std::to_string(bytes) + (eventFirst ? "-first" : "-last"));
+  home = scratch() / ("codex-" + std::to_string(bytes) + (eventFirst ? "-first" : "-last"));
   const auto file = home / "sessions/2026/11/15/rollout-2026-11-15T01-30-00-a.jsonl";
   std::filesystem::create_directories(file.parent_path());
   std::ofstream out(file, std::ios::binary);
@@ -78,7 +70,7 @@ BENCHMARK(BM_CodexRollout)
 std::filesystem::path hwmonTree() {
   static std::filesystem::path root;
   if (!root.empty()) return root;
-  root = scratch().root / "sysroot";
+  root = scratch() / "sysroot";
   const std::string hwmon = "sys/class/hwmon/hwmon";
   const auto chip = [&](int index, const std::string& name, int sensors, const std::string& label) {
     const auto dir = root / (hwmon + std::to_string(index));

@@ -1,4 +1,3 @@
 korvo_add_benchmark(ui_render_bench
   SOURCES "${CMAKE_CURRENT_LIST_DIR}/ui_render.cpp"
   LIBRARIES korvo_views_common korvo_render PkgConfig::CAIRO)
-target_include_directories(ui_render_bench PRIVATE "${PROJECT_SOURCE_DIR}/tests/views/common")

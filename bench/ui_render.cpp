@@ -4,7 +4,7 @@
 #include "render/image_output.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
-#include "sample_card.hpp"
+#include "support/views/common/sample_card.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace {
@@ -15,7 +15,7 @@ const ui::Environment environment{.family = ui::WidgetFamily::systemMedium,
                                   .now = Date::fromUnixSeconds(1'800'000'000)};
 
 void layoutAndPaint(ui::TextMeasurer& measurer) {
-  const ui::View view = testing::sampleCard(environment);
+  const ui::View view = testing_support::sampleCard(environment);
   const ui::WidgetLayout widget = ui::layoutWidget("bench", view, environment, measurer, 2);
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 728, 340);
   cairo_t* cr = cairo_create(surface);
@@ -48,8 +48,8 @@ BENCHMARK(BM_MediumCardWarm)->Unit(benchmark::kMicrosecond);
 void BM_MediumCardLayoutWarm(benchmark::State& state) {
   render::PangoTextMeasurer& measurer = render::PangoTextMeasurer::shared();
   for (auto _ : state) {
-    benchmark::DoNotOptimize(
-        ui::layoutWidget("bench", testing::sampleCard(environment), environment, measurer, 2));
+    benchmark::DoNotOptimize(ui::layoutWidget("bench", testing_support::sampleCard(environment),
+                                              environment, measurer, 2));
   }
 }
 BENCHMARK(BM_MediumCardLayoutWarm)->Unit(benchmark::kMicrosecond);
@@ -73,8 +73,8 @@ class CountingMeasurer final : public ui::TextMeasurer {
 void BM_MediumCardLayoutMeasureCalls(benchmark::State& state) {
   CountingMeasurer measurer;
   for (auto _ : state) {
-    benchmark::DoNotOptimize(
-        ui::layoutWidget("bench", testing::sampleCard(environment), environment, measurer, 2));
+    benchmark::DoNotOptimize(ui::layoutWidget("bench", testing_support::sampleCard(environment),
+                                              environment, measurer, 2));
   }
   state.counters["measures_per_layout"] =
       static_cast<double>(measurer.calls) / static_cast<double>(state.iterations());

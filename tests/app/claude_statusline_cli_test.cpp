@@ -14,14 +14,14 @@ namespace {
 
 using testing::HasSubstr;
 using testing_support::KorvoWorld;
-using testing_support::readWhole;
+using testing_support::readFile;
 
 const std::string statusInput =
     R"({"hook_event_name":"Status","session_id":"s1","cwd":"/home/u/p","model":{"id":"claude-opus-4-1","display_name":"Opus"},)"
     R"("rate_limits":{"five_hour":{"used_percentage":28,"resets_at":1794707100},"seven_day":{"used_percentage":41.6,"resets_at":1795000000}}})";
 
 std::optional<WidgetSnapshot> shared(const KorvoWorld& world) {
-  auto result = decodeWidgetSnapshot(readWhole(world.sharedFile()));
+  auto result = decodeWidgetSnapshot(readFile(world.sharedFile()));
   if (auto* snapshot = std::get_if<WidgetSnapshot>(&result)) return *snapshot;
   return std::nullopt;
 }
@@ -43,11 +43,11 @@ TEST(ClaudeStatusLineCliTest, FiguresGoIntoTheFileAndTheLineShowsWhatIsLeft) {
 TEST(ClaudeStatusLineCliTest, InputWithoutLimitsChangesNothing) {
   KorvoWorld world;
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
-  const std::string before = readWhole(world.sharedFile());
+  const std::string before = readFile(world.sharedFile());
   const auto result = world.korvo({"claude-statusline"}, R"({"session_id":"s1"})");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "Claude · no limits yet\n");
-  EXPECT_EQ(readWhole(world.sharedFile()), before);
+  EXPECT_EQ(readFile(world.sharedFile()), before);
 }
 
 TEST(ClaudeStatusLineCliTest, BrokenInputAndNoSharedFilePlaceStillPrintAndExitZero) {
@@ -84,7 +84,7 @@ TEST(ClaudeStatusLineCliTest, AFailingChainStillExitsZero) {
 class ClaudeInstallTest : public testing::Test {
  protected:
   nlohmann::json claudeSettings() const {
-    return nlohmann::json::parse(readWhole(world.claudeSettings()));
+    return nlohmann::json::parse(readFile(world.claudeSettings()));
   }
   KorvoWorld world;
 };
@@ -101,7 +101,7 @@ TEST_F(ClaudeInstallTest, InstallKeepsOtherKeysChainsTheOldLineAndUninstallPutsI
   EXPECT_EQ(settings["statusLine"]["padding"], 0);
   EXPECT_EQ(settings["statusLine"]["command"],
             std::string(KORVO_APP_BINARY) + " claude-statusline --chain '~/.claude/line.sh'");
-  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+  EXPECT_EQ(readFile(world.claudeDir() / "settings.json.korvo-backup"), original);
 
   // Publishing now knows the status line is set up.
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
@@ -134,7 +134,7 @@ TEST_F(ClaudeInstallTest, InvalidJsonIsRefusedAndLeftUntouched) {
     EXPECT_THAT(result.err, HasSubstr(world.claudeSettings().string())) << option;
     EXPECT_THAT(result.err, HasSubstr("left untouched")) << option;
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << option;
-    EXPECT_EQ(readWhole(world.claudeSettings()), broken) << option;
+    EXPECT_EQ(readFile(world.claudeSettings()), broken) << option;
   }
   EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
 }
@@ -152,7 +152,7 @@ TEST_F(ClaudeInstallTest, AStatusLineThatIsNotACommandIsRefused) {
   world.write("claude/settings.json", odd);
   const auto result = world.korvo({"claude-statusline", "--install"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(readWhole(world.claudeSettings()), odd);
+  EXPECT_EQ(readFile(world.claudeSettings()), odd);
 }
 
 TEST_F(ClaudeInstallTest, ThePrivateModeOfClaudesSettingsIsKept) {

@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 using testing_support::KorvoWorld;
-using testing_support::readWhole;
+using testing_support::readFile;
 
 const std::string rolloutLine =
     R"({"timestamp":"2026-11-15T01:30:21.5Z","type":"event_msg","payload":{"type":"token_count","info":null,"rate_limits":{"limit_id":"codex","primary":{"used_percent":28.0,"window_minutes":300,"resets_at":1794721500},"secondary":{"used_percent":42.0,"window_minutes":10080,"resets_at":1795100000}}}})"
@@ -32,7 +32,7 @@ TEST(KorvoPublishTest, PublishWritesTheTemperatureAndCodexsWindows) {
   const auto result = world.korvo({"publish", "--now", "2026-11-15T01:45:00Z"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(
-      readWhole(world.sharedFile()),
+      readFile(world.sharedFile()),
       R"({"date":816399900,"temperature":62,"temperatureDate":816399900,"temperatureEnabled":true,)"
       R"("codex":{"enabled":true,"snapshot":{"windows":[{"title":"5-hour","usedPercent":28,"resetsAt":816414300},)"
       R"({"title":"Weekly","usedPercent":42,"resetsAt":816792800}],"fetchedAt":816399021.5,"source":"Codex CLI"},"isRefreshing":false},)"
@@ -56,7 +56,7 @@ TEST(KorvoPublishTest, PublishKeepsClaudesFiguresAndTheSettingsSwitchPartsOff) {
   ASSERT_EQ(world.korvo({"settings", "temperature", "false"}).exitCode, 0);
   ASSERT_EQ(world.korvo({"settings", "codex", "false"}).exitCode, 0);
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
-  const auto snapshot = decoded(readWhole(world.sharedFile()));
+  const auto snapshot = decoded(readFile(world.sharedFile()));
   EXPECT_FALSE(snapshot.temperatureEnabled);
   EXPECT_EQ(snapshot.temperature, std::nullopt);
   EXPECT_EQ(snapshot.codex, UsageState{});
@@ -170,7 +170,7 @@ TEST(KorvoSettingsTest, ChangesKeepOtherKeysAndReadBack) {
   EXPECT_EQ(world.korvo({"settings", "publishSeconds", "300"}).exitCode, 0);
   EXPECT_EQ(world.korvo({"settings", "publishSeconds"}).out, "300\n");
   EXPECT_EQ(world.korvo({"settings", "claude"}).out, "false\n");
-  EXPECT_EQ(nlohmann::json::parse(readWhole(world.settingsFile())),
+  EXPECT_EQ(nlohmann::json::parse(readFile(world.settingsFile())),
             nlohmann::json::parse(R"({"futureKey":[1,2],"claude":false,"publishSeconds":300})"));
 }
 
@@ -187,7 +187,7 @@ TEST(KorvoSettingsTest, ABadFileIsNamedOnceDefaultsAreUsedAndItIsLeftAsItIs) {
   const auto set = world.korvo({"settings", "codex", "false"});
   EXPECT_EQ(set.exitCode, 1);
   EXPECT_THAT(set.err, HasSubstr("left as it is"));
-  EXPECT_EQ(readWhole(world.settingsFile()), bad);
+  EXPECT_EQ(readFile(world.settingsFile()), bad);
 }
 
 TEST(KorvoSettingsTest, UnknownKeysAndBadValuesAreUsageErrors) {

@@ -6,7 +6,7 @@ namespace korvo {
 namespace {
 
 using testing_support::KorvoWorld;
-using testing_support::readWhole;
+using testing_support::readFile;
 
 // Rollouts and status-line input carry the user's conversations; none of it may leave them.
 const std::string secret = "sk-SECRET-7f3a9c-do-not-copy";
@@ -34,7 +34,7 @@ TEST(PrivacyTest, ASecretInRolloutsAndStatusLineInputAppearsInNoOutput) {
     outputs += result.out + result.err;
   }
   outputs += world.korvo({"claude-statusline"}, "{\"" + secret).out;
-  outputs += readWhole(world.sharedFile());
+  outputs += readFile(world.sharedFile());
   EXPECT_EQ(outputs.find(secret), std::string::npos) << outputs;
 }
 

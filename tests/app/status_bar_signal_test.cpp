@@ -16,7 +16,7 @@ namespace korvo {
 namespace {
 
 using testing_support::KorvoWorld;
-using testing_support::readWhole;
+using testing_support::readFile;
 namespace fs = std::filesystem;
 
 class StandInWaybar {
@@ -51,10 +51,10 @@ class StandInWaybar {
   // The signals it has recorded, once `expected` lines are there or after a few seconds.
   std::string received(std::size_t expected) const {
     waitFor([&] {
-      const std::string text = readWhole(record_);
+      const std::string text = readFile(record_);
       return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) >= expected;
     });
-    return readWhole(record_);
+    return readFile(record_);
   }
 
  private:

@@ -6,6 +6,8 @@
 
 #include <cmath>
 
+#include "support/english_in_utc.hpp"
+
 namespace korvo {
 namespace {
 
@@ -14,11 +16,7 @@ constexpr Date lateNight{816399900};
 
 class DateTextTest : public testing::Test {
  protected:
-  void SetUp() override {
-    UErrorCode status = U_ZERO_ERROR;
-    icu::Locale::setDefault(icu::Locale("en_US"), status);
-    icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("UTC"));
-  }
+  void SetUp() override { testing_support::useEnglishInUtc(); }
 };
 
 TEST_F(DateTextTest, ShortTimeIsHourMinuteAndDayPeriodWithAPlainSpace) {

@@ -8,10 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "cli_process.hpp"
+#include "support/process_run.hpp"
 #include "support/scoped_environment.hpp"
+#include "support/temporary_directory.hpp"
 
-namespace korvo::testing {
+namespace korvo::testing_support {
 
 const std::string fixtureRoot = std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram";
 const std::string sampleFile = std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json";
@@ -37,22 +38,22 @@ class Cli : public ::testing::Test {
             {"TZ", "UTC"},
             {"PATH", "/usr/bin:/bin"}};
   }
-  testing::ProcessResult run(const std::vector<std::string>& args) const {
-    return testing::runCli(args, environment());
+  testing_support::ProcessResult run(const std::vector<std::string>& args) const {
+    return testing_support::runWidgets(args, environment());
   }
-  testing::ProcessResult run(const std::vector<std::string>& args,
-                             const std::map<std::string, std::string>& environment) const {
-    return testing::runCli(args, environment);
+  testing_support::ProcessResult run(const std::vector<std::string>& args,
+                                     const std::map<std::string, std::string>& environment) const {
+    return testing_support::runWidgets(args, environment);
   }
   void writeSharedFile(std::string_view bytes) const {
-    dataHome.write(testing::sharedFileRelative(), bytes);
+    dataHome.write(testing_support::sharedFileRelative(), bytes);
   }
   std::string sharedFilePath() const {
-    return (dataHome.path() / testing::sharedFileRelative()).string();
+    return (dataHome.path() / testing_support::sharedFileRelative()).string();
   }
 
-  testing::TempDir dataHome;
-  testing::TempDir scratch;
+  testing_support::TemporaryDirectory dataHome;
+  testing_support::TemporaryDirectory scratch;
 };
 
-}  // namespace korvo::testing
+}  // namespace korvo::testing_support

@@ -8,12 +8,12 @@ namespace korvo {
 namespace {
 
 using nlohmann::json;
-using testing::Cli;
-using testing::fixtureRoot;
-using testing::nowISO;
-using testing::nowReference;
-using testing::ProcessResult;
-using testing::sampleFile;
+using testing_support::Cli;
+using testing_support::fixtureRoot;
+using testing_support::nowISO;
+using testing_support::nowReference;
+using testing_support::ProcessResult;
+using testing_support::sampleFile;
 
 TEST_F(Cli, ListJsonNamesTheFourWidgetsInGalleryOrder) {
   const ProcessResult result = run({"list", "--json"});
@@ -56,7 +56,7 @@ TEST_F(Cli, TimelineJsonOfMemoryHoldsOneFreshReadingAndReloadsAfter1800Seconds) 
 }
 
 TEST_F(Cli, TimelineJsonOfUsageCarriesTheSharedFileAsItIs) {
-  const std::string bytes = testing::readWhole(sampleFile);
+  const std::string bytes = testing_support::readFile(sampleFile);
   writeSharedFile(bytes);
   const ProcessResult result = run({"timeline", "usage", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
@@ -91,7 +91,7 @@ TEST_F(Cli, TimelineJsonWithoutTheFileHasOneEntryWithANullSnapshot) {
 }
 
 TEST_F(Cli, TimelinePreviewAnswersTheSnapshotWithSampleData) {
-  writeSharedFile(testing::readWhole(sampleFile));
+  writeSharedFile(testing_support::readFile(sampleFile));
   const ProcessResult result = run({"timeline", "usage", "--preview", "--json", "--now", nowISO});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json document = json::parse(result.out);
@@ -101,7 +101,7 @@ TEST_F(Cli, TimelinePreviewAnswersTheSnapshotWithSampleData) {
   EXPECT_EQ(codex["snapshot"]["windows"][1]["usedPercent"], 42);
   EXPECT_EQ(codex, document["snapshot"]["snapshot"]["claude"]);
   EXPECT_EQ(document["timeline"]["entries"][0]["snapshot"],
-            json::parse(testing::readWhole(sampleFile)));
+            json::parse(testing_support::readFile(sampleFile)));
 }
 
 TEST_F(Cli, TimelineJsonOfAwakeNeverReloads) {
@@ -124,7 +124,7 @@ struct RenderCase {
 };
 
 TEST_F(Cli, RenderJsonOfEachWidgetAgainstTheSharedFile) {
-  writeSharedFile(testing::readWhole(sampleFile));
+  writeSharedFile(testing_support::readFile(sampleFile));
   const RenderCase cases[] = {
       {"memory", "small", "com.tessmoor.Korvo.memory", "systemSmall", 170, "korvo://resources"},
       {"memory", "medium", "com.tessmoor.Korvo.memory", "systemMedium", 364, "korvo://resources"},
@@ -165,13 +165,13 @@ bool drawsText(const json& document, const std::string& wanted) {
 }
 
 TEST_F(Cli, RenderDrawsTheSharedFilesTemperatureAndTheSnapshotFilesOverIt) {
-  writeSharedFile(testing::readWhole(sampleFile));
+  writeSharedFile(testing_support::readFile(sampleFile));
   const ProcessResult shared =
       run({"render", "temperature", "--format", "json", "--now", "816399900"});
   ASSERT_EQ(shared.exitCode, 0) << shared.err;
   const json fromContainer = json::parse(shared.out);
 
-  std::string other = testing::readWhole(sampleFile);
+  std::string other = testing_support::readFile(sampleFile);
   other.replace(other.find("52.5"), 4, "71.5");
   const auto otherPath = scratch.write("other.json", other);
   const ProcessResult overridden = run({"render", "temperature", "--format", "json", "--now",
@@ -192,7 +192,7 @@ TEST_F(Cli, RenderWritesPNGAndSVG) {
   const auto png = scratch.path() / "memory.png";
   const ProcessResult toFile = run({"render", "memory", "-o", png.string(), "--now", nowISO});
   ASSERT_EQ(toFile.exitCode, 0) << toFile.err;
-  const std::string bytes = testing::readWhole(png);
+  const std::string bytes = testing_support::readFile(png);
   ASSERT_GT(bytes.size(), 24u);
   EXPECT_EQ(bytes.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
   // Width and height in the IHDR chunk: 170 points at the default scale of 2.
@@ -222,7 +222,7 @@ TEST_F(Cli, SnapshotCheckOfTheSharedFileSaysWhyItIsMissing) {
 }
 
 TEST_F(Cli, SnapshotCheckReadsTheSharedFile) {
-  writeSharedFile(testing::readWhole(sampleFile));
+  writeSharedFile(testing_support::readFile(sampleFile));
   const ProcessResult result = run({"snapshot", "check"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_NE(result.out.find("readable"), std::string::npos);
@@ -231,7 +231,7 @@ TEST_F(Cli, SnapshotCheckReadsTheSharedFile) {
 TEST_F(Cli, SnapshotCheckReencodeWritesTheSampleFileByteForByte) {
   const ProcessResult result = run({"snapshot", "check", sampleFile, "--reencode"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(result.out, testing::readWhole(sampleFile));
+  EXPECT_EQ(result.out, testing_support::readFile(sampleFile));
 }
 
 TEST_F(Cli, SnapshotPathIsTheGroupContainersFile) {
@@ -285,7 +285,7 @@ TEST_F(Cli, GalleryRendersEveryWidgetFamilySchemeAndEntryWithAnIndex) {
     if (file.path().extension() == ".png") {
       ++pictures;
       const std::string name = file.path().filename().string();
-      EXPECT_NE(testing::readWhole(directory / "index.html").find("\"" + name + "\""),
+      EXPECT_NE(testing_support::readFile(directory / "index.html").find("\"" + name + "\""),
                 std::string::npos)
           << name;
     }

@@ -13,11 +13,11 @@ namespace korvo {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::lines;
 using ::testing::Not;
-using testing::ProcessResult;
+using testing_support::lines;
+using testing_support::ProcessResult;
 
-class CliMessages : public testing::Cli {};
+class CliMessages : public testing_support::Cli {};
 
 TEST_F(CliMessages, AnUnknownSubcommandIsNamed) {
   const ProcessResult result = run({"frobnicate"});

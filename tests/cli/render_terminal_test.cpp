@@ -5,20 +5,22 @@
 #include <filesystem>
 #include <thread>
 
-#include "cli_process.hpp"
+#include "support/files.hpp"
+#include "support/process_run.hpp"
 #include "support/scoped_environment.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace korvo {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::ProcessResult;
+using testing_support::ProcessResult;
 
 // A PNG on a terminal is noise that can upset it: the picture has to go to a file.
 class RenderToATerminal : public ::testing::Test {
  protected:
   ProcessResult runTo(const std::vector<std::string>& args, const std::string& out) const {
-    return testing::runCliWritingTo(
+    return testing_support::runWidgets(
         args,
         {{"KORVO_SYSROOT", std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram"},
          {"KORVO_BUNDLE_INFO", std::string(KORVO_BUILD_DATA_DIR) + "/Info.json"},
@@ -45,7 +47,7 @@ class RenderToATerminal : public ::testing::Test {
     if (drain_.joinable()) drain_.join();
   }
   std::string terminal_;
-  testing::TempDir scratch;
+  testing_support::TemporaryDirectory scratch;
 
  private:
   int master_ = -1;
@@ -63,7 +65,7 @@ TEST_F(RenderToATerminal, WithAnOutputFileWritesThePNG) {
   const auto target = scratch.path() / "memory.png";
   const ProcessResult result = runTo({"render", "memory", "-o", target.string()}, terminal_);
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(testing::readWhole(target).substr(1, 3), "PNG");
+  EXPECT_EQ(testing_support::readFile(target).substr(1, 3), "PNG");
 }
 
 }  // namespace

@@ -13,10 +13,10 @@ namespace korvo {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::lines;
-using testing::ProcessResult;
+using testing_support::lines;
+using testing_support::ProcessResult;
 
-class CliSnapshotFile : public testing::Cli {};
+class CliSnapshotFile : public testing_support::Cli {};
 
 // A snapshot file named on the command line that cannot be read is said so; the card still shows
 // what the widget shows without data.
@@ -55,9 +55,9 @@ INSTANTIATE_TEST_SUITE_P(Files, UnreadableSnapshotFile,
                          [](const auto& info) { return info.param.name; });
 
 TEST_F(CliSnapshotFile, AnUnreadableSnapshotFileIsReportedWithWhy) {
-  const auto file = scratch.write(
-      "unreadable.json",
-      testing::readWhole(std::string(KORVO_SOURCE_DIR) + "/data/samples/usage-snapshot.json"));
+  const auto file = scratch.write("unreadable.json",
+                                  testing_support::readFile(std::string(KORVO_SOURCE_DIR) +
+                                                            "/data/samples/usage-snapshot.json"));
   KORVO_AS_UNPRIVILEGED_USER(scratch.path());
   ASSERT_EQ(::chmod(file.c_str(), 0), 0);
   const ProcessResult result =

@@ -8,10 +8,10 @@ namespace korvo {
 namespace {
 
 using nlohmann::json;
-using testing::Cli;
-using testing::nowISO;
-using testing::nowReference;
-using testing::ProcessResult;
+using testing_support::Cli;
+using testing_support::nowISO;
+using testing_support::nowReference;
+using testing_support::ProcessResult;
 
 // The shared file with `codex` and `claude` as given and a temperature read `temperatureAge`
 // seconds before the tests' now.
@@ -110,7 +110,7 @@ TEST_F(Status, UsageShowsEachEnabledProvidersWeeklyRemainingWithItsWindowsInTheT
 }
 
 TEST_F(Status, UsageOfTheSampleFileLeavesTheDisabledProviderOutOfTheFigure) {
-  writeSharedFile(testing::readWhole(testing::sampleFile));
+  writeSharedFile(testing_support::readFile(testing_support::sampleFile));
   const json line = waybar("usage");
   EXPECT_EQ(line["text"], "Codex 58%");
   EXPECT_EQ(line["class"], "");

@@ -13,12 +13,13 @@ namespace korvo {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::ProcessResult;
+using testing_support::ProcessResult;
 
-class CliWriteErrors : public testing::Cli {
+class CliWriteErrors : public testing_support::Cli {
  protected:
-  testing::ProcessResult runTo(const std::vector<std::string>& args, const std::string& out) const {
-    return testing::runCliWritingTo(args, environment(), out);
+  testing_support::ProcessResult runTo(const std::vector<std::string>& args,
+                                       const std::string& out) const {
+    return testing_support::runWidgets(args, environment(), out);
   }
 };
 
@@ -31,7 +32,8 @@ class StandardOutputFull : public CliWriteErrors,
                            public ::testing::WithParamInterface<FullOutputCase> {};
 
 TEST_P(StandardOutputFull, ExitsOneSayingWhatAndWhy) {
-  dataHome.write(testing::sharedFileRelative(), testing::readWhole(testing::sampleFile));
+  dataHome.write(testing_support::sharedFileRelative(),
+                 testing_support::readFile(testing_support::sampleFile));
   std::vector<std::string> args = GetParam().args;
   for (std::string& arg : args) {
     if (arg == "GALLERY") arg = (scratch.path() / "gallery").string();

@@ -74,7 +74,7 @@ class DashboardAccessibility : public testing::Test {
     return out;
   }
 
-  TempFolder folder;
+  TemporaryDirectory folder;
   std::unique_ptr<XServer> server;
   std::unique_ptr<ActivatingSessionBus> bus;
   Environment environment;

@@ -79,7 +79,7 @@ class DashboardLinks : public testing::Test {
     return testing_support::runProgram(KORVO_APP_BINARY, args, environment);
   }
 
-  TempFolder folder;
+  TemporaryDirectory folder;
   std::unique_ptr<XServer> server;
   std::unique_ptr<bus_test::PrivateBus> bus;
   Environment environment;

@@ -46,7 +46,7 @@ class SettingsPageTest : public ::testing::Test {
 
   testing_support::KorvoWorld world;
   std::unique_ptr<desktop_test::XServer> server;
-  korvo::testing::ScopedEnvironment environment;
+  testing_support::ScopedEnvironment environment;
 };
 
 TEST_F(SettingsPageTest, TurningCpuTemperatureOffWritesTheFileAtOnceAndTheWidgetAsksToEnableIt) {

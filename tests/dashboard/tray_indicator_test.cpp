@@ -48,7 +48,7 @@ class TrayIndicatorTest : public testing::Test {
     return text.empty() ? "" : nlohmann::json::parse(text).value("page", "");
   }
 
-  TempFolder folder;
+  TemporaryDirectory folder;
   std::unique_ptr<XServer> server;
   std::unique_ptr<bus_test::PrivateBus> bus;
   std::unique_ptr<bus_test::Mock> mock;

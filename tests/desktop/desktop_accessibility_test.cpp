@@ -99,7 +99,7 @@ class AccessibleHost : public testing::Test {
     expectReadsAsTree(window, Json::parse(readFile(dumpFile))["tree"], dumpFile.filename());
   }
 
-  TempFolder folder_;
+  TemporaryDirectory folder_;
   std::unique_ptr<XServer> server_;
   std::unique_ptr<ActivatingSessionBus> bus_;
   Environment reader_;

@@ -131,7 +131,7 @@ class DesktopHost : public testing::Test {
     return urls;
   }
 
-  TempFolder folder_;
+  TemporaryDirectory folder_;
   std::unique_ptr<XServer> server_;
   Environment environment_;
   std::unique_ptr<Process> host_;

@@ -83,7 +83,7 @@ class Session : public testing::Test {
     return runCommand({"/bin/sh", "-c", commandLine + " 2>&1"}, environment_);
   }
 
-  TempFolder folder_;
+  TemporaryDirectory folder_;
   std::unique_ptr<XServer> server_;
   std::unique_ptr<Process> bus_;
   Environment environment_;

@@ -57,7 +57,7 @@ std::string describe(const std::optional<PixelRect>& rect) {
 
 class WaylandHost : public testing::Test {
  protected:
-  // Sway with `outputs` outputs at `scale`; skips the test when sway cannot start at all.
+  // Sway with `outputs` outputs at `scale`; fails the test when sway cannot start at all.
   void startSway(double scale, int outputs = 1) {
     ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
     const auto base = hostEnvironment(folder_.path(), {
@@ -74,7 +74,7 @@ class WaylandHost : public testing::Test {
     handToTestUser(folder_.path());
     scale_ = scale;
     sway_ = std::make_unique<Sway>(outputWidth, outputHeight, scale, folder_.path(), outputs);
-    if (!sway_->failure().empty()) GTEST_SKIP() << sway_->failure();
+    ASSERT_EQ(sway_->failure(), "") << "sway could not start";
     ASSERT_EQ(sway_->pointerFailure(), "");
     environment_ = sway_->environment(base);
   }
@@ -176,7 +176,7 @@ class WaylandHost : public testing::Test {
     }
   }
 
-  TempFolder folder_;
+  TemporaryDirectory folder_;
   double scale_ = 1;
   std::unique_ptr<Sway> sway_;
   Environment environment_;
@@ -187,8 +187,7 @@ class WaylandHost : public testing::Test {
 class WaylandPlacement : public WaylandHost, public testing::WithParamInterface<double> {};
 
 TEST_P(WaylandPlacement, EveryAnchorAndMarginLandsWhereThePlacementsSayOnTheBottomLayer) {
-  startSway(GetParam());
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(GetParam()));
   writePlacements(R"([
     {"kind": "memory", "anchor": "top-left", "margin": 24},
     {"kind": "awake", "anchor": "top-right", "margin": 40},
@@ -230,8 +229,7 @@ INSTANTIATE_TEST_SUITE_P(Scales, WaylandPlacement, testing::Values(1.0, 2.0), []
 // The same card drawn by the host on a scale-2 output and by the headless renderer at 2x: a host
 // that drew at 1x and let the compositor stretch it would blur every edge and glyph.
 TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
-  startSway(2);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(2));
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
   ASSERT_TRUE(startSurface("background", belowColor))
@@ -272,8 +270,7 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
 }
 
 TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurfaceBelow) {
-  startSway(1);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
   registerUrlRecorder(folder_.path());
   writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
   startHost({});
@@ -303,8 +300,7 @@ TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurf
 }
 
 TEST_F(WaylandHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNever) {
-  startSway(1);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
   expectMonitorReloadsEveryNineHundredSeconds(
       snapshotFile(), hostLog(), folder_.path() / "dump",
       [&](std::vector<std::string> arguments) { startHost(std::move(arguments)); });
@@ -314,8 +310,7 @@ TEST_F(WaylandHost, AMonitorWidgetReloadsAfterNineHundredSecondsAndKeepAwakeNeve
 // "Updated 2 min ago" moves on on screen, without a reload: the clock runs ten times as fast, so
 // a minute passes every six real seconds and the next reload is over a minute away.
 TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
-  startSway(1);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
   const double now = static_cast<double>(std::time(nullptr));
   writeFile(snapshotFile(), usageSnapshot(10, 41, now, 150));
   const auto rendered = runCommand({KORVO_BINARY, "render", "usage", "--family", "medium",
@@ -357,8 +352,7 @@ TEST_F(WaylandHost, ALiveRelativeTextAdvancesOnScreen) {
 }
 
 TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
-  startSway(1, 2);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(1, 2));
   std::vector<SwayOutput> outputs;
   // The nested outputs start at the backend's default size and are laid out again as the outer
   // windows tile: wait for the final side-by-side arrangement.
@@ -416,8 +410,7 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
 // The desktop's colour scheme comes from the portal (a fake one on a private session bus here);
 // switching it while the host runs repaints the cards.
 TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
-  startSway(1);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
   startSessionBus();
   const auto scheme = folder_.path() / "scheme";
   writeFile(scheme, "2");
@@ -462,8 +455,7 @@ TEST_F(WaylandHost, SwitchingThePortalsColourSchemeRepaintsTheWidgets) {
 // opens the dashboard's tabs from its menu.
 TEST_F(WaylandHost, TheDashboardAndItsIndicatorRunHere) {
   ASSERT_STRNE(KORVO_APP_BINARY, "") << "korvo was not built";
-  startSway(1);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
   startSessionBus();
   constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
   clients_.push_back(std::make_unique<Process>(
@@ -581,7 +573,7 @@ class NoLayerShell : public testing::Test {
     const auto base = hostEnvironment(folder_.path(), {{"NO_AT_BRIDGE", "1"}});
     handToTestUser(folder_.path());
     weston_ = std::make_unique<Weston>(xwayland, folder_.path());
-    if (!weston_->failure().empty()) GTEST_SKIP() << weston_->failure();
+    ASSERT_EQ(weston_->failure(), "") << "weston could not start";
     environment_ = weston_->environment(base);
     host_ = std::make_unique<Process>(
         asTestUser({KORVO_BINARY, "run", "--widget", "awake", "--widget", "memory", "--dump-dir",
@@ -612,15 +604,14 @@ class NoLayerShell : public testing::Test {
     return ids;
   }
 
-  TempFolder folder_;
+  TemporaryDirectory folder_;
   std::unique_ptr<Weston> weston_;
   Environment environment_;
   std::unique_ptr<Process> host_;
 };
 
 TEST_F(NoLayerShell, WithXWaylandTheWidgetsRunThroughItAsOnX11AndTheHostSaysWhyOnce) {
-  start(true);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(start(true));
   std::vector<std::string> ids;
   ASSERT_TRUE(waitFor([&] {
     ids = visibleWidgets();
@@ -639,8 +630,7 @@ TEST_F(NoLayerShell, WithXWaylandTheWidgetsRunThroughItAsOnX11AndTheHostSaysWhyO
 }
 
 TEST_F(NoLayerShell, WithoutXWaylandTheWidgetsAreOrdinaryWindowsAndTheHostSaysSo) {
-  start(false);
-  if (IsSkipped() || HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(start(false));
   ASSERT_TRUE(waitFor([&] { return fs::exists(folder_.path() / "dump" / "2-memory-small.json"); }))
       << readFile(hostLog());
   EXPECT_EQ(timesSaid("offers neither layer-shell nor XWayland; the widgets are ordinary windows"),
@@ -652,11 +642,11 @@ TEST_F(NoLayerShell, WithoutXWaylandTheWidgetsAreOrdinaryWindowsAndTheHostSaysSo
 // GNOME's compositor keeps what the X11 hints ask for: below, sticky, out of the taskbar.
 TEST(GnomeCompositor, TheWidgetsRunThroughXWaylandBelowOnEveryWorkspaceOutOfTheTaskbar) {
   ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
-  TempFolder folder;
+  TemporaryDirectory folder;
   const auto base = hostEnvironment(folder.path(), {{"NO_AT_BRIDGE", "1"}});
   handToTestUser(folder.path());
   Mutter mutter(folder.path());
-  if (!mutter.failure().empty()) GTEST_SKIP() << mutter.failure();
+  ASSERT_EQ(mutter.failure(), "") << "mutter could not start";
   const auto environment = mutter.environment(base);
   const auto hostLog = folder.path() / "host.err";
   Process host(asTestUser({KORVO_BINARY, "run", "--widget", "awake"}), environment,

@@ -2,14 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "base/clock.hpp"
 #include "extension/sample_data.hpp"
 #include "extension/widget_content.hpp"
-#include "render/pango_text_measurer.hpp"
 #include "sampling/system_sampler.hpp"
 #include "shared/app_identity.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/files.hpp"
 #include "support/scoped_environment.hpp"
+#include "support/temporary_directory.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 #include "views/awake/awake_shortcut_view.hpp"
 #include "views/memory/memory_widget_view.hpp"
@@ -122,11 +124,9 @@ TEST(KorvoWidgets, FindsAWidgetByItsFullKindOrItsLastWord) {
 class WidgetViews : public ::testing::Test {
  protected:
   void SetUp() override {
-    testing::useMachine(environment, std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram",
-                        dataHome.path());
-    clock::setFixed(now);
+    testing_support::useMachine(environment, std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram",
+                                dataHome.path());
   }
-  void TearDown() override { clock::reset(); }
 
   static AnyEntry timelineEntry(const WidgetConfiguration& widget, const TimelineContext& context) {
     std::optional<AnyTimeline> timeline;
@@ -134,8 +134,9 @@ class WidgetViews : public ::testing::Test {
     return timeline->entries.front();
   }
 
-  testing::TempDir dataHome;
-  testing::ScopedEnvironment environment;
+  testing_support::TemporaryDirectory dataHome;
+  testing_support::ScopedEnvironment environment;
+  const testing_support::FixedClock fixedClock_{now};
   ui::Environment small{.family = WidgetFamily::systemSmall, .now = now};
 };
 
@@ -161,7 +162,7 @@ TEST_F(WidgetViews, AwakeContentIsTheSameCardForAnyDate) {
 
 // The usage and temperature widgets share the provider and the view; the flag is all that differs.
 TEST_F(WidgetViews, SameMonitorEntryThroughUsageAndTemperatureDiffersOnlyByTheFlag) {
-  dataHome.write(testing::sharedFileRelative(), testing::readFile(sampleFile));
+  dataHome.write(testing_support::sharedFileRelative(), testing_support::readFile(sampleFile));
   const AnyEntry usage = timelineEntry(KorvoUsageWidget{}.body(), {});
   const AnyEntry temperature = timelineEntry(KorvoTemperatureWidget{}.body(), {});
   EXPECT_EQ(usage.date, temperature.date);
@@ -176,7 +177,7 @@ TEST_F(WidgetViews, SameMonitorEntryThroughUsageAndTemperatureDiffersOnlyByTheFl
 }
 
 TEST_F(WidgetViews, UsageOpensUsageAndTemperatureOpensResources) {
-  dataHome.write(testing::sharedFileRelative(), testing::readFile(sampleFile));
+  dataHome.write(testing_support::sharedFileRelative(), testing_support::readFile(sampleFile));
   const struct {
     WidgetConfiguration widget;
     const char* url;
@@ -184,10 +185,11 @@ TEST_F(WidgetViews, UsageOpensUsageAndTemperatureOpensResources) {
                {KorvoTemperatureWidget{}.body(), "korvo://resources"},
                {KorvoMemoryWidget{}.body(), "korvo://resources"},
                {KorvoAwakeWidget{}.body(), "korvo://awake"}};
+  ui::testing::FakeTextMeasurer measurer;
   for (const auto& c : cases) {
     const AnyEntry entry = timelineEntry(c.widget, {});
-    const ui::WidgetLayout laidOut = ui::layoutWidget(c.widget.kind, entry.view(small), small,
-                                                      render::PangoTextMeasurer::shared());
+    const ui::WidgetLayout laidOut =
+        ui::layoutWidget(c.widget.kind, entry.view(small), small, measurer);
     EXPECT_EQ(laidOut.url, c.url) << c.widget.kind;
   }
 }

@@ -7,13 +7,16 @@
 #include "extension/sample_data.hpp"
 #include "sampling/system_sampler.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/files.hpp"
 #include "support/scoped_environment.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace korvo {
 namespace {
 
-using testing::ScopedEnvironment;
-using testing::TempDir;
+using testing_support::ScopedEnvironment;
+using testing_support::TemporaryDirectory;
 
 const Date now = Date::fromUnixSeconds(1'794'707'100);  // 2026-11-15T01:45:00Z
 const std::filesystem::path desktopRoot = std::string(KORVO_FIXTURES_DIR) + "/proc/desktop-zram";
@@ -27,32 +30,28 @@ class NoMachine : public ::testing::Test {
     environment.unset("XDG_DATA_HOME");
     environment.unset("HOME");
     environment.set("KORVO_BUNDLE_INFO", (empty.path() / "missing-Info.json").string());
-    clock::setFixed(now);
   }
-  void TearDown() override { clock::reset(); }
 
-  TempDir empty;
+  TemporaryDirectory empty;
   ScopedEnvironment environment;
+  const testing_support::FixedClock fixedClock_{now};
 };
 
 // A machine with fixture /proc figures and the sample shared file in its group container.
 class FixtureMachine : public ::testing::Test {
  protected:
-  void SetUp() override {
-    testing::useMachine(environment, desktopRoot, dataHome.path());
-    clock::setFixed(now);
-  }
-  void TearDown() override { clock::reset(); }
+  void SetUp() override { testing_support::useMachine(environment, desktopRoot, dataHome.path()); }
 
   void writeSharedFile() const {
-    dataHome.write(testing::sharedFileRelative(), testing::readFile(sampleFile));
+    dataHome.write(testing_support::sharedFileRelative(), testing_support::readFile(sampleFile));
   }
   WidgetSnapshot storedSnapshot() const {
     return *WidgetSnapshotStore::load(WidgetSnapshotStore::fileURL());
   }
 
-  TempDir dataHome;
+  TemporaryDirectory dataHome;
   ScopedEnvironment environment;
+  const testing_support::FixedClock fixedClock_{now};
 };
 
 template <class Entry, class Provider>
@@ -152,7 +151,7 @@ TEST_F(FixtureMachine, MemoryTimelineIsOneFreshReadingReloadedAfter1800Seconds) 
 }
 
 TEST_F(FixtureMachine, MemoryTimelineReadsTheContextsRootOverTheEnvironments) {
-  TempDir empty;
+  TemporaryDirectory empty;
   const auto timeline = timelineOf<MemoryEntry>(MemoryProvider{}, {.systemRoot = empty.path()});
   ASSERT_EQ(timeline.entries.size(), 1u);
   EXPECT_FALSE(timeline.entries[0].memory.has_value());
@@ -185,7 +184,7 @@ TEST_F(FixtureMachine, MonitorTimelineWithoutTheFileHoldsOneEntryWithoutSnapshot
 }
 
 TEST_F(FixtureMachine, MonitorTimelineWithAnUndecodableFileHoldsOneEntryWithoutSnapshot) {
-  dataHome.write(testing::sharedFileRelative(), "{\"date\": 1");
+  dataHome.write(testing_support::sharedFileRelative(), "{\"date\": 1");
   const auto timeline = timelineOf<MonitorEntry>(MonitorProvider{}, {});
   ASSERT_EQ(timeline.entries.size(), 1u);
   EXPECT_FALSE(timeline.entries[0].snapshot.has_value());

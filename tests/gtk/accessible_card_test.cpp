@@ -20,7 +20,7 @@ using ui::AccessibleRole;
 class AccessibleCard : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    folder_ = new desktop_test::TempFolder;
+    folder_ = new desktop_test::TemporaryDirectory;
     server_ = new desktop_test::XServer(800, 600, folder_->path());
     setenv("DISPLAY", server_->display().c_str(), 1);
     setenv("GDK_BACKEND", "x11", 1);
@@ -81,7 +81,7 @@ class AccessibleCard : public testing::Test {
     }
   }
 
-  static desktop_test::TempFolder* folder_;
+  static desktop_test::TemporaryDirectory* folder_;
   static desktop_test::XServer* server_;
   GtkWidget* window_ = nullptr;
   AtkObject* card_ = nullptr;
@@ -89,7 +89,7 @@ class AccessibleCard : public testing::Test {
   int namesChanged_ = 0;
 };
 
-desktop_test::TempFolder* AccessibleCard::folder_ = nullptr;
+desktop_test::TemporaryDirectory* AccessibleCard::folder_ = nullptr;
 desktop_test::XServer* AccessibleCard::server_ = nullptr;
 
 AccessibleElement text(std::string name, ui::Rect frame = {16, 16, 60, 12}) {

@@ -7,15 +7,15 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/cli_process.hpp"
+#include "support/process_run.hpp"
 #include "support/temporary_directory.hpp"
 
 namespace korvo {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ProcessResult;
-using TempDir = testing_support::TemporaryDirectory;
+using testing_support::ProcessResult;
+using testing_support::TemporaryDirectory;
 
 const fs::path dataDir = fs::path(KORVO_SOURCE_DIR) / "data";
 constexpr bool buildsKorvo = KORVO_BUILDS_KORVO;
@@ -35,7 +35,7 @@ bool has(const std::vector<std::string>& items, const std::string& item) {
 class Installed : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
-    folder_ = new TempDir;
+    folder_ = new TemporaryDirectory;
     ::chmod(folder_->path().c_str(), 0755);
     prefix_ = new fs::path(folder_->path() / "prefix");
     install_ = new ProcessResult(testing_support::runProgram(
@@ -67,7 +67,7 @@ class Installed : public ::testing::Test {
     return files;
   }
 
-  static inline TempDir* folder_ = nullptr;
+  static inline TemporaryDirectory* folder_ = nullptr;
   static inline fs::path* prefix_ = nullptr;
   static inline ProcessResult* install_ = nullptr;
 };
@@ -109,12 +109,13 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
 
 TEST_F(Installed, UnitsAndBusServicesStartTheInstalledPrograms) {
   const std::string bin = (prefix() / "bin").string();
-  const auto unit = lines(testing::readWhole(prefix() / "lib/systemd/user/korvo-widgets.service"));
+  const auto unit =
+      lines(testing_support::readFile(prefix() / "lib/systemd/user/korvo-widgets.service"));
   EXPECT_TRUE(has(unit, "ExecStart=" + bin + "/korvo-widgets run"));
   EXPECT_TRUE(has(unit, "PartOf=graphical-session.target"));
   EXPECT_TRUE(has(unit, "WantedBy=graphical-session.target"));
-  const auto service = lines(
-      testing::readWhole(prefix() / "share/dbus-1/services/com.tessmoor.Korvo.Widgets.service"));
+  const auto service = lines(testing_support::readFile(
+      prefix() / "share/dbus-1/services/com.tessmoor.Korvo.Widgets.service"));
   EXPECT_TRUE(has(service, "Exec=" + bin + "/korvo-widgets run"));
   EXPECT_TRUE(has(service, "SystemdService=korvo-widgets.service"));
 }
@@ -148,7 +149,7 @@ TEST_F(Installed, EveryDesktopEntryValidates) {
     EXPECT_EQ(result.exitCode, 0) << entry << result.out << result.err;
     EXPECT_EQ(result.out + result.err, "") << entry;
   }
-  const auto korvo = lines(testing::readWhole(dataDir / "com.tessmoor.Korvo.desktop"));
+  const auto korvo = lines(testing_support::readFile(dataDir / "com.tessmoor.Korvo.desktop"));
   EXPECT_TRUE(has(korvo, "MimeType=x-scheme-handler/korvo;"));
   EXPECT_TRUE(has(korvo, "Exec=korvo open %u"));
 }
@@ -158,7 +159,7 @@ TEST_F(Installed, TheMetainfoValidatesAndShowsTheGallery) {
   const ProcessResult result =
       run("/usr/bin/appstreamcli", {"validate", "--no-net", metainfo.string()});
   EXPECT_EQ(result.exitCode, 0) << result.out << result.err;
-  const std::string text = testing::readWhole(metainfo);
+  const std::string text = testing_support::readFile(metainfo);
   for (const char* picture :
        {"memory-medium-light-placeholder.png", "usage-medium-dark-placeholder.png",
         "temperature-small-light-placeholder.png"}) {
@@ -178,7 +179,7 @@ TEST_F(Installed, TheUserUnitsVerify) {
     fs::create_directories(stub.parent_path());
     std::ofstream(stub) << "#!/bin/sh\n";
     fs::permissions(stub, fs::perms::owner_all);
-    std::string unit = testing::readWhole(dataDir / "korvo.service");
+    std::string unit = testing_support::readFile(dataDir / "korvo.service");
     const std::string exec = "\nExecStart=korvo ";
     unit.replace(unit.find(exec), exec.size(), "\nExecStart=" + stub.string() + " ");
     const fs::path copy = folder_->path() / "stub" / "korvo.service";

@@ -36,22 +36,23 @@ CommandResult apt(const std::string& arguments, const fs::path& folder = "/") {
 }
 
 // The package as CPack builds it from this build tree, installed on this machine with apt, used
-// from /usr, and purged. It changes the machine, so it runs only where it may: as root with apt,
-// and not over an installation of someone else's.
+// from /usr, and purged. It changes the machine: it needs root and apt (and fails without them),
+// and stands aside over an installation of someone else's.
 class Package : public testing::Test {
  protected:
   void SetUp() override {
-    if (::geteuid() != 0) GTEST_SKIP() << "installing a package needs root";
-    if (!fs::exists("/usr/bin/apt-get")) GTEST_SKIP() << "no apt-get on this machine";
+    ASSERT_EQ(::geteuid(), 0U) << "installing a package needs root";
+    ASSERT_TRUE(fs::exists("/usr/bin/apt-get")) << "no apt-get on this machine";
+    // Someone's own installation is theirs to keep: nothing is wrong with the package then.
     if (installed() || fs::exists("/usr/bin/korvo-widgets")) {
       GTEST_SKIP() << "korvo-widgets is already installed here; the test would remove it";
     }
   }
   void TearDown() override {
-    if (installed()) apt("purge korvo-widgets");
+    if (!IsSkipped() && installed()) apt("purge korvo-widgets");
   }
 
-  TempFolder folder_;
+  TemporaryDirectory folder_;
 };
 
 TEST_F(Package, InstallsRunsFromUsrAndLeavesNothingBehindOnPurge) {

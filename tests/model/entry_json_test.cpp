@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "extension/sample_data.hpp"
+#include "sampling/memory_snapshot.hpp"
 #include "shared/widget_snapshot_json.hpp"
-#include "support/scoped_environment.hpp"
+#include "support/files.hpp"
 
 namespace korvo {
 namespace {
@@ -34,7 +34,12 @@ TEST(EntryJSON, MemoryEntryWithoutAReadingWritesNull) {
 
 TEST(EntryJSON, MemoryEntryWritesTheEightFieldsAndTheDerivedFigures) {
   const Date now{816399900};
-  const auto json = entryJSON(MemoryEntry{.date = now, .memory = SampleData::memoryReading(now)});
+  MemorySnapshot memory = MemorySnapshot::fromPageCounts(
+      17'179'869'184, 4'096, /*active=*/1'500'000, /*inactive=*/500'000, /*wired=*/250'000,
+      /*compressed=*/250'000, /*purgeable=*/100'000, /*external=*/200'000, /*swap=*/std::nullopt,
+      MemoryPressure::normal);
+  memory.timestamp = now;
+  const auto json = entryJSON(MemoryEntry{.date = now, .memory = memory});
   EXPECT_EQ(json["memory"].dump(),
             R"({"total":17179869184,"app":6963200000,"wired":1024000000,"compressed":1024000000,)"
             R"("cached":1228800000,"swap":null,"pressure":"Normal","timestamp":816399900,)"
@@ -42,7 +47,7 @@ TEST(EntryJSON, MemoryEntryWritesTheEightFieldsAndTheDerivedFigures) {
 }
 
 TEST(EntryJSON, MonitorEntryWritesTheSnapshotInTheSharedFilesOwnForm) {
-  const std::string bytes = testing::readFile(sampleFile);
+  const std::string bytes = testing_support::readFile(sampleFile);
   const auto decoded = decodeWidgetSnapshot(bytes);
   ASSERT_TRUE(std::holds_alternative<WidgetSnapshot>(decoded));
   const auto json = entryJSON(

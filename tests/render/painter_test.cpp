@@ -8,13 +8,15 @@
 
 #include "render/image_output.hpp"
 #include "render/pango_text_measurer.hpp"
-#include "support/png_pixels.hpp"
+#include "support/render/png_image.hpp"
+#include "support/temporary_directory.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo::ui {
 namespace {
 
-using testing::PngPixels;
+using viewtest::near;
+using viewtest::PngImage;
 
 WidgetLayout card(const View& view, Environment environment = {}, double scale = 2) {
   return layoutWidget("com.tessmoor.Korvo.test", view, environment,
@@ -37,28 +39,31 @@ TEST(Painter, PngHasTheCardSizeTimesTheScale) {
         Case{WidgetFamily::systemMedium, 1, 364, 170},
         Case{WidgetFamily::systemMedium, 2, 728, 340}}) {
     const Environment environment{.family = c.family};
-    const PngPixels png(render::renderPNG(card(bar, environment, c.scale), {.scale = c.scale}));
-    ASSERT_TRUE(png.valid());
-    EXPECT_EQ(png.width(), c.width);
-    EXPECT_EQ(png.height(), c.height);
+    const auto png =
+        PngImage::decode(render::renderPNG(card(bar, environment, c.scale), {.scale = c.scale}));
+    ASSERT_TRUE(png);
+    EXPECT_EQ(png->width(), c.width);
+    EXPECT_EQ(png->height(), c.height);
   }
 }
 
 TEST(Painter, MeterFillAndTrackHaveTheirColours) {
   const WidgetLayout widget = card(bar, {.hostSuppliesContainerBackground = false}, 1);
-  const PngPixels png(render::renderPNG(widget, {.scale = 1}));
+  const auto png = PngImage::decode(render::renderPNG(widget, {.scale = 1}));
+  ASSERT_TRUE(png);
   // Fill: the left half, 3 points down; track: the right half over the grey card.
-  EXPECT_TRUE(testing::near(png.at(40, 3), "#FF3B30FF"));
-  const auto track = png.at(130, 3);
-  EXPECT_TRUE(testing::near(track, "#D7D7D7FF", 3)) << track.red << " " << track.alpha;
-  EXPECT_TRUE(testing::near(png.at(85, 100), "#ECECECFF"));
+  EXPECT_TRUE(near(png->pixel(40, 3), "#FF3B30FF"));
+  const Color track = png->pixel(130, 3);
+  EXPECT_TRUE(near(track, "#D7D7D7FF", 3.0 / 255)) << track.hex();
+  EXPECT_TRUE(near(png->pixel(85, 100), "#ECECECFF"));
 }
 
 TEST(Painter, CornersOutsideTheRoundedCardStayTransparent) {
-  const PngPixels png(
+  const auto png = PngImage::decode(
       render::renderPNG(card(bar, {.hostSuppliesContainerBackground = false}, 1), {.scale = 1}));
-  EXPECT_EQ(png.at(0, 169).alpha, 0);
-  EXPECT_EQ(png.at(2, 2).alpha, 0);
+  ASSERT_TRUE(png);
+  EXPECT_EQ(png->pixel(0, 169).alpha, 0);
+  EXPECT_EQ(png->pixel(2, 2).alpha, 0);
 }
 
 TEST(Painter, SvgIsWellFormedXml) {
@@ -66,10 +71,9 @@ TEST(Painter, SvgIsWellFormedXml) {
       vstack({text("Memory <b>&amp;</b> & more"), label("MEMORY", "memorychip"), bar});
   const std::string svg = render::renderSVG(card(view), {.scale = 1});
   ASSERT_FALSE(svg.empty());
-  const auto path = std::filesystem::temp_directory_path() / "korvo_ui_painter_test.svg";
-  std::ofstream(path) << svg;
+  const testing_support::TemporaryDirectory directory;
+  const auto path = directory.write("card.svg", svg);
   EXPECT_EQ(std::system(("xmllint --noout " + path.string()).c_str()), 0);
-  std::filesystem::remove(path);
 }
 
 TEST(Painter, MarkupCharactersAreDrawnAsTheyStand) {
@@ -79,7 +83,7 @@ TEST(Painter, MarkupCharactersAreDrawnAsTheyStand) {
   EXPECT_EQ(node.lines[0].content, "<b>Hi</b> & co");
   auto& measurer = render::PangoTextMeasurer::shared();
   EXPECT_GT(node.frame.width, measurer.measure("Hi & co", Font::body(), 0, infinity).width + 10);
-  EXPECT_TRUE(PngPixels(render::renderPNG(widget, {})).valid());
+  EXPECT_TRUE(PngImage::decode(render::renderPNG(widget, {})));
 }
 
 TEST(Painter, MonospacedDigitsGiveEveryDigitOneWidth) {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "sampling/system_sampler.hpp"
-#include "temp_root.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace korvo {
 namespace {
@@ -37,7 +37,7 @@ std::map<std::string, std::uint64_t> figures(const std::string& text) {
 TEST(LiveMemoryTest, UsedIsWhatHtopShowsAndTheFiguresAddUpToTotal) {
   const std::string meminfo = fileText("/proc/meminfo");
   ASSERT_FALSE(meminfo.empty());
-  testing::TempRoot root;
+  testing_support::TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   root.write("proc/pressure/memory", fileText("/proc/pressure/memory"));
   std::uint64_t zram = 0;

@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "base/clock.hpp"
 #include "sampling/checked_arithmetic.hpp"
+#include "support/base/fixed_clock.hpp"
 
 namespace korvo {
 namespace {
@@ -14,8 +14,7 @@ constexpr std::uint64_t sixteenGiB = 17'179'869'184;
 
 class MemorySnapshotTest : public ::testing::Test {
  protected:
-  void SetUp() override { clock::setFixed(Date{800'000'000.25}); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{Date{800'000'000.25}};
 };
 
 TEST_F(MemorySnapshotTest, PlaceholderReadingFromPageCounts) {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "base/clock.hpp"
 #include "sampling/system_sampler.hpp"
+#include "support/base/fixed_clock.hpp"
 
 // Readings of machine-shaped trees under tests/fixtures/proc, 4096-byte pages. Each expected
 // figure is worked out by hand from the fixture's meminfo (kB, so a page is 4 kB) and zram bytes:
@@ -15,8 +15,7 @@ namespace {
 
 class FixtureTreeTest : public ::testing::Test {
  protected:
-  void SetUp() override { clock::setFixed(Date{784'000'000.5}); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{Date{784'000'000.5}};
 
   static SystemSampler sampler(const std::string& machine) {
     return SystemSampler(std::string(KORVO_FIXTURES_DIR) + "/proc/" + machine, 4096);

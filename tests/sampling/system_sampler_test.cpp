@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "temp_root.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace korvo {
 namespace {
 
-using testing::TempRoot;
+using testing_support::TemporaryDirectory;
 
 // A small, self-consistent meminfo (kB): 1000 pages of 4 kB.
 constexpr std::string_view meminfo =
@@ -40,7 +40,7 @@ std::string without(std::string_view text, std::string_view name) {
 }
 
 TEST(SystemSamplerTest, ReadsTheRootsFiles) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   root.write("proc/pressure/memory", calm);
   const SystemSampler sampler(root.path(), 4096);
@@ -58,7 +58,7 @@ TEST(SystemSamplerTest, ReadsTheRootsFiles) {
 }
 
 TEST(SystemSamplerTest, MissingMeminfoIsNoReading) {
-  TempRoot root;
+  TemporaryDirectory root;
   const SystemSampler sampler(root.path(), 4096);
   EXPECT_EQ(sampler.total(), std::nullopt);
   EXPECT_EQ(sampler.readMemory(), std::nullopt);
@@ -78,7 +78,7 @@ struct BrokenMeminfo {
 class BrokenMeminfoTest : public ::testing::TestWithParam<BrokenMeminfo> {};
 
 TEST_P(BrokenMeminfoTest, IsNoReading) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", GetParam().text);
   EXPECT_EQ(SystemSampler(root.path(), 4096).readMemory(), std::nullopt);
 }
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<BrokenMeminfo>& info) { return info.param.name; });
 
 TEST(SystemSamplerTest, MeminfoVanishingAfterConstructionIsNoReading) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   const SystemSampler sampler(root.path(), 4096);
   std::filesystem::remove(root.path() / "proc/meminfo");
@@ -101,7 +101,7 @@ TEST(SystemSamplerTest, MeminfoVanishingAfterConstructionIsNoReading) {
 }
 
 TEST(SystemSamplerTest, TotalIsReadOnceAtConstruction) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   const SystemSampler sampler(root.path(), 4096);
   std::string larger(meminfo);
@@ -113,7 +113,7 @@ TEST(SystemSamplerTest, TotalIsReadOnceAtConstruction) {
 }
 
 TEST(SystemSamplerTest, MissingSwapLinesGiveAReadingWithoutSwap) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", without(without(meminfo, "SwapTotal"), "SwapFree"));
   const auto snapshot = SystemSampler(root.path(), 4096).readMemory();
   ASSERT_TRUE(snapshot);
@@ -122,7 +122,7 @@ TEST(SystemSamplerTest, MissingSwapLinesGiveAReadingWithoutSwap) {
 }
 
 TEST(SystemSamplerTest, SwapFreeAboveSwapTotalGivesAReadingWithoutSwap) {
-  TempRoot root;
+  TemporaryDirectory root;
   std::string text(meminfo);
   text.replace(text.find("1024 kB"), 4, "4096");
   root.write("proc/meminfo", text);
@@ -132,7 +132,7 @@ TEST(SystemSamplerTest, SwapFreeAboveSwapTotalGivesAReadingWithoutSwap) {
 }
 
 TEST(SystemSamplerTest, MissingPressureFileIsUnknown) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   const auto snapshot = SystemSampler(root.path(), 4096).readMemory();
   ASSERT_TRUE(snapshot);
@@ -140,7 +140,7 @@ TEST(SystemSamplerTest, MissingPressureFileIsUnknown) {
 }
 
 TEST(SystemSamplerTest, GarbledPressureFileIsUnknown) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   root.write("proc/pressure/memory", "some avg10=banana\nfull avg10=\n");
   const auto snapshot = SystemSampler(root.path(), 4096).readMemory();
@@ -149,7 +149,7 @@ TEST(SystemSamplerTest, GarbledPressureFileIsUnknown) {
 }
 
 TEST(SystemSamplerTest, PressureDirectoryInPlaceOfTheFileIsUnknown) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   std::filesystem::create_directories(root.path() / "proc/pressure/memory");
   const auto snapshot = SystemSampler(root.path(), 4096).readMemory();
@@ -158,7 +158,7 @@ TEST(SystemSamplerTest, PressureDirectoryInPlaceOfTheFileIsUnknown) {
 }
 
 TEST(SystemSamplerTest, ZramFiguresAreBytesSummedOverDevices) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   // 81920 + 40960 bytes = 120 kB = 30 pages; the remainder shrinks by the same 120 kB.
   root.write("sys/block/zram0/mm_stat", "409600 102400 81920 0 81920 0 0 0 0\n");
@@ -171,7 +171,7 @@ TEST(SystemSamplerTest, ZramFiguresAreBytesSummedOverDevices) {
 }
 
 TEST(SystemSamplerTest, GarbledZramDeviceCountsNothing) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   root.write("sys/block/zram0/mm_stat", "not a statistic\n");
   const auto kernel = SystemSampler(root.path(), 4096).readKernelMemory();
@@ -180,7 +180,7 @@ TEST(SystemSamplerTest, GarbledZramDeviceCountsNothing) {
 }
 
 TEST(SystemSamplerTest, FifoInPlaceOfMeminfoIsNoReadingWithoutHanging) {
-  TempRoot root;
+  TemporaryDirectory root;
   std::filesystem::create_directories(root.path() / "proc");
   ASSERT_EQ(::mkfifo((root.path() / "proc/meminfo").c_str(), 0600), 0);
   const SystemSampler sampler(root.path(), 4096);
@@ -188,7 +188,7 @@ TEST(SystemSamplerTest, FifoInPlaceOfMeminfoIsNoReadingWithoutHanging) {
 }
 
 TEST(SystemSamplerTest, EndlessDeviceInPlaceOfMeminfoIsNoReading) {
-  TempRoot root;
+  TemporaryDirectory root;
   std::filesystem::create_directories(root.path() / "proc");
   std::filesystem::create_symlink("/dev/zero", root.path() / "proc/meminfo");
   const SystemSampler sampler(root.path(), 4096);
@@ -196,7 +196,7 @@ TEST(SystemSamplerTest, EndlessDeviceInPlaceOfMeminfoIsNoReading) {
 }
 
 TEST(SystemSamplerTest, EnvironmentChoosesTheRoot) {
-  TempRoot root;
+  TemporaryDirectory root;
   root.write("proc/meminfo", meminfo);
   ASSERT_EQ(::setenv("KORVO_SYSROOT", root.path().c_str(), 1), 0);
   const SystemSampler sampler = SystemSampler::fromEnvironment();
@@ -216,7 +216,7 @@ class CpuReadingTest : public ::testing::Test {
                                  std::to_string(system) + " " + std::to_string(idle) +
                                  " 777 0 55 0 0 0\ncpu0 1 2 3 4 5 6 7 8 9 10\nctxt 99\n");
   }
-  TempRoot root_;
+  TemporaryDirectory root_;
   SystemSampler sampler_{root_.path(), 4096};
 };
 

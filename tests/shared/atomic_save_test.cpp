@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include "shared/widget_snapshot_store.hpp"
-#include "test_support.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace korvo {
 namespace {

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include "shared/widget_snapshot_store.hpp"
+#include "support/files.hpp"
+#include "support/sample_snapshot.hpp"
+#include "support/temporary_directory.hpp"
 #include "support/unprivileged.hpp"
-#include "test_support.hpp"
 
 // Whatever sits at the snapshot path, loading returns promptly with no snapshot: the test
 // program's TIMEOUT property turns a hang into a failure.

@@ -5,7 +5,9 @@
 
 #include "shared/widget_snapshot_json.hpp"
 #include "shared/widget_snapshot_store.hpp"
-#include "test_support.hpp"
+#include "support/files.hpp"
+#include "support/sample_snapshot.hpp"
+#include "support/temporary_directory.hpp"
 
 // JSON has no place for a NUL byte, so a file holding one is not a snapshot wherever it sits:
 // the reader sees the whole file, not the part before the first NUL.

@@ -7,7 +7,7 @@
 
 #include "shared/widget_snapshot_json.hpp"
 #include "shared/widget_snapshot_store.hpp"
-#include "test_support.hpp"
+#include "support/sample_snapshot.hpp"
 
 namespace korvo {
 namespace {

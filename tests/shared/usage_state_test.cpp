@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/clock.hpp"
-#include "test_support.hpp"
+#include "support/english_in_utc.hpp"
 
 namespace korvo {
 namespace {

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "test_support.hpp"
+#include "support/english_in_utc.hpp"
 
 namespace korvo {
 namespace {
@@ -39,7 +39,8 @@ TEST(UsageWindowTest, RemainingSummaryOfANonNumberIsZero) {
 }
 
 TEST(UsageWindowTest, RemainingSummaryIgnoresTheProcessLocale) {
-  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no de_DE locale";
+  ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr)
+      << "no de_DE.UTF-8 locale (scripts/install-deps installs locales-all)";
   EXPECT_EQ(fiveHour(28).remainingSummary(), "5-hour · 72% left");
   std::setlocale(LC_ALL, "C");
 }

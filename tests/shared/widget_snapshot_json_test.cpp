@@ -9,7 +9,8 @@
 #include <random>
 
 #include "shared/json_reader.hpp"
-#include "test_support.hpp"
+#include "support/files.hpp"
+#include "support/sample_snapshot.hpp"
 
 namespace korvo {
 namespace {

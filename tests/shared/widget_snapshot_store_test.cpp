@@ -7,8 +7,11 @@
 #include "base/clock.hpp"
 #include "shared/app_group.hpp"
 #include "shared/widget_snapshot_json.hpp"
+#include "support/files.hpp"
+#include "support/sample_snapshot.hpp"
+#include "support/scoped_environment.hpp"
+#include "support/temporary_directory.hpp"
 #include "support/unprivileged.hpp"
-#include "test_support.hpp"
 
 namespace korvo {
 namespace {

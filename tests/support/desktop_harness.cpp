@@ -6,8 +6,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -72,17 +70,6 @@ bool reap(pid_t pid, std::chrono::milliseconds limit) {
 }
 
 }  // namespace
-
-TempFolder::TempFolder() {
-  char pattern[] = "/tmp/korvo-desktop-XXXXXX";
-  if (mkdtemp(pattern) == nullptr) throw std::runtime_error("mkdtemp failed");
-  path_ = pattern;
-}
-
-TempFolder::~TempFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
 
 Process::Process(const std::vector<std::string>& arguments, const Environment& environment,
                  const fs::path& standardOutput, const fs::path& standardError,
@@ -162,20 +149,6 @@ bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds l
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(50ms);
   }
-}
-
-std::string readFile(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
-void writeFile(const fs::path& file, const std::string& text) {
-  fs::create_directories(file.parent_path());
-  const auto temporary = file.string() + ".tmp";
-  std::ofstream(temporary, std::ios::binary | std::ios::trunc) << text;
-  fs::rename(temporary, file);
 }
 
 void setXCookie(const fs::path& file, const std::string& display, const std::string& cookie) {

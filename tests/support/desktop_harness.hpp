@@ -10,23 +10,18 @@
 #include <string>
 #include <vector>
 
+#include "support/files.hpp"
+#include "support/temporary_directory.hpp"
+
 // Processes, an X server and a few X tools for tests that run the desktop host for real. Every
 // process a test starts is stopped (its whole process group) when its handle goes away, also
 // when an assertion fails.
 namespace korvo::desktop_test {
 
-// A fresh folder under /tmp, removed with everything in it.
-class TempFolder {
- public:
-  TempFolder();
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
+// The shared helpers, under the names the desktop tests have always used.
+using testing_support::readFile;
+using testing_support::TemporaryDirectory;
+using testing_support::writeFile;
 
 using Environment = std::map<std::string, std::string>;
 
@@ -62,9 +57,6 @@ CommandResult runCommand(const std::vector<std::string>& arguments, const Enviro
 // Polls `condition` every 50 ms until it holds or `limit` has passed; returns whether it held.
 bool waitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds limit = std::chrono::seconds(30));
-
-std::string readFile(const std::filesystem::path& file);
-void writeFile(const std::filesystem::path& file, const std::string& text);
 
 // An Xvfb server on a display number it picks itself (-displayfd). With a `cookie` (32 hex
 // digits) it admits only clients holding it, as a display manager's server does: clients find

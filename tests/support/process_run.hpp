@@ -8,11 +8,12 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "support/files.hpp"
 
 namespace korvo::testing_support {
 
@@ -21,11 +22,6 @@ struct ProcessResult {
   std::string out;  // standard output, byte for byte
   std::string err;  // standard error
 };
-
-inline std::string readWhole(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 // Runs `program` with `args`, `input` on its standard input and an environment of exactly
 // `environment` (plus the sanitizers' settings). Its errors, and its output unless `outPath` names
@@ -85,12 +81,20 @@ inline ProcessResult runProgram(const std::string& program, const std::vector<st
   };
   ::close(in);
   if (outPath) {
-    if (std::filesystem::is_regular_file(*outPath)) result.out = readWhole(*outPath);
+    if (std::filesystem::is_regular_file(*outPath)) result.out = readFile(*outPath);
   } else {
     result.out = slurp(out);
   }
   result.err = slurp(err);
   return result;
+}
+
+// Runs the built korvo-widgets with `args` in an environment of exactly `environment`, its output
+// going to `outPath` when given.
+inline ProcessResult runWidgets(const std::vector<std::string>& args,
+                                const std::map<std::string, std::string>& environment,
+                                const std::optional<std::string>& outPath = std::nullopt) {
+  return runProgram(KORVO_BINARY, args, environment, {}, outPath);
 }
 
 }  // namespace korvo::testing_support

@@ -3,20 +3,24 @@
 #include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 
-#include "support/temporary_directory.hpp"
-
-namespace korvo::testing {
+namespace korvo::testing_support {
 
 // Sets and unsets environment variables for one test and puts the old values back afterwards.
 class ScopedEnvironment {
  public:
   ScopedEnvironment() = default;
+  // One variable set to `value`, or unset with nullopt.
+  ScopedEnvironment(const std::string& name, const std::optional<std::string>& value) {
+    if (value) {
+      set(name, *value);
+    } else {
+      unset(name);
+    }
+  }
   ~ScopedEnvironment() {
     for (const auto& [name, value] : saved_) {
       if (value) {
@@ -48,14 +52,6 @@ class ScopedEnvironment {
   std::map<std::string, std::optional<std::string>> saved_;
 };
 
-// A throw-away directory.
-using TempDir = testing_support::TemporaryDirectory;
-
-inline std::string readFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 // The group the build tree's Info.json names, and where its shared file lives under `dataHome`.
 inline constexpr const char* testGroup = "group.com.tessmoor.Korvo";
 inline std::string sharedFileRelative() {
@@ -72,4 +68,4 @@ inline void useMachine(ScopedEnvironment& environment, const std::filesystem::pa
   environment.set("KORVO_BUNDLE_INFO", std::string(KORVO_BUILD_DATA_DIR) + "/Info.json");
 }
 
-}  // namespace korvo::testing
+}  // namespace korvo::testing_support

@@ -3,9 +3,11 @@
 #include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "support/files.hpp"
 
 namespace korvo::testing_support {
 
@@ -14,7 +16,8 @@ class TemporaryDirectory {
  public:
   TemporaryDirectory() {
     std::string pattern = (std::filesystem::temp_directory_path() / "korvo-test-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+    path_ = pattern;
   }
   TemporaryDirectory(const TemporaryDirectory&) = delete;
   TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
@@ -28,8 +31,7 @@ class TemporaryDirectory {
   // Writes `bytes` to `relative` inside the directory, creating folders on the way.
   std::filesystem::path write(const std::string& relative, std::string_view bytes) const {
     const auto file = path_ / relative;
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << bytes;
+    writeFile(file, bytes);
     return file;
   }
 

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "base/date_text.hpp"
-#include "fake_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 
 namespace korvo::ui {
 namespace {

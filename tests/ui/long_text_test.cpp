@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "fake_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 #include "ui/text_fit.hpp"
 #include "ui/widget_layout.hpp"
 

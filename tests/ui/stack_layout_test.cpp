@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/date_text.hpp"
-#include "fake_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 #include "ui/layout.hpp"
 
 namespace korvo::ui {

@@ -3,7 +3,7 @@
 #include <functional>
 #include <set>
 
-#include "fake_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 #include "ui/tree_json.hpp"
 #include "ui/tree_outline.hpp"
 #include "ui/widget_layout.hpp"

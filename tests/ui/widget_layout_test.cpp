@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/date_text.hpp"
-#include "fake_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 #include "ui/hit_test.hpp"
 
 namespace korvo::ui {

@@ -6,6 +6,7 @@
 
 #include "desktop/core/widget_lookup.hpp"
 #include "extension/korvo_widgets.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace korvo::desktop {
 namespace {
@@ -38,13 +39,6 @@ INSTANTIATE_TEST_SUITE_P(Table, PlacementsPath,
 
 class PlacementsFile : public testing::Test {
  protected:
-  void SetUp() override {
-    char pattern[] = "/tmp/korvo-placements-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
   fs::path write(const std::string& text) {
     const auto file = folder_ / "placements.json";
     std::ofstream(file) << text;
@@ -56,7 +50,8 @@ class PlacementsFile : public testing::Test {
     return loadPlacementsFile(file, kindLookup(widgets_));
   }
 
-  fs::path folder_;
+  testing_support::TemporaryDirectory directory_;
+  const fs::path& folder_ = directory_.path();
   std::vector<WidgetConfiguration> widgets_ = KorvoWidgets{}.body();
 };
 

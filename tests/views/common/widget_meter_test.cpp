@@ -5,10 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "render/image_output.hpp"
-#include "render/painter.hpp"
-#include "render/pango_text_measurer.hpp"
-#include "support/png_pixels.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 #include "ui/widget_layout.hpp"
 
 namespace korvo {
@@ -22,13 +19,14 @@ const Color red = *Color::fromHex("#FF3B30");
 // accented rendering would whiten the card too).
 ui::WidgetLayout meterCard(const WidgetMeter& meter, ui::Environment environment,
                            double scale = 1) {
+  ui::testing::FakeTextMeasurer measurer;
   environment.hostSuppliesContainerBackground = false;
   const ui::View view =
       ui::vstack(ui::HorizontalAlignment::leading, 0, {meter.body(environment), ui::spacer()})
           .background(environment.renderingMode == ui::RenderingMode::accented
                           ? ui::View()
                           : ui::colorFill(Color::black()));
-  return ui::layoutWidget("test", view, environment, render::PangoTextMeasurer::shared(), scale);
+  return ui::layoutWidget("test", view, environment, measurer, scale);
 }
 
 const ui::LayoutNode& meterNode(const ui::WidgetLayout& widget) {
@@ -87,36 +85,6 @@ TEST(WidgetMeter, AccentedTrackIsWhiteAtTwentyTwoPercentAndFillWhiteWhateverTheT
   EXPECT_EQ(meter.children[0].color, Color::white(0.22));
   EXPECT_EQ(meter.children[1].color, Color::white());
   EXPECT_TRUE(meter.children[1].accentable);
-}
-
-// Pixels: the fill is sampled 3 points down at x = 10 (inside any fill) and x = 160 (inside a
-// full fill only); the card behind is black.
-TEST(WidgetMeter, PixelsShowTheFillOnlyWhereTheClampedFractionReaches) {
-  struct Case {
-    double fraction;
-    bool leftFilled;
-    bool rightFilled;
-  };
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const double inf = std::numeric_limits<double>::infinity();
-  for (const Case& c : {Case{1.7, true, true}, Case{-0.2, false, false}, Case{nan, false, false},
-                        Case{inf, false, false}, Case{0.5, true, false}}) {
-    const ui::testing::PngPixels png(
-        render::renderPNG(meterCard({.fraction = c.fraction, .tint = red}, {}), {.scale = 1}));
-    const char* trackOnBlack = "#000000FF";
-    EXPECT_TRUE(ui::testing::near(png.at(30, 3), c.leftFilled ? "#FF3B30FF" : trackOnBlack))
-        << c.fraction;
-    EXPECT_TRUE(ui::testing::near(png.at(140, 3), c.rightFilled ? "#FF3B30FF" : trackOnBlack))
-        << c.fraction;
-  }
-}
-
-TEST(WidgetMeter, AccentedPixelsAreWhiteFillOverAFaintWhiteTrack) {
-  const ui::testing::PngPixels png(render::renderPNG(
-      meterCard({.fraction = 0.5, .tint = red}, {.renderingMode = ui::RenderingMode::accented}),
-      {.scale = 2}));
-  EXPECT_TRUE(ui::testing::near(png.at(60, 6), "#FFFFFFFF"));
-  EXPECT_TRUE(ui::testing::near(png.at(280, 6), "#FFFFFF38"));
 }
 
 }  // namespace

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "base/clock.hpp"
 #include "base/date_text.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/ui/view_tree_query.hpp"
 #include "ui/font.hpp"
-#include "view_tree_query.hpp"
 #include "views/memory/memory_widget_content.hpp"
 
 namespace korvo {
@@ -45,14 +45,12 @@ ui::WidgetLayout render(const MemoryEntry& entry, WidgetFamily family,
 
 class MemoryWidgetTest : public testing::Test {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
 };
 
 class MemoryWidgetVariationTest : public testing::TestWithParam<viewtest::Variation> {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
   ui::Environment environment(WidgetFamily family) const {
     return viewtest::environment(family, GetParam());
   }
@@ -96,7 +94,7 @@ TEST_P(MemoryWidgetVariationTest, SmallReadingShowsHeaderPercentMeterGigabytesAn
     EXPECT_EQ(footer->color, drawn(palette.secondary, env));
   }
 
-  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
+  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, ui::NodeKind::meter);
   ASSERT_NE(meter, nullptr);
   EXPECT_DOUBLE_EQ(*meter->fraction, sampleReading().usedFraction());
   ASSERT_EQ(meter->children.size(), 2u);
@@ -104,8 +102,8 @@ TEST_P(MemoryWidgetVariationTest, SmallReadingShowsHeaderPercentMeterGigabytesAn
   EXPECT_TRUE(meter->children[1].accentable);
   EXPECT_EQ(meter->frame.height, 6);
 
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "divider"), nullptr);
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "link"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::divider), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::link), nullptr);
   EXPECT_THAT(viewtest::legibilityProblems(widget), IsEmpty());
 }
 
@@ -120,7 +118,7 @@ TEST_P(MemoryWidgetVariationTest, MediumReadingAddsTheDetailColumnAfterADivider)
                           shortTime(viewtest::testNow), "7.6 GB available", "Normal pressure",
                           "Apps", "6.5 GB", "Wired", "1.0 GB", "Keep Awake"));
 
-  const ui::LayoutNode* divider = viewtest::firstOfKind(widget.root, "divider");
+  const ui::LayoutNode* divider = viewtest::firstOfKind(widget.root, ui::NodeKind::divider);
   ASSERT_NE(divider, nullptr);
   const ui::LayoutNode* available = nodeWithText(widget.root, "7.6 GB available");
   ASSERT_NE(available, nullptr);
@@ -152,7 +150,8 @@ TEST_P(MemoryWidgetVariationTest, MediumReadingAddsTheDetailColumnAfterADivider)
   EXPECT_EQ(keepAwake->symbol, "cup.and.saucer.fill");
   EXPECT_EQ(keepAwake->font, Font::caption().withWeight(FontWeight::semibold));
   EXPECT_EQ(keepAwake->color, drawn(palette.teal, env));
-  const ui::LayoutNode* link = viewtest::ancestorOfKind(widget.root, *keepAwake, "link");
+  const ui::LayoutNode* link =
+      viewtest::ancestorOfKind(widget.root, *keepAwake, ui::NodeKind::link);
   ASSERT_NE(link, nullptr);
   EXPECT_EQ(link->url, "korvo://awake");
   EXPECT_EQ(widget.url, "korvo://resources");
@@ -175,12 +174,12 @@ TEST_P(MemoryWidgetVariationTest, BackgroundFollowsTheHostCapability) {
     const ui::LayoutNode& backdrop = widget.root.children[0];
     if (fullColor) {
       EXPECT_EQ(backdrop.frame, (ui::Rect{0, 0, 170, 170}));
-      EXPECT_NE(viewtest::firstOfKind(backdrop, "gradient"), nullptr);
+      EXPECT_NE(viewtest::firstOfKind(backdrop, ui::NodeKind::gradient), nullptr);
     } else {
       EXPECT_EQ(backdrop.kind,
                 ui::NodeKind::empty);  // accented: the desktop's tinted card shows through
     }
-    EXPECT_EQ(viewtest::firstOfKind(widget.root.children[1], "gradient"), nullptr);
+    EXPECT_EQ(viewtest::firstOfKind(widget.root.children[1], ui::NodeKind::gradient), nullptr);
   } else {
     // The view pads itself by 16 points and lays the backdrop behind the padded content.
     ASSERT_EQ(widget.root.children.size(), 1u);
@@ -189,7 +188,8 @@ TEST_P(MemoryWidgetVariationTest, BackgroundFollowsTheHostCapability) {
     EXPECT_EQ(background.frame, (ui::Rect{0, 0, 170, 170}));
     ASSERT_EQ(background.children.size(), 2u);
     EXPECT_EQ(background.children[1].kind, ui::NodeKind::padding);
-    EXPECT_EQ(viewtest::firstOfKind(background.children[0], "gradient") != nullptr, fullColor);
+    EXPECT_EQ(viewtest::firstOfKind(background.children[0], ui::NodeKind::gradient) != nullptr,
+              fullColor);
   }
 }
 
@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(AllSurroundings, MemoryWidgetVariationTest,
 
 TEST_F(MemoryWidgetTest, MeterCarriesItsAccessibilityLabelAndValue) {
   const ui::WidgetLayout widget = render(entryWith(sampleReading()), WidgetFamily::systemSmall);
-  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
+  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, ui::NodeKind::meter);
   ASSERT_NE(meter, nullptr);
   const ui::LayoutNode* labelled = nullptr;
   for (const ui::LayoutNode* node : viewtest::allNodes(widget.root)) {
@@ -226,7 +226,7 @@ TEST_P(MemoryPressureTest, TintsTheMeterAndNamesTheLevelUncoloured) {
     const ui::Environment env = viewtest::environment(WidgetFamily::systemMedium, {scheme});
     const ui::WidgetLayout widget =
         viewtest::layOut(MemoryWidgetView{entryWith(sampleReading(c.pressure))}.body(env), env);
-    const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
+    const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, ui::NodeKind::meter);
     ASSERT_NE(meter, nullptr);
     EXPECT_EQ(meter->children[1].color, c.tint(env.palette()));
     const ui::LayoutNode* line = nodeWithText(widget.root, c.line);
@@ -257,7 +257,7 @@ TEST_F(MemoryWidgetTest, SmallWithoutReadingShowsUnavailableAndRetryHintButNoMet
 
     EXPECT_THAT(texts(widget.root), ElementsAre("MEMORY", "Unavailable", "Open Korvo to retry",
                                                 "Updated", shortTime(viewtest::testNow)));
-    EXPECT_EQ(viewtest::firstOfKind(widget.root, "meter"), nullptr);
+    EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::meter), nullptr);
     const ui::LayoutNode* title = nodeWithText(widget.root, "Unavailable");
     EXPECT_EQ(title->font, Font::headline());
     EXPECT_EQ(title->color, drawn(palette.primary, env));
@@ -279,11 +279,12 @@ TEST_F(MemoryWidgetTest, MediumWithoutReadingKeepsOnlyTheKeepAwakeLinkInTheDetai
   EXPECT_THAT(texts(widget.root),
               ElementsAre("MEMORY", "Unavailable", "Open Korvo to retry", "Updated",
                           shortTime(viewtest::testNow), "Keep Awake"));
-  ASSERT_NE(viewtest::firstOfKind(widget.root, "divider"), nullptr);
-  const std::vector<const ui::LayoutNode*> links = viewtest::nodesOfKind(widget.root, "link");
+  ASSERT_NE(viewtest::firstOfKind(widget.root, ui::NodeKind::divider), nullptr);
+  const std::vector<const ui::LayoutNode*> links =
+      viewtest::nodesOfKind(widget.root, ui::NodeKind::link);
   ASSERT_EQ(links.size(), 1u);
   EXPECT_EQ(links[0]->url, "korvo://awake");
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "meter"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::meter), nullptr);
   EXPECT_THAT(viewtest::legibilityProblems(widget), IsEmpty());
 }
 
@@ -293,7 +294,7 @@ TEST_F(MemoryWidgetTest, ZeroTotalShowsZeroPercentAndAnEmptyMeter) {
   const ui::WidgetLayout widget = render(entryWith(empty), WidgetFamily::systemSmall);
   EXPECT_NE(nodeWithText(widget.root, "0%"), nullptr);
   EXPECT_NE(nodeWithText(widget.root, "0.0 GB of 0.0 GB"), nullptr);
-  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
+  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, ui::NodeKind::meter);
   ASSERT_NE(meter, nullptr);
   EXPECT_EQ(meter->fraction, 0);
   EXPECT_EQ(meter->children[1].frame.width, 0);
@@ -318,8 +319,8 @@ TEST_F(MemoryWidgetTest, ContentPicksTheDetailColumnByItsFamilyArgument) {
       viewtest::layOut(MemoryWidgetContent{entry, WidgetFamily::systemSmall}.body(env), env);
   const ui::WidgetLayout medium =
       viewtest::layOut(MemoryWidgetContent{entry, WidgetFamily::systemMedium}.body(env), env);
-  EXPECT_EQ(viewtest::firstOfKind(small.root, "divider"), nullptr);
-  EXPECT_NE(viewtest::firstOfKind(medium.root, "divider"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(small.root, ui::NodeKind::divider), nullptr);
+  EXPECT_NE(viewtest::firstOfKind(medium.root, ui::NodeKind::divider), nullptr);
   EXPECT_EQ(small.url, "korvo://resources");
 }
 

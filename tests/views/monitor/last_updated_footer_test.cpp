@@ -4,14 +4,17 @@
 #include <gtest/gtest.h>
 
 #include "base/date_text.hpp"
-#include "render/pango_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
+#include "support/ui/view_tree_query.hpp"
 #include "ui/layout.hpp"
-#include "view_tree_query.hpp"
 
 namespace korvo {
 namespace {
 
 using testing::ElementsAre;
+
+// Fixed advances, so frames do not depend on the fonts installed.
+ui::testing::FakeTextMeasurer measurer;
 
 struct AgeCase {
   double ageSeconds;
@@ -24,10 +27,9 @@ TEST_P(LastUpdatedFooterAgeTest, PrefixIsStaleOnlyPastFifteenMinutes) {
   const Date now = viewtest::testNow;
   const Date data = now.addingSeconds(-GetParam().ageSeconds);
   const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall);
-  const ui::LayoutNode tree =
-      ui::layout(LastUpdatedFooter{now, data}.body(env),
-                 {ui::AxisProposal::exact(138), ui::AxisProposal::exact(20)}, {0, 0}, env,
-                 render::PangoTextMeasurer::shared());
+  const ui::LayoutNode tree = ui::layout(
+      LastUpdatedFooter{now, data}.body(env),
+      {ui::AxisProposal::exact(138), ui::AxisProposal::exact(20)}, {0, 0}, env, measurer);
   EXPECT_THAT(viewtest::texts(tree),
               ElementsAre(GetParam().prefix, relativeSpan(data, env.now), "ago"));
 }
@@ -42,8 +44,8 @@ TEST(LastUpdatedFooterTest, FutureDataMomentShowsTheAbsoluteSpanFollowedByAgo) {
   const Date now = viewtest::testNow;
   const Date data = now.addingSeconds(300);
   const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall);
-  const ui::LayoutNode tree = ui::layout(LastUpdatedFooter{now, data}.body(env), {}, {0, 0}, env,
-                                         render::PangoTextMeasurer::shared());
+  const ui::LayoutNode tree =
+      ui::layout(LastUpdatedFooter{now, data}.body(env), {}, {0, 0}, env, measurer);
   EXPECT_THAT(viewtest::texts(tree), ElementsAre("Updated", "5 min", "ago"));
 }
 
@@ -51,9 +53,9 @@ TEST(LastUpdatedFooterTest, RowOfThreeSmallSecondaryTextsWithALiveSpan) {
   const Date data = viewtest::testNow.addingSeconds(-240);
   for (const auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
     const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall, {scheme});
-    const ui::LayoutNode tree = ui::layout(LastUpdatedFooter{viewtest::testNow, data}.body(env), {},
-                                           {0, 0}, env, render::PangoTextMeasurer::shared());
-    const ui::LayoutNode* row = viewtest::firstOfKind(tree, "hstack");
+    const ui::LayoutNode tree =
+        ui::layout(LastUpdatedFooter{viewtest::testNow, data}.body(env), {}, {0, 0}, env, measurer);
+    const ui::LayoutNode* row = viewtest::firstOfKind(tree, ui::NodeKind::hstack);
     ASSERT_NE(row, nullptr);
     ASSERT_EQ(row->children.size(), 3u);
     EXPECT_EQ(row->children[1].kind, ui::NodeKind::relativeDate);
@@ -71,13 +73,13 @@ TEST(LastUpdatedFooterTest, RowOfThreeSmallSecondaryTextsWithALiveSpan) {
 TEST(LastUpdatedFooterTest, ShrinksOnOneLineBeforeTruncating) {
   const Date data = viewtest::testNow.addingSeconds(-(3 * 86400 + 4 * 3600));
   const ui::Environment env = viewtest::environment(ui::WidgetFamily::systemSmall);
-  const ui::LayoutNode roomy = ui::layout(LastUpdatedFooter{viewtest::testNow, data}.body(env), {},
-                                          {0, 0}, env, render::PangoTextMeasurer::shared());
+  const ui::LayoutNode roomy =
+      ui::layout(LastUpdatedFooter{viewtest::testNow, data}.body(env), {}, {0, 0}, env, measurer);
   const double natural = roomy.frame.width;
   const ui::LayoutNode tight = ui::layout(
       LastUpdatedFooter{viewtest::testNow, data}.body(env),
       {ui::AxisProposal::atMost(natural * 0.85), ui::AxisProposal::atMost(roomy.frame.height)},
-      {0, 0}, env, render::PangoTextMeasurer::shared());
+      {0, 0}, env, measurer);
   bool shrunk = false;
   for (const ui::LayoutNode* node : viewtest::allNodes(tight)) {
     if (!node->text) continue;

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "base/clock.hpp"
-#include "monitor_test_data.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/views/monitor/monitor_test_data.hpp"
 #include "views/monitor/monitor_widget_content.hpp"
 
 namespace korvo {
@@ -21,15 +21,14 @@ using viewtest::window;
 struct LayoutCase {
   bool temperatureOnly;
   WidgetFamily family;
-  const char* header;     // the first text, naming the layout
-  const char* stackKind;  // the stack the frame holds
+  const char* header;      // the first text, naming the layout
+  ui::NodeKind stackKind;  // the stack the frame holds
   const char* url;
 };
 
 class MonitorLayoutChoiceTest : public testing::TestWithParam<LayoutCase> {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
 };
 
 TEST_P(MonitorLayoutChoiceTest, FlagThenFamilyPickTheLayoutAndTheTapURL) {
@@ -47,25 +46,27 @@ TEST_P(MonitorLayoutChoiceTest, FlagThenFamilyPickTheLayoutAndTheTapURL) {
   ASSERT_FALSE(texts.empty());
   EXPECT_EQ(texts.front(), c.header);
   // The chosen stack fills the content area from its leading edge.
-  const ui::LayoutNode* frame = viewtest::firstOfKind(widget.root, "frame");
+  const ui::LayoutNode* frame = viewtest::firstOfKind(widget.root, ui::NodeKind::frame);
   ASSERT_NE(frame, nullptr);
   EXPECT_EQ(frame->frame, viewtest::contentArea(widget));
   ASSERT_EQ(frame->children.size(), 1u);
-  EXPECT_EQ(ui::nodeKindName(frame->children[0].kind), c.stackKind);
+  EXPECT_EQ(frame->children[0].kind, c.stackKind);
   EXPECT_NEAR(frame->children[0].frame.x, 16, 0.5);
   EXPECT_THAT(viewtest::legibilityProblems(widget), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Choices, MonitorLayoutChoiceTest,
-    testing::Values(
-        LayoutCase{true, WidgetFamily::systemSmall, "TEMPERATURE", "vstack", "korvo://resources"},
-        LayoutCase{true, WidgetFamily::systemMedium, "TEMPERATURE", "vstack", "korvo://resources"},
-        LayoutCase{false, WidgetFamily::systemMedium, "Codex", "hstack", "korvo://usage"},
-        LayoutCase{false, WidgetFamily::systemSmall, "AI USAGE", "vstack", "korvo://usage"}));
+INSTANTIATE_TEST_SUITE_P(Choices, MonitorLayoutChoiceTest,
+                         testing::Values(LayoutCase{true, WidgetFamily::systemSmall, "TEMPERATURE",
+                                                    ui::NodeKind::vstack, "korvo://resources"},
+                                         LayoutCase{true, WidgetFamily::systemMedium, "TEMPERATURE",
+                                                    ui::NodeKind::vstack, "korvo://resources"},
+                                         LayoutCase{false, WidgetFamily::systemMedium, "Codex",
+                                                    ui::NodeKind::hstack, "korvo://usage"},
+                                         LayoutCase{false, WidgetFamily::systemSmall, "AI USAGE",
+                                                    ui::NodeKind::vstack, "korvo://usage"}));
 
 TEST(MonitorWidgetTest, StackSpacingPerLayout) {
-  clock::setFixed(viewtest::testNow);
+  const testing_support::FixedClock fixedClock{viewtest::testNow};
   const MonitorEntry entry = entryWith(std::nullopt);
   const ui::Environment small = viewtest::environment(WidgetFamily::systemSmall);
   const ui::Environment medium = viewtest::environment(WidgetFamily::systemMedium);
@@ -74,7 +75,8 @@ TEST(MonitorWidgetTest, StackSpacingPerLayout) {
       MonitorWidgetContent{entry, false, WidgetFamily::systemSmall}.body(small), small);
   const ui::LayoutNode* header = nodeWithText(usageSmall.root, "AI USAGE");
   const ui::LayoutNode* codex = nodeWithText(usageSmall.root, "Codex");
-  const ui::LayoutNode* codexRow = viewtest::ancestorOfKind(usageSmall.root, *codex, "vstack");
+  const ui::LayoutNode* codexRow =
+      viewtest::ancestorOfKind(usageSmall.root, *codex, ui::NodeKind::vstack);
   EXPECT_NEAR(codexRow->frame.y - header->frame.maxY(), 8, 0.5);
 
   const ui::WidgetLayout temperature = viewtest::layOut(
@@ -84,25 +86,24 @@ TEST(MonitorWidgetTest, StackSpacingPerLayout) {
 
   const ui::WidgetLayout usageMedium = viewtest::layOut(
       MonitorWidgetContent{entry, false, WidgetFamily::systemMedium}.body(medium), medium);
-  const ui::LayoutNode* divider = viewtest::firstOfKind(usageMedium.root, "divider");
+  const ui::LayoutNode* divider = viewtest::firstOfKind(usageMedium.root, ui::NodeKind::divider);
   const ui::LayoutNode* claude = nodeWithText(usageMedium.root, "Claude");
-  const ui::LayoutNode* claudeCard = viewtest::ancestorOfKind(usageMedium.root, *claude, "frame");
+  const ui::LayoutNode* claudeCard =
+      viewtest::ancestorOfKind(usageMedium.root, *claude, ui::NodeKind::frame);
   EXPECT_NEAR(claudeCard->frame.x - divider->frame.maxX(), 16, 0.5);
-  clock::reset();
 }
 
 TEST(MonitorWidgetTest, ContentReadsTheFamilyItIsGivenNotTheEnvironments) {
-  clock::setFixed(viewtest::testNow);
+  const testing_support::FixedClock fixedClock{viewtest::testNow};
   const ui::Environment medium = viewtest::environment(WidgetFamily::systemMedium);
   const ui::WidgetLayout widget = viewtest::layOut(
       MonitorWidgetContent{entryWith(std::nullopt), false, WidgetFamily::systemSmall}.body(medium),
       medium);
   EXPECT_NE(nodeWithText(widget.root, "AI USAGE"), nullptr);
-  clock::reset();
 }
 
 TEST(MonitorWidgetTest, BackgroundFollowsTheHostCapability) {
-  clock::setFixed(viewtest::testNow);
+  const testing_support::FixedClock fixedClock{viewtest::testNow};
   for (const bool hostBackground : {true, false}) {
     const ui::Environment env =
         viewtest::environment(WidgetFamily::systemMedium, {.hostBackground = hostBackground});
@@ -112,10 +113,9 @@ TEST(MonitorWidgetTest, BackgroundFollowsTheHostCapability) {
     const ui::LayoutNode& first = widget.root.children[0];
     EXPECT_EQ(first.kind, hostBackground ? ui::NodeKind::zstack : ui::NodeKind::background);
     EXPECT_EQ(first.frame, (ui::Rect{0, 0, 364, 170}));
-    EXPECT_NE(viewtest::firstOfKind(first, "gradient"), nullptr);
+    EXPECT_NE(viewtest::firstOfKind(first, ui::NodeKind::gradient), nullptr);
     EXPECT_NEAR(nodeWithText(widget.root, "Codex")->frame.y, 16, 0.5);
   }
-  clock::reset();
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/date_text.hpp"
-#include "monitor_test_data.hpp"
+#include "support/views/monitor/monitor_test_data.hpp"
 #include "views/monitor/monitor_widget_view.hpp"
 
 namespace korvo {
@@ -68,7 +68,7 @@ TEST_P(TemperatureVariationTest, ReadingShowsValueCaptionAndFooter) {
   EXPECT_EQ(caption->font, Font::caption2());
   EXPECT_EQ(caption->color, drawn(palette.secondary, env));
 
-  const ui::LayoutNode* span = viewtest::firstOfKind(widget.root, "relativeDate");
+  const ui::LayoutNode* span = viewtest::firstOfKind(widget.root, ui::NodeKind::relativeDate);
   ASSERT_NE(span, nullptr);
   EXPECT_EQ(span->font, Font::system(9));
   EXPECT_EQ(span->color, drawn(palette.secondary, env));
@@ -131,20 +131,20 @@ TEST(TemperatureContentTest, SwitchedOffMonitoringHidesAStoredTemperature) {
   const ui::WidgetLayout widget = render(entryWith(temperatureSnapshot(54, false, 0)));
   EXPECT_THAT(texts(widget.root), ElementsAre("TEMPERATURE", "Enable in Korvo", settingsHint));
   EXPECT_EQ(nodeWithText(widget.root, "54°C"), nullptr);
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "relativeDate"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::relativeDate), nullptr);
 }
 
 TEST(TemperatureContentTest, EnabledWithoutReadingIsUnavailableWithTheSameHint) {
   const ui::WidgetLayout widget = render(entryWith(temperatureSnapshot(std::nullopt, true, 0)));
   EXPECT_THAT(texts(widget.root), ElementsAre("TEMPERATURE", "Unavailable", settingsHint));
   EXPECT_EQ(nodeWithText(widget.root, "Unavailable")->font, Font::headline());
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "relativeDate"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::relativeDate), nullptr);
 }
 
 TEST(TemperatureContentTest, ReadingWithoutDateHasNoFooter) {
   const ui::WidgetLayout widget = render(entryWith(temperatureSnapshot(54, true, std::nullopt)));
   EXPECT_THAT(texts(widget.root), ElementsAre("TEMPERATURE", "54°C", "Hottest CPU sensor"));
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "relativeDate"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::relativeDate), nullptr);
 }
 
 TEST(TemperatureContentTest, StateTable) {

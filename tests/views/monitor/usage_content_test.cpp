@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "base/clock.hpp"
 #include "base/date_text.hpp"
-#include "monitor_test_data.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/views/monitor/monitor_test_data.hpp"
 #include "views/monitor/monitor_widget_view.hpp"
 #include "views/monitor/usage_windows.hpp"
 
@@ -36,19 +36,17 @@ ui::WidgetLayout render(const MonitorEntry& entry, WidgetFamily family,
 
 // The meters of a layout in drawing order.
 std::vector<const ui::LayoutNode*> meters(const ui::WidgetLayout& widget) {
-  return viewtest::nodesOfKind(widget.root, "meter");
+  return viewtest::nodesOfKind(widget.root, ui::NodeKind::meter);
 }
 
 class UsageTest : public testing::Test {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
 };
 
 class UsageVariationTest : public testing::TestWithParam<viewtest::Variation> {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
 };
 
 const MonitorEntry fullEntry =
@@ -93,7 +91,7 @@ TEST_P(UsageVariationTest, SmallRowsShowCodexAboveClaudeWithFiguresAndTintedMete
   const ui::LayoutNode* hint = nodeWithText(widget.root, "Weekly remaining · tap for details");
   EXPECT_EQ(hint->font, Font::system(10));
   EXPECT_EQ(hint->color, drawn(palette.secondary, env));
-  EXPECT_EQ(viewtest::firstOfKind(widget.root, "relativeDate"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(widget.root, ui::NodeKind::relativeDate), nullptr);
   EXPECT_THAT(viewtest::legibilityProblems(widget), IsEmpty());
 }
 
@@ -112,13 +110,14 @@ TEST_P(UsageVariationTest, MediumCardsShowCodexLeadingAndClaudeTrailing) {
                           relativeSpan(claudeFetched, viewtest::testNow), "ago"));
   EXPECT_EQ(widget.url, "korvo://usage");
 
-  const ui::LayoutNode* divider = viewtest::firstOfKind(widget.root, "divider");
+  const ui::LayoutNode* divider = viewtest::firstOfKind(widget.root, ui::NodeKind::divider);
   ASSERT_NE(divider, nullptr);
   EXPECT_LT(nodeWithText(widget.root, "Codex")->frame.maxX(), divider->frame.x);
   EXPECT_GT(nodeWithText(widget.root, "Claude")->frame.x, divider->frame.maxX());
 
   // Dots in the provider tints, each the accent part of its card head.
-  const std::vector<const ui::LayoutNode*> shapes = viewtest::nodesOfKind(widget.root, "shape");
+  const std::vector<const ui::LayoutNode*> shapes =
+      viewtest::nodesOfKind(widget.root, ui::NodeKind::shape);
   std::vector<const ui::LayoutNode*> dots;
   for (const ui::LayoutNode* shape : shapes) {
     if (shape->shape == ui::ShapeKind::circle) dots.push_back(shape);
@@ -171,10 +170,10 @@ INSTANTIATE_TEST_SUITE_P(AllSurroundings, UsageVariationTest,
 
 TEST_F(UsageTest, MediumCardsShareTheWidthEquallyFromTheTop) {
   const ui::WidgetLayout widget = render(fullEntry, WidgetFamily::systemMedium);
-  const ui::LayoutNode* codexCard =
-      viewtest::ancestorOfKind(widget.root, *nodeWithText(widget.root, "Codex"), "frame");
-  const ui::LayoutNode* claudeCard =
-      viewtest::ancestorOfKind(widget.root, *nodeWithText(widget.root, "Claude"), "frame");
+  const ui::LayoutNode* codexCard = viewtest::ancestorOfKind(
+      widget.root, *nodeWithText(widget.root, "Codex"), ui::NodeKind::frame);
+  const ui::LayoutNode* claudeCard = viewtest::ancestorOfKind(
+      widget.root, *nodeWithText(widget.root, "Claude"), ui::NodeKind::frame);
   ASSERT_NE(codexCard, nullptr);
   ASSERT_NE(claudeCard, nullptr);
   EXPECT_NEAR(codexCard->frame.width, claudeCard->frame.width, 0.5);
@@ -206,7 +205,7 @@ TEST_F(UsageTest, NoSnapshotAsksToEnableBothProviders) {
   EXPECT_EQ(status->font, Font::caption2());
   EXPECT_EQ(status->color, ui::Environment{}.palette().secondary);
   EXPECT_THAT(meters(medium), IsEmpty());
-  EXPECT_EQ(viewtest::firstOfKind(medium.root, "relativeDate"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(medium.root, ui::NodeKind::relativeDate), nullptr);
   EXPECT_THAT(viewtest::legibilityProblems(small), IsEmpty());
   EXPECT_THAT(viewtest::legibilityProblems(medium), IsEmpty());
 }
@@ -302,7 +301,7 @@ TEST_F(UsageTest, EnabledProviderWithoutUsageShowsUsageUnavailableAndItsStatus) 
   EXPECT_THAT(texts(medium.root),
               ElementsAre("Codex", "Usage unavailable", "Waiting for usage…", "Claude",
                           "Usage unavailable", "Sign-in expired <b>&</b>"));
-  EXPECT_EQ(viewtest::firstOfKind(medium.root, "relativeDate"), nullptr);
+  EXPECT_EQ(viewtest::firstOfKind(medium.root, ui::NodeKind::relativeDate), nullptr);
   const ui::WidgetLayout small =
       render(entryWith(snapshotWith(waiting, refusing)), WidgetFamily::systemSmall);
   EXPECT_THAT(texts(small.root),
@@ -350,7 +349,7 @@ TEST_F(UsageTest, FiveHourRowSitsThreePointsBelowTheWeeklyMeter) {
   const ui::WidgetLayout medium = render(fullEntry, WidgetFamily::systemMedium);
   const auto bars = meters(medium);
   const ui::LayoutNode* label = nodeWithText(medium.root, "5-hour");
-  const ui::LayoutNode* row = viewtest::ancestorOfKind(medium.root, *label, "hstack");
+  const ui::LayoutNode* row = viewtest::ancestorOfKind(medium.root, *label, ui::NodeKind::hstack);
   ASSERT_NE(row, nullptr);
   // Card spacing of 4 points plus the row's top padding of 3.
   EXPECT_NEAR(row->frame.y - bars[0]->frame.maxY(), 7, 0.5);
@@ -365,7 +364,7 @@ TEST_F(UsageTest, FooterTurnsStalePastFifteenMinutesOfFetchAge) {
         entryWith(snapshotWith(enabledWith({window("Weekly", 10)}, age), UsageState{}));
     const ui::WidgetLayout medium = render(entry, WidgetFamily::systemMedium);
     EXPECT_NE(nodeWithText(medium.root, prefix), nullptr) << age;
-    const ui::LayoutNode* span = viewtest::firstOfKind(medium.root, "relativeDate");
+    const ui::LayoutNode* span = viewtest::firstOfKind(medium.root, ui::NodeKind::relativeDate);
     ASSERT_NE(span, nullptr);
     EXPECT_EQ(span->relativeTo, viewtest::testNow.addingSeconds(-age));
   }

@@ -6,7 +6,7 @@
 #include "views/common/widget_backdrop.hpp"
 #include "views/common/widget_meter.hpp"
 
-namespace korvo::testing {
+namespace korvo::testing_support {
 
 // A card shaped like the memory widget, to look at and to time: header label, large rounded
 // figure, meter, detail line, live footer, and in the medium family a detail column with a link.
@@ -60,4 +60,4 @@ inline ui::View sampleCard(const ui::Environment& environment) {
   return content.padding(16).background(backdrop);
 }
 
-}  // namespace korvo::testing
+}  // namespace korvo::testing_support

@@ -3,10 +3,11 @@
 #include <optional>
 #include <string>
 
-#include "base/clock.hpp"
-#include "png_probe.hpp"
+#include "render/pango_text_measurer.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/render/png_image.hpp"
+#include "support/ui/view_tree_query.hpp"
 #include "ui/words.hpp"
-#include "view_tree_query.hpp"
 #include "views/memory/memory_widget_view.hpp"
 
 namespace korvo {
@@ -32,8 +33,7 @@ ui::Color tintFor(MemoryPressure pressure, const ui::Palette& palette) {
 
 class MemoryWidgetRenderTest : public testing::TestWithParam<RenderCase> {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
 };
 
 TEST_P(MemoryWidgetRenderTest, RendersEveryFamilyAndSchemeWithTheMeterInItsTint) {
@@ -44,7 +44,8 @@ TEST_P(MemoryWidgetRenderTest, RendersEveryFamilyAndSchemeWithTheMeterInItsTint)
     for (const auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
       const ui::Environment env = viewtest::environment(family, {scheme});
       const ui::WidgetLayout widget =
-          viewtest::layOut(MemoryWidgetView{MemoryEntry{viewtest::testNow, memory}}.body(env), env);
+          viewtest::layOut(MemoryWidgetView{MemoryEntry{viewtest::testNow, memory}}.body(env), env,
+                           render::PangoTextMeasurer::shared());
       const std::string name = "memory-" + std::string(ui::familyName(family)) + "-" +
                                (scheme == ui::ColorScheme::light ? "light" : "dark") + "-" + c.name;
       SCOPED_TRACE(name);
@@ -60,7 +61,7 @@ TEST_P(MemoryWidgetRenderTest, RendersEveryFamilyAndSchemeWithTheMeterInItsTint)
           viewtest::near(image->pixelAtPoint({widget.size.width - 8, widget.size.height - 12}, 2),
                          palette.windowBackground, 0.04));
 
-      const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
+      const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, ui::NodeKind::meter);
       if (!c.pressure) {
         EXPECT_EQ(meter, nullptr);
         continue;
@@ -86,24 +87,23 @@ INSTANTIATE_TEST_SUITE_P(States, MemoryWidgetRenderTest,
                          [](const auto& info) { return info.param.name; });
 
 TEST(MemoryWidgetRenderAccentedTest, MeterFillTakesTheAccentColour) {
-  clock::setFixed(viewtest::testNow);
+  const testing_support::FixedClock fixedClock{viewtest::testNow};
   ui::Environment env =
       viewtest::environment(WidgetFamily::systemSmall, {.rendering = ui::RenderingMode::accented});
   env.accentColor = *ui::Color::fromHex("#FF00FF");
   const ui::WidgetLayout widget = viewtest::layOut(
       MemoryWidgetView{MemoryEntry{viewtest::testNow, reading(MemoryPressure::critical)}}.body(env),
-      env);
+      env, render::PangoTextMeasurer::shared());
   const auto image =
       viewtest::PngImage::decode(viewtest::renderAndKeep(widget, "memory-systemSmall-accented"));
   ASSERT_TRUE(image);
-  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, "meter");
+  const ui::LayoutNode* meter = viewtest::firstOfKind(widget.root, ui::NodeKind::meter);
   ASSERT_NE(meter, nullptr);
   const ui::Rect fill = meter->children[1].frame;
   const ui::Color fillPixel = image->pixelAtPoint({fill.x + fill.width / 2, fill.y + 3}, 2);
   EXPECT_TRUE(viewtest::near(ui::Color{fillPixel.red, fillPixel.green, fillPixel.blue, 1},
                              *ui::Color::fromHex("#FF00FF"), 0.05))
       << fillPixel.hex();
-  clock::reset();
 }
 
 }  // namespace

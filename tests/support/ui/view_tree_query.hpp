@@ -7,6 +7,7 @@
 #include "base/date.hpp"
 #include "ui/environment.hpp"
 #include "ui/layout_node.hpp"
+#include "ui/text_measurer.hpp"
 #include "ui/view.hpp"
 #include "ui/widget_layout.hpp"
 
@@ -30,8 +31,11 @@ std::string variationName(const Variation& variation);
 
 ui::Environment environment(ui::WidgetFamily family, Variation variation = {});
 
-// The view laid out in its card with the Pango measurer at 2×.
+// The view laid out in its card at 2×, its texts measured by `measurer`: by default the fake one
+// of fixed advances, so that a tree test does not depend on the fonts installed.
 ui::WidgetLayout layOut(const ui::View& view, const ui::Environment& environment);
+ui::WidgetLayout layOut(const ui::View& view, const ui::Environment& environment,
+                        ui::TextMeasurer& measurer);
 
 // The colour a node is drawn in: as the view chose in full colour; in accented rendering white
 // (or the accent colour inside the accent group) at the chosen colour's alpha.
@@ -39,14 +43,14 @@ ui::Color drawn(ui::Color chosen, const ui::Environment& environment, bool inAcc
 
 // Every node, depth first in drawing order.
 std::vector<const ui::LayoutNode*> allNodes(const ui::LayoutNode& root);
-std::vector<const ui::LayoutNode*> nodesOfKind(const ui::LayoutNode& root, std::string_view kind);
+std::vector<const ui::LayoutNode*> nodesOfKind(const ui::LayoutNode& root, ui::NodeKind kind);
 // The first node drawing exactly `text`; nullptr when none does.
 const ui::LayoutNode* nodeWithText(const ui::LayoutNode& root, std::string_view text);
 // The first node of `kind` at or below `root`; nullptr when none.
-const ui::LayoutNode* firstOfKind(const ui::LayoutNode& root, std::string_view kind);
+const ui::LayoutNode* firstOfKind(const ui::LayoutNode& root, ui::NodeKind kind);
 // The nearest node above `node` in `root` whose kind is `kind`; nullptr when none.
 const ui::LayoutNode* ancestorOfKind(const ui::LayoutNode& root, const ui::LayoutNode& node,
-                                     std::string_view kind);
+                                     ui::NodeKind kind);
 // True when `node` or one of its ancestors in `root` is marked accentable.
 bool inAccentGroup(const ui::LayoutNode& root, const ui::LayoutNode& node);
 // The texts drawn by text, label and relative-date nodes, in drawing order.

@@ -1,9 +1,9 @@
-#include "view_tree_query.hpp"
+#include "support/ui/view_tree_query.hpp"
 
 #include <algorithm>
 
 #include "base/c_format.hpp"
-#include "render/pango_text_measurer.hpp"
+#include "support/ui/fake_text_measurer.hpp"
 
 namespace korvo::viewtest {
 namespace {
@@ -68,7 +68,13 @@ ui::Environment environment(ui::WidgetFamily family, Variation variation) {
 }
 
 ui::WidgetLayout layOut(const ui::View& view, const ui::Environment& environment) {
-  return ui::layoutWidget("test", view, environment, render::PangoTextMeasurer::shared(), 2);
+  ui::testing::FakeTextMeasurer measurer;
+  return layOut(view, environment, measurer);
+}
+
+ui::WidgetLayout layOut(const ui::View& view, const ui::Environment& environment,
+                        ui::TextMeasurer& measurer) {
+  return ui::layoutWidget("test", view, environment, measurer, 2);
 }
 
 ui::Color drawn(ui::Color chosen, const ui::Environment& environment, bool inAccentGroup) {
@@ -83,10 +89,9 @@ std::vector<const ui::LayoutNode*> allNodes(const ui::LayoutNode& root) {
   return nodes;
 }
 
-std::vector<const ui::LayoutNode*> nodesOfKind(const ui::LayoutNode& root, std::string_view kind) {
+std::vector<const ui::LayoutNode*> nodesOfKind(const ui::LayoutNode& root, ui::NodeKind kind) {
   std::vector<const ui::LayoutNode*> nodes = allNodes(root);
-  std::erase_if(
-      nodes, [kind](const ui::LayoutNode* node) { return ui::nodeKindName(node->kind) != kind; });
+  std::erase_if(nodes, [kind](const ui::LayoutNode* node) { return node->kind != kind; });
   return nodes;
 }
 
@@ -97,18 +102,18 @@ const ui::LayoutNode* nodeWithText(const ui::LayoutNode& root, std::string_view 
   return nullptr;
 }
 
-const ui::LayoutNode* firstOfKind(const ui::LayoutNode& root, std::string_view kind) {
+const ui::LayoutNode* firstOfKind(const ui::LayoutNode& root, ui::NodeKind kind) {
   const std::vector<const ui::LayoutNode*> nodes = nodesOfKind(root, kind);
   return nodes.empty() ? nullptr : nodes.front();
 }
 
 const ui::LayoutNode* ancestorOfKind(const ui::LayoutNode& root, const ui::LayoutNode& node,
-                                     std::string_view kind) {
+                                     ui::NodeKind kind) {
   std::vector<const ui::LayoutNode*> path;
   if (!pathTo(root, node, path)) return nullptr;
   path.pop_back();
   for (auto it = path.rbegin(); it != path.rend(); ++it) {
-    if (ui::nodeKindName((*it)->kind) == kind) return *it;
+    if ((*it)->kind == kind) return *it;
   }
   return nullptr;
 }

@@ -3,12 +3,13 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "ui/color.hpp"
 #include "ui/geometry.hpp"
 #include "ui/widget_layout.hpp"
 
-// Rendering widgets to PNG for the visual tests and reading pixels back.
+// Rendering widgets to PNG for the pixel tests and reading pixels back.
 namespace korvo::viewtest {
 
 // A decoded PNG: its size in pixels and straight (not premultiplied) RGBA pixels.
@@ -35,6 +36,9 @@ std::string renderAndKeep(const ui::WidgetLayout& widget, const std::string& nam
 
 // True when the two colours differ by at most `tolerance` (0…1) in every channel.
 bool near(const ui::Color& a, const ui::Color& b, double tolerance = 0.03);
+// True when `pixel` is the colour written `hex` (#RRGGBBAA), by default within the two steps of 255
+// a PNG's premultiplied round trip may cost.
+bool near(const ui::Color& pixel, std::string_view hex, double tolerance = 2.0 / 255);
 
 // `color` painted over `under` (straight alpha).
 ui::Color over(const ui::Color& color, const ui::Color& under);

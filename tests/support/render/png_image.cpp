@@ -1,4 +1,4 @@
-#include "png_probe.hpp"
+#include "support/render/png_image.hpp"
 
 #include <cairo.h>
 
@@ -83,6 +83,11 @@ std::string renderAndKeep(const ui::WidgetLayout& widget, const std::string& nam
 bool near(const ui::Color& a, const ui::Color& b, double tolerance) {
   return std::abs(a.red - b.red) <= tolerance && std::abs(a.green - b.green) <= tolerance &&
          std::abs(a.blue - b.blue) <= tolerance && std::abs(a.alpha - b.alpha) <= tolerance;
+}
+
+bool near(const ui::Color& pixel, std::string_view hex, double tolerance) {
+  const std::optional<ui::Color> color = ui::Color::fromHex(hex);
+  return color && near(pixel, *color, tolerance);
 }
 
 ui::Color over(const ui::Color& color, const ui::Color& under) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "model/monitor_entry.hpp"
-#include "view_tree_query.hpp"
+#include "support/ui/view_tree_query.hpp"
 
 // Building blocks for monitor entries in the tests.
 namespace korvo::viewtest {

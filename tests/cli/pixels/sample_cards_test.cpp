@@ -4,10 +4,9 @@
 #include <fstream>
 
 #include "render/image_output.hpp"
-#include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
-#include "sample_card.hpp"
-#include "support/png_pixels.hpp"
+#include "support/render/png_image.hpp"
+#include "support/views/common/sample_card.hpp"
 #include "ui/widget_layout.hpp"
 #include "ui/words.hpp"
 
@@ -23,12 +22,12 @@ TEST(SampleCards, RenderInBothFamiliesAndSchemes) {
       const ui::Environment environment{
           .family = family, .colorScheme = scheme, .now = Date::fromUnixSeconds(1'800'000'000)};
       const ui::WidgetLayout widget =
-          ui::layoutWidget("sample", testing::sampleCard(environment), environment,
+          ui::layoutWidget("sample", testing_support::sampleCard(environment), environment,
                            render::PangoTextMeasurer::shared());
       const std::string png = render::renderPNG(widget, {.scale = 2});
-      const ui::testing::PngPixels pixels(png);
-      ASSERT_TRUE(pixels.valid());
-      EXPECT_EQ(pixels.width(), static_cast<int>(ui::familySize(family).width * 2));
+      const auto pixels = viewtest::PngImage::decode(png);
+      ASSERT_TRUE(pixels);
+      EXPECT_EQ(pixels->width(), static_cast<int>(ui::familySize(family).width * 2));
       const std::string name = std::string(ui::familyName(family)) +
                                (scheme == ui::ColorScheme::dark ? "-dark.png" : "-light.png");
       std::ofstream(std::filesystem::path(KORVO_SAMPLE_DIR) / name, std::ios::binary) << png;

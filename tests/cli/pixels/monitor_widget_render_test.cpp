@@ -4,9 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "base/clock.hpp"
-#include "monitor_test_data.hpp"
-#include "png_probe.hpp"
+#include "render/pango_text_measurer.hpp"
+#include "support/base/fixed_clock.hpp"
+#include "support/render/png_image.hpp"
+#include "support/views/monitor/monitor_test_data.hpp"
 #include "ui/words.hpp"
 #include "views/monitor/monitor_widget_view.hpp"
 
@@ -47,8 +48,7 @@ std::vector<UsageRenderCase> usageCases() {
 
 class UsageRenderTest : public testing::TestWithParam<UsageRenderCase> {
  protected:
-  void SetUp() override { clock::setFixed(viewtest::testNow); }
-  void TearDown() override { clock::reset(); }
+  const testing_support::FixedClock fixedClock_{viewtest::testNow};
 };
 
 TEST_P(UsageRenderTest, RendersBothFamiliesWithMetersInTheProviderTints) {
@@ -57,7 +57,8 @@ TEST_P(UsageRenderTest, RendersBothFamiliesWithMetersInTheProviderTints) {
     for (const auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
       const ui::Environment env = viewtest::environment(family, {scheme});
       const ui::WidgetLayout widget = viewtest::layOut(
-          MonitorWidgetView{MonitorEntry{viewtest::testNow, c.snapshot}, false}.body(env), env);
+          MonitorWidgetView{MonitorEntry{viewtest::testNow, c.snapshot}, false}.body(env), env,
+          render::PangoTextMeasurer::shared());
       const std::string name = "usage-" + std::string(ui::familyName(family)) + "-" +
                                (scheme == ui::ColorScheme::light ? "light" : "dark") + "-" + c.name;
       SCOPED_TRACE(name);
@@ -70,7 +71,7 @@ TEST_P(UsageRenderTest, RendersBothFamiliesWithMetersInTheProviderTints) {
       const ui::Palette palette = env.palette();
       const ui::Rect area = viewtest::contentArea(widget);
       int tinted = 0;
-      for (const ui::LayoutNode* meter : viewtest::nodesOfKind(widget.root, "meter")) {
+      for (const ui::LayoutNode* meter : viewtest::nodesOfKind(widget.root, ui::NodeKind::meter)) {
         const ui::Rect fill = meter->children[1].frame;
         if (fill.width < 2) continue;
         // Codex is the upper row (small) or the leading card (medium), Claude the other.
@@ -95,17 +96,18 @@ INSTANTIATE_TEST_SUITE_P(States, UsageRenderTest, testing::ValuesIn(usageCases()
                          [](const auto& info) { return info.param.name; });
 
 TEST(UsageRenderTintTest, CodexIsTealAndClaudeOrangeOnScreen) {
-  clock::setFixed(viewtest::testNow);
+  const testing_support::FixedClock fixedClock{viewtest::testNow};
   const WidgetSnapshot snapshot =
       snapshotWith(enabledWith({window("Weekly", 0)}), enabledWith({window("Weekly", 0)}));
   for (const WidgetFamily family : {WidgetFamily::systemSmall, WidgetFamily::systemMedium}) {
     const ui::Environment env = viewtest::environment(family);
     const ui::WidgetLayout widget = viewtest::layOut(
-        MonitorWidgetView{MonitorEntry{viewtest::testNow, snapshot}, false}.body(env), env);
+        MonitorWidgetView{MonitorEntry{viewtest::testNow, snapshot}, false}.body(env), env,
+        render::PangoTextMeasurer::shared());
     const auto image = viewtest::PngImage::decode(viewtest::renderAndKeep(
         widget, "usage-" + std::string(ui::familyName(family)) + "-light-empty-quota"));
     ASSERT_TRUE(image);
-    const auto meters = viewtest::nodesOfKind(widget.root, "meter");
+    const auto meters = viewtest::nodesOfKind(widget.root, ui::NodeKind::meter);
     ASSERT_EQ(meters.size(), 2u);
     const ui::Rect codex = meters[0]->children[1].frame;
     const ui::Rect claude = meters[1]->children[1].frame;
@@ -115,7 +117,7 @@ TEST(UsageRenderTintTest, CodexIsTealAndClaudeOrangeOnScreen) {
                                env.palette().orange));
     if (family == WidgetFamily::systemMedium) {
       std::vector<const ui::LayoutNode*> dots;
-      for (const ui::LayoutNode* shape : viewtest::nodesOfKind(widget.root, "shape")) {
+      for (const ui::LayoutNode* shape : viewtest::nodesOfKind(widget.root, ui::NodeKind::shape)) {
         if (shape->shape == ui::ShapeKind::circle) dots.push_back(shape);
       }
       ASSERT_EQ(dots.size(), 2u);
@@ -125,7 +127,6 @@ TEST(UsageRenderTintTest, CodexIsTealAndClaudeOrangeOnScreen) {
                          env.palette().orange, 0.06));
     }
   }
-  clock::reset();
 }
 
 struct TemperatureRenderCase {
@@ -148,8 +149,9 @@ TEST_P(TemperatureRenderTest, RendersTheSmallCardInBothSchemes) {
       c.name == "none" ? std::nullopt : std::optional(snapshot);
   for (const auto scheme : {ui::ColorScheme::light, ui::ColorScheme::dark}) {
     const ui::Environment env = viewtest::environment(WidgetFamily::systemSmall, {scheme});
-    const ui::WidgetLayout widget = viewtest::layOut(
-        MonitorWidgetView{MonitorEntry{viewtest::testNow, stored}, true}.body(env), env);
+    const ui::WidgetLayout widget =
+        viewtest::layOut(MonitorWidgetView{MonitorEntry{viewtest::testNow, stored}, true}.body(env),
+                         env, render::PangoTextMeasurer::shared());
     const std::string name = "temperature-systemSmall-" +
                              std::string(scheme == ui::ColorScheme::light ? "light" : "dark") +
                              "-" + c.name;
