@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "app/user_file.hpp"
+#include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
 

@@ -4,6 +4,7 @@
 
 #include "app/json_text.hpp"
 #include "app/shell_words.hpp"
+#include "support/files.hpp"
 #include "support/scoped_environment.hpp"
 #include "support/temporary_directory.hpp"
 
@@ -104,7 +105,7 @@ TEST(ClaudeSettingsTest, RunsKorvoRecognisesKorvoByWhatItRuns) {
   std::filesystem::create_symlink(real, directory.path() / "my-status");
   const auto other = directory.write("bin/korvo-widgets", "#!/bin/sh\n");
   const std::string bin = (directory.path() / "bin").string();
-  testing::ScopedEnvironment environment;
+  testing_support::ScopedEnvironment environment;
   environment.set("PATH", bin + ":/usr/bin:/bin");
   const auto command = [](const std::string& line) {
     return Document{{"statusLine", {{"type", "command"}, {"command", line}}}};

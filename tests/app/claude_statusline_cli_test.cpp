@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "shared/widget_snapshot_json.hpp"
+#include "support/files.hpp"
 #include "support/korvo_process.hpp"
 #include "support/unprivileged.hpp"
 
@@ -177,11 +178,11 @@ TEST_F(ClaudeInstallTest, TheUsersBytesSurviveInstallAndUninstallExactly) {
       std::string(KORVO_APP_BINARY) + " claude-statusline --chain '~/.claude/line.sh'";
   std::string expected = original;
   expected.replace(expected.find("\"~/.claude/line.sh\""), 19, nlohmann::json(command).dump());
-  EXPECT_EQ(readWhole(world.claudeSettings()), expected);
-  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+  EXPECT_EQ(readFile(world.claudeSettings()), expected);
+  EXPECT_EQ(readFile(world.claudeDir() / "settings.json.korvo-backup"), original);
 
   ASSERT_EQ(world.korvo({"claude-statusline", "--uninstall"}).exitCode, 0);
-  EXPECT_EQ(readWhole(world.claudeSettings()), original);
+  EXPECT_EQ(readFile(world.claudeSettings()), original);
   EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
 }
 
@@ -197,11 +198,11 @@ TEST_F(ClaudeInstallTest, ASymlinkedSettingsFileStaysALinkAndItsTargetIsChanged)
             "../dotfiles/claude-settings.json");
   EXPECT_EQ(claudeSettings()["statusLine"]["command"],
             std::string(KORVO_APP_BINARY) + " claude-statusline");
-  EXPECT_EQ(readWhole(dotfile), readWhole(world.claudeSettings()));
+  EXPECT_EQ(readFile(dotfile), readFile(world.claudeSettings()));
 
   ASSERT_EQ(world.korvo({"claude-statusline", "--uninstall"}).exitCode, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(world.claudeSettings()));
-  EXPECT_EQ(readWhole(dotfile), original);
+  EXPECT_EQ(readFile(dotfile), original);
 }
 
 TEST_F(ClaudeInstallTest, AReadOnlySettingsFileIsRefusedInOneLineAndLeftAsItIs) {
@@ -215,7 +216,7 @@ TEST_F(ClaudeInstallTest, AReadOnlySettingsFileIsRefusedInOneLineAndLeftAsItIs) 
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err,
             "korvo: " + world.claudeSettings().string() + ": it is read-only; left untouched\n");
-  EXPECT_EQ(readWhole(world.claudeSettings()), original);
+  EXPECT_EQ(readFile(world.claudeSettings()), original);
   EXPECT_FALSE(std::filesystem::exists(world.claudeDir() / "settings.json.korvo-backup"));
 }
 
@@ -224,15 +225,15 @@ TEST_F(ClaudeInstallTest, AFailedUninstallKeepsTheBackup) {
   const std::string original = "{\"model\": \"opus\"}\n";
   world.write("claude/settings.json", original);
   ASSERT_EQ(world.korvo({"claude-statusline", "--install"}).exitCode, 0);
-  const std::string installed = readWhole(world.claudeSettings());
+  const std::string installed = readFile(world.claudeSettings());
   std::filesystem::permissions(world.claudeSettings(), std::filesystem::perms::owner_read);
 
   const auto result = world.korvo({"claude-statusline", "--uninstall"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.err, HasSubstr("it is read-only; left untouched"));
   EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
-  EXPECT_EQ(readWhole(world.claudeSettings()), installed);
-  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+  EXPECT_EQ(readFile(world.claudeSettings()), installed);
+  EXPECT_EQ(readFile(world.claudeDir() / "settings.json.korvo-backup"), original);
 }
 
 TEST_F(ClaudeInstallTest, KorvoKnowsItsStatusLineWhenRunThroughALinkToAVersionedName) {
@@ -248,21 +249,21 @@ TEST_F(ClaudeInstallTest, KorvoKnowsItsStatusLineWhenRunThroughALinkToAVersioned
   world.write("claude/settings.json", original);
 
   ASSERT_EQ(korvo({"claude-statusline", "--install"}).exitCode, 0);
-  const std::string installed = readWhole(world.claudeSettings());
+  const std::string installed = readFile(world.claudeSettings());
   EXPECT_EQ(claudeSettings()["statusLine"]["command"],
             versioned.string() + " claude-statusline --chain line.sh");
   const auto again = korvo({"claude-statusline", "--install"});
   EXPECT_EQ(again.exitCode, 0);
   EXPECT_THAT(again.out, HasSubstr("already runs korvo"));
-  EXPECT_EQ(readWhole(world.claudeSettings()), installed);
-  EXPECT_EQ(readWhole(world.claudeDir() / "settings.json.korvo-backup"), original);
+  EXPECT_EQ(readFile(world.claudeSettings()), installed);
+  EXPECT_EQ(readFile(world.claudeDir() / "settings.json.korvo-backup"), original);
 
   ASSERT_EQ(korvo({"publish"}).exitCode, 0);
   EXPECT_EQ(shared(world)->claude.message, std::nullopt);
 
   const auto removed = korvo({"claude-statusline", "--uninstall"});
   EXPECT_EQ(removed.exitCode, 0) << removed.err;
-  EXPECT_EQ(readWhole(world.claudeSettings()), original);
+  EXPECT_EQ(readFile(world.claudeSettings()), original);
 }
 
 // Makes this process adopt the orphans of the processes it starts, so a test can wait for one.
@@ -283,7 +284,7 @@ class AdoptedOrphans {
 };
 
 pid_t pidIn(const std::filesystem::path& file) {
-  return static_cast<pid_t>(std::stol(readWhole(file)));
+  return static_cast<pid_t>(std::stol(readFile(file)));
 }
 
 TEST(ClaudeStatusLineCliTest, AChainThatClosesItsOutputAndRunsOnIsEndedWithItsGroup) {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "shared/widget_snapshot_json.hpp"
+#include "support/files.hpp"
 #include "support/korvo_process.hpp"
 #include "support/unprivileged.hpp"
 
@@ -214,7 +215,7 @@ TEST(KorvoSettingsTest, ASymlinkedSettingsFileStaysALinkAndItsTargetIsChanged) {
   std::filesystem::create_symlink(dotfile, world.settingsFile());
   ASSERT_EQ(world.korvo({"settings", "publishSeconds", "300"}).exitCode, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(world.settingsFile()));
-  EXPECT_EQ(nlohmann::json::parse(readWhole(dotfile)),
+  EXPECT_EQ(nlohmann::json::parse(readFile(dotfile)),
             nlohmann::json::parse(R"({"claude":false,"publishSeconds":300})"));
   EXPECT_EQ(world.korvo({"settings", "publishSeconds"}).out, "300\n");
 }
@@ -231,7 +232,7 @@ TEST(KorvoSettingsTest, AReadOnlySettingsFileIsRefusedInOneLineAndLeftAsItIs) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, "korvo: settings " + world.settingsFile().string() +
                             ": it is read-only; left as it is\n");
-  EXPECT_EQ(readWhole(world.settingsFile()), original);
+  EXPECT_EQ(readFile(world.settingsFile()), original);
 }
 
 TEST(KorvoCommandLineTest, EveryCommandThatPrintsFailsInOneLineWhenItsOutputCannotBeWritten) {

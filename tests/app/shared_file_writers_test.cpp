@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "shared/widget_snapshot_json.hpp"
+#include "support/files.hpp"
 #include "support/korvo_process.hpp"
 #include "support/lock_holder.hpp"
 
@@ -18,7 +19,7 @@ namespace {
 
 using testing_support::KorvoWorld;
 using testing_support::LockHolder;
-using testing_support::readWhole;
+using testing_support::readFile;
 
 const std::string statusInput =
     R"({"model":{"display_name":"Opus"},"rate_limits":{"five_hour":{"used_percentage":28,)"
@@ -29,7 +30,7 @@ std::filesystem::path lockFile(const KorvoWorld& world) {
 }
 
 std::optional<WidgetSnapshot> shared(const KorvoWorld& world) {
-  auto result = decodeWidgetSnapshot(readWhole(world.sharedFile()));
+  auto result = decodeWidgetSnapshot(readFile(world.sharedFile()));
   if (auto* snapshot = std::get_if<WidgetSnapshot>(&result)) return *snapshot;
   return std::nullopt;
 }
@@ -46,7 +47,7 @@ std::vector<std::string> temporaries(const KorvoWorld& world) {
 
 // Rewrites the shared file's JSON with `change` applied.
 void tamper(const KorvoWorld& world, const std::function<void(nlohmann::json&)>& change) {
-  auto document = nlohmann::json::parse(readWhole(world.sharedFile()));
+  auto document = nlohmann::json::parse(readFile(world.sharedFile()));
   change(document);
   world.write("data/app-groups/group.com.tessmoor.Korvo/usage-snapshot.json", document.dump());
 }
@@ -54,14 +55,14 @@ void tamper(const KorvoWorld& world, const std::function<void(nlohmann::json&)>&
 TEST(SharedFileWritersTest, TheStatusLineGivesUpOnAHeldLockPrintsItsLineAndWritesNothing) {
   KorvoWorld world;
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
-  const std::string before = readWhole(world.sharedFile());
+  const std::string before = readFile(world.sharedFile());
   LockHolder holder(lockFile(world));
 
   const auto result = world.korvo({"claude-statusline"}, statusInput);
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "5-hour · 72% left | Weekly · 58% left\n");
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(readWhole(world.sharedFile()), before);
+  EXPECT_EQ(readFile(world.sharedFile()), before);
   EXPECT_TRUE(holder.holding()) << "it returned while the lock was still held";
 }
 

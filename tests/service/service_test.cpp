@@ -10,6 +10,7 @@
 
 #include "shared/url.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "support/files.hpp"
 #include "support/korvo_process.hpp"
 #include "support/lock_holder.hpp"
 
@@ -93,8 +94,8 @@ TEST_F(ServiceTest, APublishGivesUpOnAHeldLockWithALogLineAndTheNextOneWrites) {
   start();
   const std::string line =
       "korvo service: another process holds the lock " + lock.string() + "; gave up after 10 s\n";
-  EXPECT_TRUE(eventually([&] { return testing_support::readWhole(*errorLog) == line; }))
-      << testing_support::readWhole(*errorLog);
+  EXPECT_TRUE(eventually([&] { return testing_support::readFile(*errorLog) == line; }))
+      << testing_support::readFile(*errorLog);
   EXPECT_FALSE(snapshot());
   EXPECT_TRUE(holder.holding());
 
