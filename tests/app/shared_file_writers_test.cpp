@@ -157,16 +157,9 @@ TEST(SharedFileWritersTest, TheStatusLineKeepsWhatAMalformedCodexPartDoesNotSpoi
 
 // Starts `korvo publish` and kills it with SIGKILL after `delay`.
 void killPublishAfter(const KorvoWorld& world, std::chrono::microseconds delay) {
-  std::vector<std::string> envStrings;
-  for (const auto& [name, value] : world.environment()) envStrings.push_back(name + "=" + value);
-  std::vector<char*> envp;
-  for (auto& entry : envStrings) envp.push_back(entry.data());
-  envp.push_back(nullptr);
-  std::string program = KORVO_APP_BINARY;
-  std::string command = "publish";
-  char* argv[] = {program.data(), command.data(), nullptr};
-  pid_t pid = 0;
-  ASSERT_EQ(posix_spawn(&pid, program.c_str(), nullptr, nullptr, argv, envp.data()), 0);
+  const pid_t pid =
+      testing_support::startProgram(KORVO_APP_BINARY, {"publish"}, world.environment());
+  ASSERT_GT(pid, 0);
   std::this_thread::sleep_for(delay);
   ::kill(pid, SIGKILL);
   ::waitpid(pid, nullptr, 0);

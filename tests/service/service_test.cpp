@@ -32,21 +32,9 @@ bool eventually(const std::function<bool()>& condition) {
 class ServiceTest : public testing::Test {
  protected:
   void start() {
-    std::vector<std::string> envStrings;
-    for (const auto& [name, value] : world.environment()) envStrings.push_back(name + "=" + value);
-    std::vector<char*> envp;
-    for (auto& entry : envStrings) envp.push_back(entry.data());
-    envp.push_back(nullptr);
-    std::string program = KORVO_APP_BINARY;
-    std::string command = "service";
-    char* argv[] = {program.data(), command.data(), nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (errorLog) {
-      posix_spawn_file_actions_addopen(&actions, 2, errorLog->c_str(), O_WRONLY | O_CREAT, 0600);
-    }
-    ASSERT_EQ(posix_spawn(&pid, program.c_str(), &actions, nullptr, argv, envp.data()), 0);
-    posix_spawn_file_actions_destroy(&actions);
+    pid =
+        testing_support::startProgram(KORVO_APP_BINARY, {"service"}, world.environment(), errorLog);
+    ASSERT_GT(pid, 0);
   }
   void TearDown() override {
     if (pid <= 0) return;

@@ -23,6 +23,45 @@ struct ProcessResult {
   std::string err;  // standard error
 };
 
+// Starts `program` with `args` and an environment of exactly `environment` (plus the sanitizers'
+// settings, leak suppressions included); false when it could not be started.
+inline bool spawnProgram(pid_t& pid, const std::string& program,
+                         const std::vector<std::string>& args,
+                         const std::map<std::string, std::string>& environment,
+                         const posix_spawn_file_actions_t& actions) {
+  std::vector<std::string> argStrings{program};
+  argStrings.insert(argStrings.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (auto& arg : argStrings) argv.push_back(arg.data());
+  argv.push_back(nullptr);
+  std::vector<std::string> envStrings;
+  for (const auto& [name, value] : environment) envStrings.push_back(name + "=" + value);
+  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+    if (const char* value = std::getenv(name))
+      envStrings.push_back(std::string(name) + "=" + value);
+  }
+  std::vector<char*> envp;
+  for (auto& entry : envStrings) envp.push_back(entry.data());
+  envp.push_back(nullptr);
+  return posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data()) == 0;
+}
+
+// Starts `program` without waiting for it, its standard error going to `errorPath` when given;
+// the process id, or -1 when it could not be started.
+inline pid_t startProgram(const std::string& program, const std::vector<std::string>& args,
+                          const std::map<std::string, std::string>& environment,
+                          const std::optional<std::filesystem::path>& errorPath = std::nullopt) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  if (errorPath) {
+    posix_spawn_file_actions_addopen(&actions, 2, errorPath->c_str(), O_WRONLY | O_CREAT, 0600);
+  }
+  pid_t pid = -1;
+  if (!spawnProgram(pid, program, args, environment, actions)) pid = -1;
+  posix_spawn_file_actions_destroy(&actions);
+  return pid;
+}
+
 // Runs `program` with `args`, `input` on its standard input and an environment of exactly
 // `environment` (plus the sanitizers' settings). Its errors, and its output unless `outPath` names
 // where the output goes instead (a file, /dev/full, a terminal), are caught in memory files; `out`
@@ -47,25 +86,9 @@ inline ProcessResult runProgram(const std::string& program, const std::vector<st
   }
   posix_spawn_file_actions_adddup2(&actions, err, 2);
 
-  std::vector<std::string> argStrings{program};
-  argStrings.insert(argStrings.end(), args.begin(), args.end());
-  std::vector<char*> argv;
-  for (auto& arg : argStrings) argv.push_back(arg.data());
-  argv.push_back(nullptr);
-  std::vector<std::string> envStrings;
-  for (const auto& [name, value] : environment) envStrings.push_back(name + "=" + value);
-  // The sanitizer build's settings, leak suppressions included, reach the child.
-  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
-    if (const char* value = std::getenv(name))
-      envStrings.push_back(std::string(name) + "=" + value);
-  }
-  std::vector<char*> envp;
-  for (auto& entry : envStrings) envp.push_back(entry.data());
-  envp.push_back(nullptr);
-
   ProcessResult result;
   pid_t pid = 0;
-  if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data()) == 0) {
+  if (spawnProgram(pid, program, args, environment, actions)) {
     int status = 0;
     ::waitpid(pid, &status, 0);
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
