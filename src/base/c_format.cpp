@@ -1,7 +1,5 @@
 #include "base/c_format.hpp"
 
-#include <locale.h>
-
 #include <clocale>
 #include <cstdarg>
 #include <cstdio>

@@ -139,6 +139,7 @@ std::string relativeSpan(Date dataMoment, Date now) {
 
   UErrorCode status = U_ZERO_ERROR;
   std::vector<icu::Measure> measures;
+  measures.reserve(parts.size());
   for (const auto& [amount, unit] : parts) {
     measures.emplace_back(icu::Formattable(amount), measureUnit(unit).clone(), status);
   }

@@ -16,7 +16,7 @@ namespace {
 
 // Every file the sampler reads is a few kilobytes at most; the bound keeps a stray device or
 // huge file from costing more than one buffer.
-constexpr std::size_t fileCap = 64 * 1024;
+constexpr std::size_t fileCap = std::size_t{64} * 1024;
 using Buffer = std::array<char, fileCap>;
 
 // Plain concatenation: cheaper than path arithmetic, and the sampler is built per request.
@@ -50,7 +50,7 @@ std::optional<std::uint64_t> zramPoolBytes(const std::string& blockPath, Buffer&
 
 }  // namespace
 
-SystemSampler::SystemSampler(std::filesystem::path root, std::uint64_t pageSize)
+SystemSampler::SystemSampler(const std::filesystem::path& root, std::uint64_t pageSize)
     : meminfoPath_(under(root, "/proc/meminfo")),
       pressurePath_(under(root, "/proc/pressure/memory")),
       blockPath_(under(root, "/sys/block")),

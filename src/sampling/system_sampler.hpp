@@ -25,7 +25,7 @@ struct KernelMemory {
 class SystemSampler {
  public:
   // Reads MemTotal under `root` once; `pageSize` defaults to sysconf(_SC_PAGESIZE).
-  explicit SystemSampler(std::filesystem::path root = "/",
+  explicit SystemSampler(const std::filesystem::path& root = "/",
                          std::uint64_t pageSize = systemPageSize());
 
   // A sampler over $KORVO_SYSROOT when it is set and not empty, else over "/".

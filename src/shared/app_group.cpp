@@ -12,7 +12,7 @@ namespace korvo {
 namespace {
 
 // Bundle information is a one-line document; anything bigger is not ours.
-constexpr std::size_t maxInfoBytes = 64 * 1024;
+constexpr std::size_t maxInfoBytes = std::size_t{64} * 1024;
 
 std::optional<std::filesystem::path> executableDirectory() {
   std::error_code error;

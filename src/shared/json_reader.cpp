@@ -42,8 +42,9 @@ std::string withoutExceptionPrefix(const std::string& what) {
 }
 
 // Builds the document from parser events, refusing a key repeated within one object (which a
-// plain parse would resolve silently, last one winning).
-class Builder {
+// plain parse would resolve silently, last one winning). Its destructor frees a document, which
+// nlohmann does with a work list of its own: only running out of memory could throw there.
+class Builder {  // NOLINT(bugprone-exception-escape)
  public:
   using number_integer_t = Json::number_integer_t;
   using number_unsigned_t = Json::number_unsigned_t;
@@ -57,7 +58,7 @@ class Builder {
   bool number_unsigned(number_unsigned_t value) { return put(value); }
   bool number_float(number_float_t value, const string_t&) { return put(value); }
   bool string(string_t& value) { return put(std::move(value)); }
-  bool binary(binary_t&) { return false; }
+  static bool binary(binary_t&) { return false; }
 
   bool start_object(std::size_t) { return open(Json::object()); }
   bool start_array(std::size_t) { return open(Json::array()); }

@@ -63,6 +63,45 @@ std::optional<Date> parseUnixSeconds(std::string_view text) {
 
 }  // namespace
 
+namespace {
+
+// ":SS" with an optional fraction (".250" or ",250") after the minutes; 0 when the seconds are
+// left out, none when they are malformed.
+std::optional<double> secondsAt(std::string_view text, std::size_t& pos) {
+  if (!expect(text, pos, ':')) return 0.0;
+  const auto whole = digits(text, pos, 2);
+  if (!whole || *whole > 59) return std::nullopt;
+  double second = *whole;
+  if (expect(text, pos, '.') || expect(text, pos, ',')) {
+    double scale = 0.1;
+    const std::size_t start = pos;
+    while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') {
+      second += (text[pos] - '0') * scale;
+      scale /= 10;
+      ++pos;
+    }
+    if (pos == start) return std::nullopt;
+  }
+  return second;
+}
+
+// The zone as minutes east of UTC: "Z", "+02:00", "-0530". None for anything else, a missing
+// zone included: a moment without one would mean something else on every machine.
+std::optional<std::int64_t> zoneMinutesAt(std::string_view text, std::size_t& pos) {
+  if (expect(text, pos, 'Z') || expect(text, pos, 'z')) return 0;
+  if (pos >= text.size() || (text[pos] != '+' && text[pos] != '-')) return std::nullopt;
+  const int sign = text[pos] == '-' ? -1 : 1;
+  ++pos;
+  const auto hours = digits(text, pos, 2);
+  if (!hours || *hours > 23) return std::nullopt;
+  expect(text, pos, ':');
+  const auto minutes = digits(text, pos, 2);
+  if (!minutes || *minutes > 59) return std::nullopt;
+  return sign * static_cast<std::int64_t>(*hours * 60 + *minutes);
+}
+
+}  // namespace
+
 std::optional<Date> parseIsoMoment(std::string_view text) {
   std::size_t pos = 0;
   const auto year = digits(text, pos, 4);
@@ -78,42 +117,14 @@ std::optional<Date> parseIsoMoment(std::string_view text) {
   if (!hour || *hour > 23 || !expect(text, pos, ':')) return std::nullopt;
   const auto minute = digits(text, pos, 2);
   if (!minute || *minute > 59) return std::nullopt;
-  double second = 0;
-  if (expect(text, pos, ':')) {
-    const auto whole = digits(text, pos, 2);
-    if (!whole || *whole > 59) return std::nullopt;
-    second = *whole;
-    if (expect(text, pos, '.') || expect(text, pos, ',')) {
-      double scale = 0.1;
-      const std::size_t start = pos;
-      while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') {
-        second += (text[pos] - '0') * scale;
-        scale /= 10;
-        ++pos;
-      }
-      if (pos == start) return std::nullopt;
-    }
-  }
-  std::int64_t offsetMinutes = 0;
-  if (expect(text, pos, 'Z') || expect(text, pos, 'z')) {
-    offsetMinutes = 0;
-  } else if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) {
-    const int sign = text[pos] == '-' ? -1 : 1;
-    ++pos;
-    const auto offsetHours = digits(text, pos, 2);
-    if (!offsetHours || *offsetHours > 23) return std::nullopt;
-    expect(text, pos, ':');
-    const auto offsetMins = digits(text, pos, 2);
-    if (!offsetMins || *offsetMins > 59) return std::nullopt;
-    offsetMinutes = sign * static_cast<std::int64_t>(*offsetHours * 60 + *offsetMins);
-  } else {
-    return std::nullopt;  // a moment without a zone would mean something else on every machine
-  }
-  if (pos != text.size()) return std::nullopt;
+  const auto second = secondsAt(text, pos);
+  if (!second) return std::nullopt;
+  const auto offsetMinutes = zoneMinutesAt(text, pos);
+  if (!offsetMinutes || pos != text.size()) return std::nullopt;
   const std::int64_t days = daysFromCivil(*year, *month, *day);
-  const std::int64_t wholeSeconds =
-      days * 86'400 + *hour * 3'600 + *minute * 60 - offsetMinutes * 60;
-  return Date::fromUnixSeconds(static_cast<double>(wholeSeconds) + second);
+  const std::int64_t wholeSeconds = days * 86'400 + std::int64_t{*hour} * 3'600 +
+                                    std::int64_t{*minute} * 60 - *offsetMinutes * 60;
+  return Date::fromUnixSeconds(static_cast<double>(wholeSeconds) + *second);
 }
 
 std::optional<Date> parseMoment(std::string_view text) {
