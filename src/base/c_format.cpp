@@ -3,6 +3,7 @@
 #include <locale.h>
 
 #include <clocale>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 
@@ -32,6 +33,11 @@ std::string cFormat(const char* format, ...) {
   va_end(copy);
   uselocale(previous);
   return text;
+}
+
+std::string wholeFigure(double value) {
+  constexpr double largestWhole = 1e6;
+  return std::fabs(value) < largestWhole ? cFormat("%.0f", value) : cFormat("%.3g", value);
 }
 
 }  // namespace korvo

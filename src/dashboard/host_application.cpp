@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "app/settings_file.hpp"
+#include "base/clock.hpp"
 #include "base/date_text.hpp"
 #include "base/exit_codes.hpp"
 #include "base/text.hpp"
@@ -49,8 +50,9 @@ void complain(GApplicationCommandLine* invocation, const std::string& line) {
 std::string statusLine(const std::optional<AwakeSession>& session,
                        const std::vector<Inhibitor>& held) {
   if (!session) return _("Keep Awake is off.");
-  const std::string until =
-      session->endsAt ? _("until ") + shortTime(*session->endsAt) : _("until stopped");
+  const std::string until = session->endsAt
+                                ? _("until ") + shortTimeOrDateTime(*session->endsAt, clock::now())
+                                : _("until stopped");
   return _("Keep Awake is on ") + until + " (" + joined(held, ", ", inhibitorWord) + ").";
 }
 
