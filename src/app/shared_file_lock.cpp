@@ -92,7 +92,7 @@ SharedFileLock SharedFileLock::acquire(const std::filesystem::path& sharedFile,
                              displayText(directory.string()) + ": " + std::strerror(errno));
   }
   const auto lockPath = directory / ".usage-snapshot.lock";
-  const std::string lockName = displayText(lockName);
+  const std::string lockName = displayText(lockPath.string());
   const int fd = ::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (fd < 0) {
     throw std::runtime_error("cannot open the lock " + lockName + ": " + std::strerror(errno));

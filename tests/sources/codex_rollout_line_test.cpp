@@ -28,6 +28,7 @@ TEST(CodexRolloutLineTest, TitlesComeFromTheWindowLength) {
       {60, Slot::primary, "1-hour"},           {120, Slot::primary, "2-hour"},
       {1380, Slot::primary, "23-hour"},        {1440, Slot::primary, "1-day"},
       {43200, Slot::secondary, "30-day"},      {90, Slot::primary, "1-day"},
+      {1e300, Slot::secondary, "6.94e+296-day"},
   };
   for (const auto& [minutes, slot, title] : cases) {
     EXPECT_EQ(windowTitle(minutes, slot), title) << minutes.value_or(-1);
