@@ -50,8 +50,7 @@ TEST_F(DateTextTest, AMomentOnAnotherDayShowsItsDateAsWell) {
             "Nov 14, 2026, 11:45 PM");
   EXPECT_EQ(shortTimeOrDateTime(lateNight.addingSeconds(10 * 365.0 * 86400), lateNight),
             "Nov 12, 2036, 1:45 AM");
-  EXPECT_EQ(shortTimeOrDateTime(Date{816399900 - 365 * 86400}, lateNight),
-            "Nov 15, 2025, 1:45 AM");
+  EXPECT_EQ(shortTimeOrDateTime(Date{816399900 - 365 * 86400}, lateNight), "Nov 15, 2025, 1:45 AM");
 }
 
 TEST_F(DateTextTest, AbbreviatedDateShortTimeIsMediumDateAndShortTime) {
