@@ -69,7 +69,7 @@ std::optional<std::filesystem::path> location() {
 std::filesystem::path korvoExecutable() {
   std::error_code error;
   const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) throw std::runtime_error("cannot find korvo's own path");
+  if (error) throw std::runtime_error("cannot find korvo's own path: " + error.message());
   if (self.filename() != "korvo-service") return self;
   // The status line runs the light front, korvo, beside the GTK side or in bin/.
   const auto beside = self.parent_path() / "korvo";

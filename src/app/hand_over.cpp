@@ -18,7 +18,7 @@ namespace {
 std::filesystem::path hostExecutable() {
   std::error_code error;
   const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) throw std::runtime_error("cannot find korvo's own path");
+  if (error) throw std::runtime_error("cannot find korvo's own path: " + error.message());
   for (const auto& candidate :
        {self.parent_path() / "korvo-service",
         self.parent_path() / ".." / "libexec" / "korvo" / "korvo-service"}) {

@@ -104,7 +104,9 @@ SharedFileLock SharedFileLock::acquire(const std::filesystem::path& sharedFile,
     }
     const auto deadline = std::chrono::steady_clock::now() + patience;
     const Ticker ticker;
-    if (!ticker.armed()) fail(fd, "cannot time the wait for the lock " + lockName);
+    if (!ticker.armed()) {
+      fail(fd, "cannot time the wait for the lock " + lockName + ": " + std::strerror(errno));
+    }
     while (::flock(fd, LOCK_EX) != 0) {
       if (errno != EINTR) {
         fail(fd, "cannot lock " + lockName + ": " + std::strerror(errno));

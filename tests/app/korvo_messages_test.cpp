@@ -117,6 +117,20 @@ TEST(KorvoMessagesTest, ACodexHomeThatIsNotUtf8IsRefusedWithTheReason) {
   EXPECT_FALSE(std::filesystem::exists(world.settingsFile()));
 }
 
+TEST(KorvoMessagesTest, InstallingFromAPathThatIsNotUtf8IsRefusedWithTheReason) {
+  KorvoWorld world;
+  const auto folder = world.home() / "bin\xff";
+  std::filesystem::create_directories(folder);
+  std::filesystem::copy_file(KORVO_APP_BINARY, folder / "korvo");
+  const auto result = testing_support::runProgram(
+      (folder / "korvo").string(), {"claude-statusline", "--install"}, world.environment());
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "korvo: korvo's own path is not UTF-8, which " + world.claudeSettings().string() +
+                " cannot hold: " + world.home().string() + "/bin\\xFF/korvo; left untouched\n");
+  EXPECT_FALSE(std::filesystem::exists(world.claudeSettings()));
+}
+
 TEST(KorvoMessagesTest, FilesThatCannotBeWrittenSayWhy) {
   KorvoWorld world;
   world.write("config/korvo", "a file where the folder goes");
