@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "base/display_text.hpp"
 #include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
@@ -36,13 +37,13 @@ std::optional<AwakeSession> load(std::ostream& warnings) {
   }
   auto bytes = readRegularFile(*path, maxBytes);
   if (auto* failure = std::get_if<DecodeFailure>(&bytes)) {
-    warnings << "korvo: Keep Awake state " << path->string() << ": " << failure->reason
+    warnings << "korvo: Keep Awake state " << displayText(path->string()) << ": " << failure->reason
              << "; no session resumed\n";
     return std::nullopt;
   }
   auto session = parseAwakeState(std::get<std::string>(bytes));
   if (auto* failure = std::get_if<DecodeFailure>(&session)) {
-    warnings << "korvo: Keep Awake state " << path->string() << ": " << failure->reason
+    warnings << "korvo: Keep Awake state " << displayText(path->string()) << ": " << failure->reason
              << "; no session resumed\n";
     return std::nullopt;
   }
@@ -56,13 +57,15 @@ void save(const std::optional<AwakeSession>& session) {
   if (!session) {
     // unlink, not remove: a directory standing there is not korvo's to delete.
     if (::unlink(path->c_str()) != 0 && errno != ENOENT) {
-      throw std::runtime_error("cannot remove " + path->string() + ": " + std::strerror(errno));
+      throw std::runtime_error("cannot remove " + displayText(path->string()) + ": " +
+                               std::strerror(errno));
     }
     return;
   }
   if (!createPrivateDirectories(path->parent_path()) ||
       !replaceFileAtomically(*path, awakeStateDocument(*session), 0600)) {
-    throw std::runtime_error("cannot write the Keep Awake state " + path->string());
+    throw std::runtime_error("cannot write the Keep Awake state " + displayText(path->string()) +
+                             ": " + std::strerror(errno));
   }
 }
 

@@ -1,10 +1,13 @@
 #include "app/claude_settings_file.hpp"
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 #include <system_error>
 
 #include "app/claude_settings.hpp"
 #include "app/user_file.hpp"
+#include "base/display_text.hpp"
 #include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
@@ -16,6 +19,11 @@ using claude_settings::Document;
 
 std::filesystem::path backupOf(const std::filesystem::path& file) {
   return file.parent_path() / (file.filename().string() + ".korvo-backup");
+}
+
+// A path as a message may show it: on one line, whatever bytes it holds.
+std::string shown(const std::filesystem::path& path) {
+  return displayText(path.string());
 }
 
 bool isPresent(const std::filesystem::path& path) {
@@ -32,7 +40,7 @@ std::filesystem::path requiredLocation() {
 std::string readBytes(const std::filesystem::path& path) {
   auto bytes = readRegularFile(path, claude_settings::maxBytes);
   if (auto* failure = std::get_if<DecodeFailure>(&bytes)) {
-    throw std::runtime_error(path.string() + ": " + failure->reason + "; left untouched");
+    throw std::runtime_error(shown(path) + ": " + failure->reason + "; left untouched");
   }
   return std::get<std::string>(std::move(bytes));
 }
@@ -40,14 +48,14 @@ std::string readBytes(const std::filesystem::path& path) {
 Document parseOrRefuse(const std::filesystem::path& path, const std::string& bytes) {
   auto parsed = claude_settings::parse(bytes);
   if (auto* failure = std::get_if<DecodeFailure>(&parsed)) {
-    throw std::runtime_error(path.string() + ": " + failure->reason + "; left untouched");
+    throw std::runtime_error(shown(path) + ": " + failure->reason + "; left untouched");
   }
   return std::get<Document>(std::move(parsed));
 }
 
 void write(const std::filesystem::path& path, std::string_view bytes) {
   if (const auto fault = user_file::replace(path, bytes, 0600)) {
-    throw std::runtime_error(path.string() + ": " + *fault + "; left untouched");
+    throw std::runtime_error(shown(path) + ": " + *fault + "; left untouched");
   }
 }
 
@@ -61,7 +69,7 @@ std::optional<std::filesystem::path> location() {
 std::filesystem::path korvoExecutable() {
   std::error_code error;
   const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) throw std::runtime_error("cannot find korvo's own path");
+  if (error) throw std::runtime_error("cannot find korvo's own path: " + error.message());
   if (self.filename() != "korvo-service") return self;
   // The status line runs the light front, korvo, beside the GTK side or in bin/.
   const auto beside = self.parent_path() / "korvo";
@@ -89,26 +97,32 @@ std::string install(const std::filesystem::path& korvo) {
   const std::string original = present ? readBytes(path) : "{}\n";
   const Document settings = parseOrRefuse(path, original);
   if (claude_settings::runsKorvo(settings, korvo)) {
-    return "Claude's status line already runs korvo (" + path.string() + ")";
+    return "Claude's status line already runs korvo (" + shown(path) + ")";
+  }
+  // The command goes into a JSON document, whose strings are UTF-8 alone.
+  if (!isUtf8(korvo.string())) {
+    throw std::runtime_error("korvo's own path is not UTF-8, which " + shown(path) +
+                             " cannot hold: " + shown(korvo) + "; left untouched");
   }
   auto installed = claude_settings::install(original, korvo);
   if (auto* failure = std::get_if<DecodeFailure>(&installed)) {
-    throw std::runtime_error(path.string() + ": " + failure->reason + "; left untouched");
+    throw std::runtime_error(shown(path) + ": " + failure->reason + "; left untouched");
   }
   if (!createPrivateDirectories(path.parent_path())) {
-    throw std::runtime_error("cannot create the folder " + path.parent_path().string());
+    throw std::runtime_error("cannot create the folder " + shown(path.parent_path()) + ": " +
+                             std::strerror(errno));
   }
   // Refused before the backup is taken, so a refusal leaves nothing behind.
   if (const auto refused = user_file::refusal(path)) {
-    throw std::runtime_error(path.string() + ": " + *refused + "; left untouched");
+    throw std::runtime_error(shown(path) + ": " + *refused + "; left untouched");
   }
   if (!replaceFileAtomically(backupOf(path), original, 0600)) {
-    throw std::runtime_error("cannot write " + backupOf(path).string() + "; " + path.string() +
-                             " left untouched");
+    throw std::runtime_error("cannot write " + shown(backupOf(path)) + ": " + std::strerror(errno) +
+                             "; " + shown(path) + " left untouched");
   }
   write(path, std::get<std::string>(installed));
-  return "Claude's status line now runs korvo (" + path.string() + ", backup " +
-         backupOf(path).filename().string() + ")";
+  return "Claude's status line now runs korvo (" + shown(path) + ", backup " +
+         shown(backupOf(path).filename()) + ")";
 }
 
 std::string uninstall(const std::filesystem::path& korvo) {
@@ -129,7 +143,7 @@ std::string uninstall(const std::filesystem::path& korvo) {
   // Only now is the backup no longer the one copy of the user's status line.
   std::error_code error;
   std::filesystem::remove(backupPath, error);
-  return "Claude's status line is back as it was (" + path.string() + ")";
+  return "Claude's status line is back as it was (" + shown(path) + ")";
 }
 
 }  // namespace korvo::claude_settings_file

@@ -9,6 +9,7 @@
 #include "app/claude_update.hpp"
 #include "app/cli_commands.hpp"
 #include "app/settings_file.hpp"
+#include "base/command_line_words.hpp"
 #include "base/exit_codes.hpp"
 #include "base/standard_output.hpp"
 #include "sources/claude_status_line.hpp"
@@ -56,26 +57,29 @@ void addClaudeStatusLineCommand(CLI::App& app, int& exitCode) {
       "claude-statusline",
       "Claude Code's status line: take the limits from its input into the shared file");
   struct Options {
-    std::string chain;
+    std::optional<std::string> chain;
     bool install = false;
     bool uninstall = false;
   };
   auto options = std::make_shared<Options>();
-  command->add_option("--chain", options->chain,
-                      "Run CMD with the same input and print its output instead");
+  addTextOption(command, "--chain", options->chain,
+                "Run CMD with the same input and print its output instead");
   auto* install = command->add_flag("--install", options->install,
                                     "Make this Claude Code's status line (keeps a backup)");
   auto* uninstall = command->add_flag("--uninstall", options->uninstall,
                                       "Put back the status line that was there before");
   install->excludes(uninstall);
   command->callback([options, &exitCode] {
+    if (options->chain && options->chain->empty()) {
+      throw UsageError("--chain: empty; valid: the command to run with the same input");
+    }
     if (options->install) {
       print(claude_settings_file::install(claude_settings_file::korvoExecutable()) + '\n');
     } else if (options->uninstall) {
       print(claude_settings_file::uninstall(claude_settings_file::korvoExecutable()) + '\n');
     } else {
       try {
-        runStatusLine(options->chain.empty() ? std::nullopt : std::optional(options->chain));
+        runStatusLine(options->chain);
       } catch (const std::exception&) {
         // Still exit 0: Claude Code keeps its status line.
       }

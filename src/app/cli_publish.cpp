@@ -4,6 +4,8 @@
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
 #include "base/clock.hpp"
+#include "base/command_line_words.hpp"
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "shared/moment_text.hpp"
 
@@ -14,17 +16,17 @@ void addPublishCommand(CLI::App& app, int& exitCode) {
       "publish", "Collect the CPU temperature and Codex's limits once and write the shared file");
   struct Options {
     bool print = false;
-    std::string now;
+    std::optional<std::string> now;
   };
   auto options = std::make_shared<Options>();
   command->add_flag("--print", options->print, "Write nothing; print the bytes it would write");
-  command->add_option("--now", options->now,
-                      "The moment to publish at: ISO 8601 with a zone, or Unix seconds");
+  addTextOption(command, "--now", options->now,
+                "The moment to publish at: ISO 8601 with a zone, or Unix seconds");
   command->callback([options, &exitCode] {
-    if (!options->now.empty()) {
-      const auto moment = parseMoment(options->now);
+    if (options->now) {
+      const auto moment = parseMoment(*options->now);
       if (!moment) {
-        throw UsageError("--now: not a moment: \"" + options->now +
+        throw UsageError("--now: not a moment: \"" + displayText(*options->now) +
                          "\"; valid: ISO 8601 with a zone or Unix seconds");
       }
       clock::setFixed(*moment);

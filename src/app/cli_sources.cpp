@@ -67,7 +67,8 @@ void addTemperatureCommand(CLI::App& app, int& exitCode) {
     const auto root = systemRoot();
     const auto reading = readCpuTemperature(root);
     if (!reading) {
-      std::cerr << "korvo: no CPU temperature sensor under " << (root / "sys").string() << '\n';
+      std::cerr << "korvo: no CPU temperature sensor under " << displayText((root / "sys").string())
+                << '\n';
       exitCode = exitFailure;
       return;
     }

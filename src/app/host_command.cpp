@@ -1,6 +1,8 @@
 #include "app/host_command.hpp"
 
 #include "app/dashboard_link.hpp"
+#include "base/command_line_words.hpp"
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 
 namespace korvo {
@@ -8,9 +10,11 @@ namespace {
 
 AwakeDuration durationOf(const std::string& text) {
   if (auto duration = parseAwakeDuration(text)) return *duration;
-  throw UsageError("not a duration: \"" + text +
+  throw UsageError("not a duration: \"" + displayText(text) +
                    "\"; valid: 90s, 15m, 2h, 1h30m (up to a year) or indefinitely");
 }
+
+}  // namespace
 
 void addAwakeCommands(CLI::App& app, std::optional<HostCommand>& command) {
   auto* awake = app.add_subcommand("awake", "Keep Awake: start, extend, stop or show a session");
@@ -23,11 +27,11 @@ void addAwakeCommands(CLI::App& app, std::optional<HostCommand>& command) {
                    "Add DURATION to the session's end (default: awakeMinutes); starts one "
                    "when none runs"}}) {
     auto* sub = awake->add_subcommand(name, help);
-    auto text = std::make_shared<std::string>();
-    sub->add_option("DURATION", *text, "90s, 15m, 2h, 1h30m or indefinitely");
+    auto text = std::make_shared<std::optional<std::string>>();
+    addTextOption(sub, "DURATION", *text, "90s, 15m, 2h, 1h30m or indefinitely");
     sub->callback([&command, text, action = action] {
       AwakeCommand awakeCommand{action, std::nullopt, false};
-      if (!text->empty()) awakeCommand.duration = durationOf(*text);
+      if (*text) awakeCommand.duration = durationOf(**text);
       command = awakeCommand;
     });
   }
@@ -44,24 +48,22 @@ void addAwakeCommands(CLI::App& app, std::optional<HostCommand>& command) {
   });
 }
 
-}  // namespace
-
-void addHostCommands(CLI::App& app, std::optional<HostCommand>& command) {
+void addDashboardCommands(CLI::App& app, std::optional<HostCommand>& command) {
   auto* open = app.add_subcommand("open", "Show the dashboard at the tab a korvo:// link names");
-  auto url = std::make_shared<std::string>();
-  open->add_option("URL", *url, "korvo://usage, ai, resources, memory or awake");
+  auto url = std::make_shared<std::optional<std::string>>();
+  addTextOption(open, "URL", *url, "korvo://usage, ai, resources, memory or awake");
   open->callback([&command, url] {
-    if (url->empty()) {
-      command = OpenDashboard{};
-      return;
-    }
-    dashboardDestination(*url);  // throws for anything but a korvo:// link
+    if (*url) dashboardDestination(**url);  // throws for anything but a korvo:// link
     command = OpenDashboard{*url};
   });
   app.add_subcommand("service",
                      "The background service: publishes at start, every publishSeconds and on a "
                      "settings change, keeps Keep Awake sessions; no window")
       ->callback([&command] { command = RunService{}; });
+}
+
+void addHostCommands(CLI::App& app, std::optional<HostCommand>& command) {
+  addDashboardCommands(app, command);
   addAwakeCommands(app, command);
 }
 

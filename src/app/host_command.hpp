@@ -27,8 +27,11 @@ struct AwakeCommand {
 };
 using HostCommand = std::variant<OpenDashboard, RunService, AwakeCommand>;
 
-// Adds `open`, `service` and `awake` to `app`; the one the command line gives is left in
-// `command` once parsed. A malformed duration or link throws UsageError with one line.
+// Add the host's commands to `app`: `open` and `service`, `awake`, or all three; the one the
+// command line gives is left in `command` once parsed. A malformed duration or link, or an empty
+// one, throws UsageError with one line.
+void addDashboardCommands(CLI::App& app, std::optional<HostCommand>& command);
+void addAwakeCommands(CLI::App& app, std::optional<HostCommand>& command);
 void addHostCommands(CLI::App& app, std::optional<HostCommand>& command);
 
 // Parses words as `korvo` received them (program name first) into a host command; no words

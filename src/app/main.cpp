@@ -5,26 +5,9 @@
 #include "app/cli_commands.hpp"
 #include "app/hand_over.hpp"
 #include "app/host_command.hpp"
+#include "base/command_line_words.hpp"
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
-#include "base/standard_output.hpp"
-
-namespace {
-
-// CLI11's own messages can span lines; the first one names the problem.
-std::string firstLine(const std::string& text) {
-  return text.substr(0, text.find('\n'));
-}
-
-// The help goes to standard output like any other text, and is as much checked.
-int printed(int exitCode) {
-  if (const auto failure = korvo::standardOutputFailure()) {
-    std::cerr << "korvo: " << *failure << '\n';
-    return korvo::exitFailure;
-  }
-  return exitCode;
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
   // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
@@ -37,31 +20,23 @@ int main(int argc, char** argv) {
       "korvo");
   app.require_subcommand(0, 1);
   int exitCode = korvo::exitSuccess;
+  std::optional<korvo::HostCommand> hostCommand;
+  korvo::addDashboardCommands(app, hostCommand);
   korvo::app::addPublishCommand(app, exitCode);
   korvo::app::addTemperatureCommand(app, exitCode);
   korvo::app::addCodexCommand(app, exitCode);
   korvo::app::addClaudeStatusLineCommand(app, exitCode);
+  korvo::addAwakeCommands(app, hostCommand);
   korvo::app::addSettingsCommand(app, exitCode);
-  std::optional<korvo::HostCommand> hostCommand;
-  korvo::addHostCommands(app, hostCommand);
 
   try {
-    app.parse(argc, argv);
+    if (const auto ended = korvo::parseCommandLine(app, argc, argv, "korvo")) return *ended;
     // The dashboard, the service and Keep Awake live in the GTK instance; the arguments are
     // checked here so that a mistake is told before any toolkit loads.
     if (hostCommand || app.get_subcommands().empty()) korvo::app::handOver(argc, argv);
-  } catch (const CLI::CallForHelp& help) {
-    return printed(app.exit(help));
-  } catch (const CLI::CallForAllHelp& help) {
-    return printed(app.exit(help));
-  } catch (const CLI::ParseError& error) {
-    std::cerr << "korvo: " << firstLine(error.what()) << '\n';
-    return korvo::exitUsage;
-  } catch (const korvo::UsageError& error) {
-    std::cerr << "korvo: " << error.what() << '\n';
-    return korvo::exitUsage;
   } catch (const std::exception& error) {
-    std::cerr << "korvo: " << error.what() << '\n';
+    // Paths and values may stand in the reason; the message stays one line.
+    std::cerr << "korvo: " << korvo::displayText(error.what()) << '\n';
     return korvo::exitFailure;
   }
   return exitCode;

@@ -1,5 +1,7 @@
 #include "app/publisher.hpp"
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 
 #include "app/claude_settings_file.hpp"
@@ -7,6 +9,7 @@
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
 #include "base/clock.hpp"
+#include "base/display_text.hpp"
 #include "base/text.hpp"
 #include "shared/url.hpp"
 #include "shared/widget_snapshot_json.hpp"
@@ -84,7 +87,8 @@ void publish(const Settings& settings, const std::stop_token& stop) {
   const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
   const auto snapshot = compose(currentParts(file), settings, collected, clock::now());
   if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
-    throw std::runtime_error("cannot write the shared file " + file.string());
+    throw std::runtime_error("cannot write the shared file " + displayText(file.string()) + ": " +
+                             std::strerror(errno));
   }
   status_bar::refresh(settings.waybarSignal);
 }

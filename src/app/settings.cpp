@@ -3,6 +3,7 @@
 #include <charconv>
 #include <optional>
 
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "shared/json_reader.hpp"
 
@@ -59,7 +60,7 @@ int wholeValue(const std::string& name, std::string_view text, Range range) {
   if (text.empty() || error != std::errc() || ptr != text.data() + text.size() ||
       number < range.low || number > range.high) {
     throw UsageError(name + ": not a whole number in " + rangeText(range) + ": \"" +
-                     std::string(text) + "\"");
+                     displayText(text) + "\"");
   }
   return number;
 }
@@ -132,18 +133,24 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
   const std::string name(word);
   const auto key = valueNamed(settingKeyWords, word);
   if (!key) {
-    throw UsageError("unknown setting \"" + name + "\"; valid: " + wordList(settingKeyWords));
+    throw UsageError("unknown setting \"" + displayText(name) +
+                     "\"; valid: " + wordList(settingKeyWords));
   }
   switch (*key) {
     case SettingKey::codexHome:
       if (text.empty()) return nullptr;
       if (text.front() != '/') {
-        throw UsageError(name + ": not an absolute path: \"" + std::string(text) + "\"");
+        throw UsageError(name + ": not an absolute path: \"" + displayText(text) + "\"");
+      }
+      // The settings file is JSON, whose strings are UTF-8 alone.
+      if (!isUtf8(text)) {
+        throw UsageError(name + ": not UTF-8, which the settings file cannot hold: \"" +
+                         displayText(text) + "\"");
       }
       return std::string(text);
     case SettingKey::memoryDisplayMode:
       if (!displayModeFromRaw(text)) {
-        throw UsageError(name + ": unknown mode \"" + std::string(text) +
+        throw UsageError(name + ": unknown mode \"" + displayText(text) +
                          "\"; valid: " + wordList(displayModeWords));
       }
       return std::string(text);
@@ -152,7 +159,7 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::claude:
       if (text == "true") return true;
       if (text == "false") return false;
-      throw UsageError(name + ": not a boolean: \"" + std::string(text) + "\"; valid: true, false");
+      throw UsageError(name + ": not a boolean: \"" + displayText(text) + "\"; valid: true, false");
     case SettingKey::publishSeconds:
     case SettingKey::awakeMinutes:
     case SettingKey::waybarSignal:

@@ -1,10 +1,13 @@
 #include "app/settings_file.hpp"
 
+#include <cerrno>
+#include <cstring>
 #include <ostream>
 #include <stdexcept>
 #include <system_error>
 
 #include "app/user_file.hpp"
+#include "base/display_text.hpp"
 #include "shared/atomic_file.hpp"
 #include "shared/file_bytes.hpp"
 #include "sources/user_paths.hpp"
@@ -32,13 +35,13 @@ Settings load(std::ostream& warnings) {
   if (!path || isMissing(*path)) return {};
   auto bytes = readRegularFile(*path, maxBytes);
   if (auto* failure = std::get_if<DecodeFailure>(&bytes)) {
-    warnings << "korvo: settings " << path->string() << ": " << failure->reason
+    warnings << "korvo: settings " << displayText(path->string()) << ": " << failure->reason
              << "; using the defaults\n";
     return {};
   }
   auto settings = parseSettings(std::get<std::string>(bytes));
   if (auto* failure = std::get_if<DecodeFailure>(&settings)) {
-    warnings << "korvo: settings " << path->string() << ": " << failure->reason
+    warnings << "korvo: settings " << displayText(path->string()) << ": " << failure->reason
              << "; using the defaults\n";
     return {};
   }
@@ -48,7 +51,7 @@ Settings load(std::ostream& warnings) {
 void set(std::string_view key, const nlohmann::ordered_json& value) {
   const auto path = location();
   if (!path) throw std::runtime_error("no place for settings: set HOME or XDG_CONFIG_HOME");
-  const std::string name = path->string();
+  const std::string name = displayText(path->string());
   nlohmann::ordered_json document = nlohmann::ordered_json::object();
   if (!isMissing(*path)) {
     auto bytes = readRegularFile(*path, maxBytes);
@@ -69,7 +72,8 @@ void set(std::string_view key, const nlohmann::ordered_json& value) {
     document[std::string(key)] = value;
   }
   if (!createPrivateDirectories(path->parent_path())) {
-    throw std::runtime_error("cannot write settings " + name + ": cannot create its folder");
+    throw std::runtime_error("cannot write settings " + name +
+                             ": cannot create its folder: " + std::strerror(errno));
   }
   // Through a symbolic link to the file it leads to, which keeps its permissions.
   if (const auto fault = user_file::replace(*path, document.dump(2) + "\n", 0600)) {

@@ -15,6 +15,7 @@
 #include <string>
 #include <utility>
 
+#include "base/display_text.hpp"
 #include "shared/atomic_file.hpp"
 
 namespace korvo {
@@ -87,29 +88,32 @@ SharedFileLock SharedFileLock::acquire(const std::filesystem::path& sharedFile,
                                        const std::stop_token& stop) {
   const auto directory = sharedFile.parent_path();
   if (!createPrivateDirectories(directory)) {
-    throw std::runtime_error("cannot create the folder of the shared file " + directory.string());
+    throw std::runtime_error("cannot create the folder of the shared file " +
+                             displayText(directory.string()) + ": " + std::strerror(errno));
   }
   const auto lockPath = directory / ".usage-snapshot.lock";
+  const std::string lockName = displayText(lockPath.string());
   const int fd = ::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (fd < 0) {
-    throw std::runtime_error("cannot open the lock " + lockPath.string() + ": " +
-                             std::strerror(errno));
+    throw std::runtime_error("cannot open the lock " + lockName + ": " + std::strerror(errno));
   }
   makePrivate(fd);
   if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK) {
-      fail(fd, "cannot lock " + lockPath.string() + ": " + std::strerror(errno));
+      fail(fd, "cannot lock " + lockName + ": " + std::strerror(errno));
     }
     const auto deadline = std::chrono::steady_clock::now() + patience;
     const Ticker ticker;
-    if (!ticker.armed()) fail(fd, "cannot time the wait for the lock " + lockPath.string());
+    if (!ticker.armed()) {
+      fail(fd, "cannot time the wait for the lock " + lockName + ": " + std::strerror(errno));
+    }
     while (::flock(fd, LOCK_EX) != 0) {
       if (errno != EINTR) {
-        fail(fd, "cannot lock " + lockPath.string() + ": " + std::strerror(errno));
+        fail(fd, "cannot lock " + lockName + ": " + std::strerror(errno));
       }
-      if (stop.stop_requested()) fail(fd, "stopped waiting for the lock " + lockPath.string());
+      if (stop.stop_requested()) fail(fd, "stopped waiting for the lock " + lockName);
       if (std::chrono::steady_clock::now() >= deadline) {
-        fail(fd, "another process holds the lock " + lockPath.string() + "; gave up after " +
+        fail(fd, "another process holds the lock " + lockName + "; gave up after " +
                      std::to_string(std::chrono::ceil<std::chrono::seconds>(patience).count()) +
                      " s");
       }

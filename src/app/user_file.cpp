@@ -3,8 +3,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <system_error>
 
+#include "base/display_text.hpp"
 #include "shared/atomic_file.hpp"
 
 namespace korvo::user_file {
@@ -48,7 +51,9 @@ std::optional<std::string> replace(const std::filesystem::path& path, std::strin
   const auto file = target(path);
   struct stat status {};
   if (::stat(file->c_str(), &status) == 0) mode = status.st_mode & 07777;
-  if (!replaceFileAtomically(*file, bytes, mode)) return "cannot write " + file->string();
+  if (!replaceFileAtomically(*file, bytes, mode)) {
+    return "cannot write " + displayText(file->string()) + ": " + std::strerror(errno);
+  }
   return std::nullopt;
 }
 

@@ -1,6 +1,7 @@
 #include "base/c_format.hpp"
 
 #include <clocale>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 
@@ -30,6 +31,11 @@ std::string cFormat(const char* format, ...) {
   va_end(copy);
   uselocale(previous);
   return text;
+}
+
+std::string wholeFigure(double value) {
+  constexpr double largestWhole = 1e6;
+  return std::fabs(value) < largestWhole ? cFormat("%.0f", value) : cFormat("%.3g", value);
 }
 
 }  // namespace korvo

@@ -8,4 +8,9 @@ namespace korvo {
 // separator, no grouping, and the C library's rounding (exact halves to even).
 [[gnu::format(printf, 1, 2)]] std::string cFormat(const char* format, ...);
 
+// `value` rounded to a whole number ("72", "-3"), or, past a million either way, in three
+// significant digits with an exponent ("1e+300"), so a figure from outside never runs to hundreds
+// of digits.
+std::string wholeFigure(double value);
+
 }  // namespace korvo

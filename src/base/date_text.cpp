@@ -1,7 +1,10 @@
 #include "base/date_text.hpp"
 
 #include <cmath>
+#include <ctime>
 #include <limits>
+#include <optional>
+#include <tuple>
 
 #include "base/date_text_module.hpp"
 #include "base/module.hpp"
@@ -41,6 +44,17 @@ const DateTextFunctions& functions() {
   return *loaded;
 }
 
+// The local calendar day of `moment`; none when the system cannot place it (far outside time_t or
+// the years a calendar holds).
+std::optional<std::tuple<int, int, int>> localDay(Date moment) {
+  const double seconds = std::floor(moment.unixSeconds());
+  if (!(std::fabs(seconds) < 1e15)) return std::nullopt;
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm local{};
+  if (::localtime_r(&time, &local) == nullptr) return std::nullopt;
+  return std::tuple{local.tm_year, local.tm_mon, local.tm_mday};
+}
+
 }  // namespace
 
 std::string shortTime(Date moment) {
@@ -69,6 +83,11 @@ Date nextRelativeSpanChange(Date dataMoment, Date now) {
   const double boundary = std::floor(magnitude / step) * step;
   constexpr double justAfter = 0.001;
   return dataMoment.addingSeconds(-boundary + justAfter);
+}
+
+std::string shortTimeOrDateTime(Date moment, Date now) {
+  const auto day = localDay(moment);
+  return day && day == localDay(now) ? shortTime(moment) : abbreviatedDateShortTime(moment);
 }
 
 }  // namespace korvo

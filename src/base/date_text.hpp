@@ -13,6 +13,9 @@ namespace korvo {
 std::string shortTime(Date moment);
 // The locale's medium date and short time: "Nov 15, 2026, 1:44 AM" in en_US.
 std::string abbreviatedDateShortTime(Date moment);
+// The time of day alone when `moment` falls on the same day as `now` in the local time zone, else
+// the date and time, so an end tomorrow or years away is not taken for one today.
+std::string shortTimeOrDateTime(Date moment, Date now);
 
 // The age of `dataMoment` at `now` as a short measure: "12 sec", "5 min", "2 hr, 5 min", "2 hr",
 // "3 days, 4 hr". A negative age is shown by its magnitude; a non-finite one gives "".

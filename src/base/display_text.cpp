@@ -84,4 +84,18 @@ std::string displayText(std::string_view text) {
   return out;
 }
 
+bool isUtf8(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    if (static_cast<unsigned char>(text[at]) < 0x80) {
+      ++at;
+      continue;
+    }
+    const std::size_t length = sequenceLength(text, at);
+    if (length == 0) return false;
+    at += length;
+  }
+  return true;
+}
+
 }  // namespace korvo

@@ -11,4 +11,7 @@ namespace korvo {
 // carries bytes a terminal or a JSON document cannot take.
 std::string displayText(std::string_view text);
 
+// Whether `text` is valid UTF-8 throughout, as a JSON document needs its strings to be.
+bool isUtf8(std::string_view text);
+
 }  // namespace korvo

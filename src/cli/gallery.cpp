@@ -158,8 +158,8 @@ void addGalleryCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   auto options = std::make_shared<GalleryOptions>();
   command->add_option("-o,--output", options->directory, "Folder to write into (created).")
       ->default_str("korvo-gallery");
-  desktop::addTextOption(command, "--now", options->now,
-                         "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] { run(*options, outcome); });
 }
 

@@ -117,17 +117,16 @@ void addRenderCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
                      "or timeline (live data, the default).");
   command->add_option("--snapshot-file", options->snapshotFile,
                       "Read the shared snapshot from this file instead of the group container.");
-  desktop::addTextOption(command, "--now", options->now,
-                         "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
-                         "Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone (2026-11-15T01:45:00Z) or "
+                "Unix seconds.");
   desktop::addChoice(command, "--appearance", options->appearance, ui::colorSchemeWords,
                      "Colour scheme: light (the default) or dark.");
   desktop::addChoice(command, "--rendering", options->rendering, ui::renderingModeWords,
                      "Rendering mode: full-color (the default), or accented (accent "
                      "group tinted, the rest white).");
-  desktop::addTextOption(
-      command, "--accent", options->accent,
-      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  addTextOption(command, "--accent", options->accent,
+                "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_flag("--legacy-background", options->legacyBackground,
                     "Draw the path without a host-supplied container background: 16-point padding "
                     "with the backdrop behind.");

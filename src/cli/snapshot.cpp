@@ -112,8 +112,7 @@ void addSnapshotCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
       "check",
       "Decode the shared file (or FILE) as the widgets do and say why it is unreadable; exit 1 "
       "when it is.");
-  desktop::addTextOption(checkCommand, "FILE", options->file,
-                         "Check this file instead of the shared file.");
+  addTextOption(checkCommand, "FILE", options->file, "Check this file instead of the shared file.");
   checkCommand->add_flag("--reencode", options->reencode,
                          "Print exactly the bytes the encoder writes for the decoded file, with "
                          "no newline; messages go to standard error.");

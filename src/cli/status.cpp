@@ -90,8 +90,8 @@ void addStatusCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
       ->add_option("--mode", options->mode,
                    "How the memory figure is written (default usedPercent).")
       ->check(CLI::IsMember(modeWords()));
-  desktop::addTextOption(command, "--now", options->now,
-                         "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] {
     const StatusKind& kind = statusKindNamed(options->kind);
     pinClock(options->now);

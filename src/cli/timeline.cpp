@@ -48,8 +48,8 @@ void addTimelineCommand(CLI::App& app, desktop::CommandOutcome& outcome) {
   command->add_flag("--json", options->json,
                     "Print {widget, placeholder, snapshot, timeline: {entries, reload}}; dates in "
                     "seconds since 2001-01-01 UTC.");
-  desktop::addTextOption(command, "--now", options->now,
-                         "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
+  addTextOption(command, "--now", options->now,
+                "Stand-in for the clock: ISO 8601 with a zone or Unix seconds.");
   command->callback([options, &outcome] {
     const WidgetConfiguration& widget = widgetNamed(options->kind);
     pinClock(options->now);

@@ -91,10 +91,11 @@ void AwakePage::act(const KeepAwake::Outcome& outcome) {
 
 void AwakePage::refresh() {
   const auto& session = keepAwake_.session();
-  std::string state =
-      !session          ? _("Keep Awake is off: this machine sleeps as usual.")
-      : session->endsAt ? _("Keeping this machine awake until ") + shortTime(*session->endsAt) + "."
-                        : _("Keeping this machine awake until you stop it.");
+  std::string state = !session ? _("Keep Awake is off: this machine sleeps as usual.")
+                      : session->endsAt
+                          ? _("Keeping this machine awake until ") +
+                                shortTimeOrDateTime(*session->endsAt, clock::now()) + "."
+                          : _("Keeping this machine awake until you stop it.");
   gchar* markup = g_markup_printf_escaped("<big><b>%s</b></big>", state.c_str());
   gtk_label_set_markup(GTK_LABEL(state_), markup);
   g_free(markup);

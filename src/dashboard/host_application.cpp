@@ -9,7 +9,10 @@
 #include <sstream>
 
 #include "app/settings_file.hpp"
+#include "base/clock.hpp"
+#include "base/command_line_words.hpp"
 #include "base/date_text.hpp"
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_window.hpp"
@@ -43,14 +46,16 @@ void say(GApplicationCommandLine* invocation, const std::string& line) {
 }
 
 void complain(GApplicationCommandLine* invocation, const std::string& line) {
-  g_application_command_line_printerr(invocation, "korvo: %s\n", line.c_str());
+  // Values from the command line and paths may stand in it; it stays one line.
+  g_application_command_line_printerr(invocation, "korvo: %s\n", displayText(line).c_str());
 }
 
 std::string statusLine(const std::optional<AwakeSession>& session,
                        const std::vector<Inhibitor>& held) {
   if (!session) return _("Keep Awake is off.");
-  const std::string until =
-      session->endsAt ? _("until ") + shortTime(*session->endsAt) : _("until stopped");
+  const std::string until = session->endsAt
+                                ? _("until ") + shortTimeOrDateTime(*session->endsAt, clock::now())
+                                : _("until stopped");
   return _("Keep Awake is on ") + until + " (" + joined(held, ", ", inhibitorWord) + ").";
 }
 
@@ -152,7 +157,7 @@ int HostApplication::commandLine(GApplicationCommandLine* invocation) {
       status = exitFailure;
     }
   } catch (const CLI::ParseError& error) {
-    complain(invocation, error.what());
+    complain(invocation, firstLine(error.what()));
     status = exitUsage;
   } catch (const UsageError& error) {
     complain(invocation, error.what());

@@ -9,6 +9,8 @@
 
 #include "app/host_command.hpp"
 #include "base/clock.hpp"
+#include "base/command_line_words.hpp"
+#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "base/standard_output.hpp"
 #include "base/wake_up.hpp"
@@ -76,7 +78,7 @@ int main(int argc, char** argv) {
   try {
     command = parseHostCommand({argv, argv + argc});
   } catch (const std::exception& error) {
-    std::cerr << "korvo: " << error.what() << '\n';
+    std::cerr << "korvo: " << displayText(firstLine(error.what())) << '\n';
     return exitUsage;
   }
   const auto warp =

@@ -57,9 +57,8 @@ void addRunOptions(CLI::App& app, RunArguments& arguments) {
       command, "--rendering", arguments.options.renderingMode, ui::renderingModeWords,
       "Rendering mode: full-color (the default), or accented (accent group tinted, the rest "
       "white).");
-  desktop::addTextOption(
-      command, "--accent", arguments.accent,
-      "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
+  addTextOption(command, "--accent", arguments.accent,
+                "Accent colour of accented rendering, #RRGGBB or #RRGGBBAA (default white).");
   command->add_option("--scale", arguments.options.scale,
                       "Logical pixels per point, on top of the desktop's own scale (default 1).");
   command->add_option("--time-rate", arguments.timeRate,

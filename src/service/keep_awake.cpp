@@ -67,8 +67,9 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
   session_ = session;
   armTimer();
   changed_();
-  std::string message = session.endsAt ? _("Keep Awake until ") + shortTime(*session.endsAt)
-                                       : _("Keep Awake until stopped");
+  std::string message =
+      session.endsAt ? _("Keep Awake until ") + shortTimeOrDateTime(*session.endsAt, clock::now())
+                     : _("Keep Awake until stopped");
   if (held.size() == 1) {
     message += held.front() == Inhibitor::session
                    ? _(", with the session's idle inhibitor alone (") + joined(faults, "; ") + ")"

@@ -40,7 +40,9 @@ bool replaceFileAtomically(const std::filesystem::path& target, std::string_view
   const bool written = ::fchmod(fd, mode) == 0 && writeAll(fd, bytes) && ::fsync(fd) == 0;
   const bool closed = ::close(fd) == 0;
   if (!written || !closed || ::rename(pattern.c_str(), target.c_str()) != 0) {
+    const int reason = errno;
     ::unlink(pattern.c_str());
+    errno = reason;
     return false;
   }
   return true;
@@ -69,7 +71,9 @@ bool createPrivateDirectories(const std::filesystem::path& directory) {
       continue;
     }
     struct stat status {};
-    if (errno != EEXIST || ::stat(partial.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) {
+    if (errno != EEXIST || ::stat(partial.c_str(), &status) != 0) return false;
+    if (!S_ISDIR(status.st_mode)) {
+      errno = ENOTDIR;
       return false;
     }
   }

@@ -18,7 +18,7 @@ constexpr double maxCountdownMinutes = 52'560'000;
 std::string UsageWindow::remainingSummary() const {
   double remaining = 100 - usedPercent;
   if (std::isnan(remaining) || remaining < 0) remaining = 0;
-  return cFormat(_("%s · %.0f%% left").c_str(), title.c_str(), remaining);
+  return cFormat(_("%s · %s%% left").c_str(), title.c_str(), wholeFigure(remaining).c_str());
 }
 
 std::string UsageWindow::resetText() const {

@@ -72,7 +72,7 @@ std::string windowTitle(std::optional<double> windowMinutes, Slot slot) {
   if (minutes < dayMinutes && std::fmod(minutes, 60) == 0) {
     return cFormat("%.0f-hour", minutes / 60);
   }
-  return cFormat("%.0f-day", std::max(1.0, std::round(minutes / dayMinutes)));
+  return wholeFigure(std::max(1.0, std::round(minutes / dayMinutes))) + "-day";
 }
 
 std::optional<UsageSnapshot> parseLine(std::string_view line) {

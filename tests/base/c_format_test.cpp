@@ -22,6 +22,16 @@ TEST(CFormatTest, IgnoresTheProcessLocale) {
   std::setlocale(LC_ALL, "C");
 }
 
+TEST(CFormatTest, WholeFiguresPastAMillionTakeThreeDigits) {
+  EXPECT_EQ(wholeFigure(72.4), "72");
+  EXPECT_EQ(wholeFigure(-3), "-3");
+  EXPECT_EQ(wholeFigure(999999.4), "999999");
+  EXPECT_EQ(wholeFigure(1e6), "1e+06");
+  EXPECT_EQ(wholeFigure(-1234567), "-1.23e+06");
+  EXPECT_EQ(wholeFigure(1e300), "1e+300");
+  EXPECT_EQ(wholeFigure(-1e300), "-1e+300");
+}
+
 TEST(CFormatTest, LongTextIsNotCut) {
   const std::string title(500, 'x');
   EXPECT_EQ(cFormat("%s · %.0f%% left", title.c_str(), 72.0), title + " · 72% left");

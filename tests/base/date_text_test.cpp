@@ -5,8 +5,10 @@
 #include <unicode/timezone.h>
 
 #include <cmath>
+#include <ctime>
 
 #include "support/english_in_utc.hpp"
+#include "support/scoped_environment.hpp"
 
 namespace korvo {
 namespace {
@@ -33,6 +35,22 @@ TEST_F(DateTextTest, ShortTimeFollowsTheDefaultLocale) {
   UErrorCode status = U_ZERO_ERROR;
   icu::Locale::setDefault(icu::Locale("de_DE"), status);
   EXPECT_EQ(shortTime(lateNight), "01:45");
+}
+
+TEST_F(DateTextTest, AMomentOnAnotherDayShowsItsDateAsWell) {
+  // The calendar day comes from the C library's zone, which TZ sets as it sets ICU's.
+  testing_support::ScopedEnvironment zone("TZ", "UTC");
+  ::tzset();
+  const Date sameDayLater = lateNight.addingSeconds(20 * 3600);
+  EXPECT_EQ(shortTimeOrDateTime(sameDayLater, lateNight), "9:45 PM");
+  EXPECT_EQ(shortTimeOrDateTime(lateNight, lateNight), "1:45 AM");
+  EXPECT_EQ(shortTimeOrDateTime(lateNight.addingSeconds(23 * 3600), lateNight),
+            "Nov 16, 2026, 12:45 AM");
+  EXPECT_EQ(shortTimeOrDateTime(lateNight.addingSeconds(-2 * 3600), lateNight),
+            "Nov 14, 2026, 11:45 PM");
+  EXPECT_EQ(shortTimeOrDateTime(lateNight.addingSeconds(10 * 365.0 * 86400), lateNight),
+            "Nov 12, 2036, 1:45 AM");
+  EXPECT_EQ(shortTimeOrDateTime(Date{816399900 - 365 * 86400}, lateNight), "Nov 15, 2025, 1:45 AM");
 }
 
 TEST_F(DateTextTest, AbbreviatedDateShortTimeIsMediumDateAndShortTime) {

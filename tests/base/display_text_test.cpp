@@ -32,5 +32,14 @@ TEST(DisplayTextTest, ValidTextIsKeptAndEverythingElseIsEscaped) {
   }
 }
 
+TEST(DisplayTextTest, Utf8IsToldFromOtherBytes) {
+  EXPECT_TRUE(isUtf8("°C · 温度 · 🌡 \n\t"));
+  EXPECT_TRUE(isUtf8(""));
+  EXPECT_FALSE(isUtf8("/tmp/\xff"));
+  EXPECT_FALSE(isUtf8("cut \xe2\x82"));
+  EXPECT_FALSE(isUtf8("overlong \xc0\xaf"));
+  EXPECT_FALSE(isUtf8("surrogate \xed\xa0\x80"));
+}
+
 }  // namespace
 }  // namespace korvo

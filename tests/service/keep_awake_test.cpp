@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "base/clock.hpp"
+#include "base/date_text.hpp"
+#include "support/english_in_utc.hpp"
 #include "support/korvo_process.hpp"
 #include "support/lock_holder.hpp"
 #include "support/private_buses.hpp"
@@ -187,6 +189,21 @@ TEST_F(KeepAwakeTest, ItAnswersWhileAPublishWaitsForTheLockAndSigtermStillEndsIt
   EXPECT_TRUE(holder.holding());
 }
 
+TEST_F(KeepAwakeTest, AnEndOnAnotherDayIsShownWithItsDate) {
+  mockLogind();
+  mockSessionManager();
+  startService();
+  // A year away is never today, whenever the test runs.
+  const auto started = korvo({"awake", "start", "8760h"});
+  ASSERT_EQ(started.exitCode, 0) << started.err;
+  const Date endsAt{status()["endsAt"].get<double>()};
+  testing_support::useEnglishInUtc();
+  const std::string until = abbreviatedDateShortTime(endsAt);
+  EXPECT_EQ(started.out, "Keep Awake until " + until + ".\n");
+  EXPECT_EQ(korvo({"awake", "status"}).out,
+            "Keep Awake is on until " + until + " (logind, session).\n");
+}
+
 TEST_F(KeepAwakeTest, ExtendMovesTheEndAndStartsASessionWhenNoneRuns) {
   mockLogind();
   mockSessionManager();
@@ -274,7 +291,7 @@ TEST_F(KeepAwakeTest, StartFailsInOneLineWhenItsStateFileCannotBeWritten) {
   const auto started = korvo({"awake", "start", "2m"});
   EXPECT_EQ(started.exitCode, 1);
   EXPECT_EQ(started.err, "korvo: cannot write the Keep Awake state " + stateFile().string() +
-                             "; Keep Awake not started\n");
+                             ": Is a directory; Keep Awake not started\n");
   EXPECT_EQ(started.out, "");
   EXPECT_EQ(status()["active"], false);
   EXPECT_TRUE(waitFor([&] { return logindInhibitors().find(heldByKorvo) == std::string::npos; }));

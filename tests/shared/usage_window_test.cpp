@@ -33,6 +33,20 @@ TEST(UsageWindowTest, RemainingSummaryIsHundredMinusUsedClampedBelowAtZero) {
   for (const auto& c : cases) EXPECT_EQ(fiveHour(c.used).remainingSummary(), c.text) << c.used;
 }
 
+TEST(UsageWindowTest, RemainingSummaryPastAMillionIsShownInThreeDigits) {
+  const struct {
+    double used;
+    const char* text;
+  } cases[] = {
+      {1e300, "5-hour · 0% left"},
+      {-1e300, "5-hour · 1e+300% left"},
+      {-999899.4, "5-hour · 999999% left"},
+      {-999900, "5-hour · 1e+06% left"},
+      {-123456789, "5-hour · 1.23e+08% left"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(fiveHour(c.used).remainingSummary(), c.text) << c.used;
+}
+
 TEST(UsageWindowTest, RemainingSummaryOfANonNumberIsZero) {
   EXPECT_EQ(fiveHour(std::numeric_limits<double>::quiet_NaN()).remainingSummary(),
             "5-hour · 0% left");

@@ -22,12 +22,19 @@ std::string line(const std::string& rateLimits, const std::string& timestamp = l
 
 TEST(CodexRolloutLineTest, TitlesComeFromTheWindowLength) {
   const std::tuple<std::optional<double>, Slot, const char*> cases[] = {
-      {300, Slot::primary, "5-hour"},          {10080, Slot::secondary, "Weekly"},
-      {10080, Slot::primary, "Weekly"},        {300, Slot::secondary, "5-hour"},
-      {std::nullopt, Slot::primary, "5-hour"}, {std::nullopt, Slot::secondary, "Weekly"},
-      {60, Slot::primary, "1-hour"},           {120, Slot::primary, "2-hour"},
-      {1380, Slot::primary, "23-hour"},        {1440, Slot::primary, "1-day"},
-      {43200, Slot::secondary, "30-day"},      {90, Slot::primary, "1-day"},
+      {300, Slot::primary, "5-hour"},
+      {10080, Slot::secondary, "Weekly"},
+      {10080, Slot::primary, "Weekly"},
+      {300, Slot::secondary, "5-hour"},
+      {std::nullopt, Slot::primary, "5-hour"},
+      {std::nullopt, Slot::secondary, "Weekly"},
+      {60, Slot::primary, "1-hour"},
+      {120, Slot::primary, "2-hour"},
+      {1380, Slot::primary, "23-hour"},
+      {1440, Slot::primary, "1-day"},
+      {43200, Slot::secondary, "30-day"},
+      {90, Slot::primary, "1-day"},
+      {1e300, Slot::secondary, "6.94e+296-day"},
   };
   for (const auto& [minutes, slot, title] : cases) {
     EXPECT_EQ(windowTitle(minutes, slot), title) << minutes.value_or(-1);

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/command_line_words.hpp"
 #include "base/exit_codes.hpp"
 #include "ui/words.hpp"
 
@@ -31,11 +32,6 @@ CLI::Option* addChoice(CLI::App* command, const std::string& name, Target& targe
           description)
       ->check(CLI::IsMember(names));
 }
-
-// An option or argument kept as the user wrote it: absent when not given, and an empty value
-// stays an empty text (a plain optional would read "" as absent).
-CLI::Option* addTextOption(CLI::App* command, const std::string& name,
-                           std::optional<std::string>& target, const std::string& description);
 
 // What a subcommand reports once it has run.
 struct CommandOutcome {
