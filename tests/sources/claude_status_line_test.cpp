@@ -69,7 +69,7 @@ TEST(ClaudeStatusLineTest, TheModelAndContextAreReadForTheLineWithoutFigures) {
   EXPECT_EQ(parseInput(input("")).model, "Opus");
   EXPECT_EQ(parseInput(input("")).contextUsedPercent, std::nullopt);
   EXPECT_EQ(parseInput(R"({"model":{"display_name":"Bad\u001b[2Jname"}})").model, std::nullopt);
-  EXPECT_EQ(parseInput(R"({"model":{"display_name":")" + std::string(65, 'x') + ""}}").model,
+  EXPECT_EQ(parseInput(R"({"model":{"display_name":")" + std::string(65, 'x') + "\"}}").model,
             std::nullopt);
   EXPECT_EQ(parseInput(R"({"context_window":{"used_percentage":140}})").contextUsedPercent,
             std::nullopt);
