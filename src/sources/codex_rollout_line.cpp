@@ -23,6 +23,10 @@ constexpr double dayMinutes = 1440;
 constexpr double monthMinutes = 43200;
 constexpr std::size_t maxLabelBytes = 64;
 
+bool contains(std::string_view text, std::string_view needle) {
+  return text.find(needle) != std::string_view::npos;
+}
+
 const Json* member(const Json& object, std::string_view key) {
   if (!object.is_object()) return nullptr;
   const auto found = object.find(key);
@@ -128,11 +132,11 @@ std::string windowTitle(std::optional<double> windowMinutes, Slot slot) {
 }
 
 std::optional<LineLimits> parseLine(std::string_view line) {
-  // Most lines are conversation; only token counts are worth a parse.
-  if (line.find("token_count") == std::string_view::npos) return std::nullopt;
+  // Most lines are conversation; only token counts are worth a parse. Codex writes compact JSON,
+  // and inside conversation text these quotes would be escaped, so only the event itself matches.
+  if (!contains(line, R"("type":"token_count")")) return std::nullopt;
   // Accounts without limits write them null on every turn: nothing to parse there.
-  if (line.find("\"rate_limits\":null") != std::string_view::npos &&
-      line.find("\"rate_limits\":{") == std::string_view::npos) {
+  if (contains(line, R"("rate_limits":null)") && !contains(line, R"("rate_limits":{)")) {
     return std::nullopt;
   }
   auto parsed = json_reader::parse(line);
