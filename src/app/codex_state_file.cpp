@@ -78,8 +78,7 @@ bool save(const CodexLimits& limits) {
   const std::string* current = std::get_if<std::string>(&read);
   const std::string bytes = document(current ? *current : std::string(), limits);
   if (current && *current == bytes) return true;
-  return createPrivateDirectories(path->parent_path()) &&
-         replaceFileAtomically(*path, bytes, 0600);
+  return createPrivateDirectories(path->parent_path()) && replaceFileAtomically(*path, bytes, 0600);
 }
 
 }  // namespace korvo::codex_state_file

@@ -22,7 +22,7 @@ struct Input {
   // "5-hour" from `rate_limits.five_hour` and "Weekly" from `seven_day`, each with its
   // `used_percentage` and, when there, `resets_at` (Unix seconds).
   std::vector<UsageWindow> windows;
-  std::optional<std::string> model;         // `model.display_name`, when printable and short
+  std::optional<std::string> model;          // `model.display_name`, when printable and short
   std::optional<double> contextUsedPercent;  // `context_window.used_percentage`, 0–100
 
   friend bool operator==(const Input&, const Input&) = default;

@@ -87,8 +87,8 @@ std::optional<Credits> credits(const Json* value) {
   const Json* has = member(*value, "has_credits");
   const Json* unlimited = member(*value, "unlimited");
   if (has == nullptr || !has->is_boolean()) return std::nullopt;
-  return Credits{has->get<bool>(), unlimited != nullptr && unlimited->is_boolean() &&
-                                       unlimited->get<bool>(),
+  return Credits{has->get<bool>(),
+                 unlimited != nullptr && unlimited->is_boolean() && unlimited->get<bool>(),
                  balance(member(*value, "balance"))};
 }
 

@@ -193,23 +193,25 @@ std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem:
     const Rollout& rollout = rollouts[index];
     const double modified = seconds(rollout.modified);
     const bool newest = index == 0;
-    if (!newest && (modified < oldest || (groupFloor && modified < *groupFloor) ||
-                    spent >= readBudgetBytes)) {
+    if (!newest &&
+        (modified < oldest || (groupFloor && modified < *groupFloor) || spent >= readBudgetBytes)) {
       break;
     }
     const std::uint64_t left = newest ? UINT64_MAX : readBudgetBytes - spent;
     // A compressed file is read from its start, so only whole ones are worth reading.
     if (rollout.compressed && rollout.size > left) continue;
-    FileReading reading = rollout.compressed ? readCompressed(rollout.path)
-                                             : readPlain(rollout.path, left);
+    FileReading reading =
+        rollout.compressed ? readCompressed(rollout.path) : readPlain(rollout.path, left);
     spent += reading.bytesRead;
     for (auto& [id, limits] : reading.others) keepNewest(others, std::move(limits));
     if (!reading.codex) continue;
     if (!groupFloor) groupFloor = modified - parallelSeconds;
     if (!best || reading.codex->snapshot.fetchedAt.secondsSinceReferenceDate >
                      best->snapshot.fetchedAt.secondsSinceReferenceDate) {
-      best = CodexLimits{std::move(reading.codex->snapshot), rollout.path,
-                         std::move(reading.codex->planType), std::move(reading.codex->credits),
+      best = CodexLimits{std::move(reading.codex->snapshot),
+                         rollout.path,
+                         std::move(reading.codex->planType),
+                         std::move(reading.codex->credits),
                          {}};
     }
   }

@@ -79,11 +79,13 @@ TEST(ClaudeStatusLineCliTest, AResetTimeSentAsThePercentageKeepsTheStoredFigure)
                                       {"Weekly", 50, Date::fromUnixSeconds(1795000000)}}));
   // Nothing plausible at all: the stored figures stay as they are.
   const std::string before = readFile(world.sharedFile());
-  EXPECT_EQ(world
-                .korvo({"claude-statusline"},
-                       R"({"rate_limits":{"five_hour":{"used_percentage":-3},"seven_day":{"used_percentage":1e9}}})")
-                .exitCode,
-            0);
+  EXPECT_EQ(
+      world
+          .korvo(
+              {"claude-statusline"},
+              R"({"rate_limits":{"five_hour":{"used_percentage":-3},"seven_day":{"used_percentage":1e9}}})")
+          .exitCode,
+      0);
   EXPECT_EQ(readFile(world.sharedFile()), before);
 }
 

@@ -64,20 +64,21 @@ TEST(CodexStateTest, APublishWithoutAReadingKeepsTheLastState) {
   KorvoWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
-  world.write("codex/sessions/2026/11/15/rollout-a.jsonl",
-              R"({"timestamp":"2026-11-15T02:00:00Z","type":"event_msg","payload":{"type":"token_count","info":null,"rate_limits":null}})"
-              "\n");
+  world.write(
+      "codex/sessions/2026/11/15/rollout-a.jsonl",
+      R"({"timestamp":"2026-11-15T02:00:00Z","type":"event_msg","payload":{"type":"token_count","info":null,"rate_limits":null}})"
+      "\n");
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
   EXPECT_EQ(readFile(stateFile(world)), expectedState);
 }
 
 TEST(CodexStateTest, OtherKeysOfTheFileAreKeptAndABrokenFileIsStartedAnew) {
-  const CodexLimits limits{UsageSnapshot{{{"5-hour", 1, std::nullopt}}, Date::fromUnixSeconds(0),
-                                         "Codex CLI"},
-                           "/home/u/.codex/sessions/2026/11/15/rollout-a.jsonl",
-                           "plus",
-                           std::nullopt,
-                           {}};
+  const CodexLimits limits{
+      UsageSnapshot{{{"5-hour", 1, std::nullopt}}, Date::fromUnixSeconds(0), "Codex CLI"},
+      "/home/u/.codex/sessions/2026/11/15/rollout-a.jsonl",
+      "plus",
+      std::nullopt,
+      {}};
   const std::string reading =
       R"({"source":"Codex CLI","fetchedAt":"1970-01-01T00:00:00Z","planType":"plus","credits":null,"otherLimits":[]})";
   EXPECT_EQ(codex_state_file::document(R"({"live":{"x":1},"rollouts":{"old":true}})", limits),

@@ -24,7 +24,8 @@ TEST(PrivacyTest, ASecretInRolloutsAndStatusLineInputAppearsInNoOutput) {
           R"("},"primary":{"used_percent":5,"window_minutes":300}}}})"
           "\n" +
           R"({"timestamp":"2026-11-15T01:30:06Z","type":"event_msg","payload":{"type":"token_count","rate_limits":{"limit_id":")" +
-          secret + R"(","primary":{"used_percent":7}}}})"
+          secret +
+          R"(","primary":{"used_percent":7}}}})"
           "\n" +
           R"({"broken":")" + secret + "\n");
   const std::string input = R"({"session_id":")" + secret + R"(","transcript_path":"/home/u/)" +

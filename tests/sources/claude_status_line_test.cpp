@@ -12,8 +12,11 @@ std::string input(const std::string& rateLimits) {
 }
 
 TEST(ClaudeStatusLineTest, BothWindowsBecomeFiveHourAndWeekly) {
-  const auto windows = parseInput(input(
-      R"({"five_hour":{"used_percentage":28,"resets_at":1794707100},"seven_day":{"used_percentage":42.5,"resets_at":1795000000}})")).windows;
+  const auto windows =
+      parseInput(
+          input(
+              R"({"five_hour":{"used_percentage":28,"resets_at":1794707100},"seven_day":{"used_percentage":42.5,"resets_at":1795000000}})"))
+          .windows;
   EXPECT_EQ(windows, (std::vector<UsageWindow>{
                          {"5-hour", 28, Date::fromUnixSeconds(1794707100)},
                          {"Weekly", 42.5, Date::fromUnixSeconds(1795000000)},

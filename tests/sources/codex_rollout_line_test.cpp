@@ -22,20 +22,34 @@ std::string line(const std::string& rateLimits, const std::string& timestamp = l
 
 TEST(CodexRolloutLineTest, TitlesFollowCodexsLabelsWithTheirThreeMinuteBias) {
   const std::tuple<std::optional<double>, Slot, const char*> cases[] = {
-      {300, Slot::primary, "5-hour"},        {297, Slot::primary, "5-hour"},
-      {303, Slot::primary, "5-hour"},        {296, Slot::primary, "5-hour"},
-      {304, Slot::primary, "5-hour"},        {300, Slot::secondary, "5-hour"},
-      {10, Slot::primary, "1-hour"},         {15, Slot::primary, "1-hour"},
-      {1, Slot::primary, "1-hour"},          {60, Slot::primary, "1-hour"},
-      {89, Slot::primary, "1-hour"},         {90, Slot::primary, "2-hour"},
-      {120, Slot::primary, "2-hour"},        {1380, Slot::primary, "23-hour"},
-      {1440, Slot::primary, "24-hour"},      {1443, Slot::primary, "24-hour"},
-      {1444, Slot::primary, "Weekly"},       {2880, Slot::secondary, "Weekly"},
-      {10077, Slot::secondary, "Weekly"},    {10079, Slot::secondary, "Weekly"},
-      {10080, Slot::secondary, "Weekly"},    {10083, Slot::primary, "Weekly"},
-      {10084, Slot::secondary, "Monthly"},   {43200, Slot::secondary, "Monthly"},
-      {43203, Slot::secondary, "Monthly"},   {43204, Slot::secondary, "Annual"},
-      {525600, Slot::secondary, "Annual"},   {std::nullopt, Slot::primary, "5-hour"},
+      {300, Slot::primary, "5-hour"},
+      {297, Slot::primary, "5-hour"},
+      {303, Slot::primary, "5-hour"},
+      {296, Slot::primary, "5-hour"},
+      {304, Slot::primary, "5-hour"},
+      {300, Slot::secondary, "5-hour"},
+      {10, Slot::primary, "1-hour"},
+      {15, Slot::primary, "1-hour"},
+      {1, Slot::primary, "1-hour"},
+      {60, Slot::primary, "1-hour"},
+      {89, Slot::primary, "1-hour"},
+      {90, Slot::primary, "2-hour"},
+      {120, Slot::primary, "2-hour"},
+      {1380, Slot::primary, "23-hour"},
+      {1440, Slot::primary, "24-hour"},
+      {1443, Slot::primary, "24-hour"},
+      {1444, Slot::primary, "Weekly"},
+      {2880, Slot::secondary, "Weekly"},
+      {10077, Slot::secondary, "Weekly"},
+      {10079, Slot::secondary, "Weekly"},
+      {10080, Slot::secondary, "Weekly"},
+      {10083, Slot::primary, "Weekly"},
+      {10084, Slot::secondary, "Monthly"},
+      {43200, Slot::secondary, "Monthly"},
+      {43203, Slot::secondary, "Monthly"},
+      {43204, Slot::secondary, "Annual"},
+      {525600, Slot::secondary, "Annual"},
+      {std::nullopt, Slot::primary, "5-hour"},
       {std::nullopt, Slot::secondary, "Weekly"},
   };
   for (const auto& [minutes, slot, title] : cases) {
@@ -145,14 +159,14 @@ TEST(CodexRolloutLineTest, PlanAndCreditsAreKeptOnlyAsFigures) {
       {R"("lots")", std::nullopt},
   };
   for (const auto& [text, expected] : credits) {
-    const auto parsed = parseLine(line(std::string(R"({"primary":{"used_percent":5},"credits":)") +
-                                       text + "}"));
+    const auto parsed =
+        parseLine(line(std::string(R"({"primary":{"used_percent":5},"credits":)") + text + "}"));
     ASSERT_TRUE(parsed) << text;
     EXPECT_EQ(parsed->credits, expected) << text;
   }
   for (const char* plan : {R"("Plus")", R"("sk-SECRET")", R"("a b")", "7", R"("")"}) {
-    const auto parsed = parseLine(line(std::string(R"({"primary":{"used_percent":5},"plan_type":)") +
-                                       plan + "}"));
+    const auto parsed =
+        parseLine(line(std::string(R"({"primary":{"used_percent":5},"plan_type":)") + plan + "}"));
     ASSERT_TRUE(parsed) << plan;
     EXPECT_EQ(parsed->planType, std::nullopt) << plan;
   }

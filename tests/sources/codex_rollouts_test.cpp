@@ -70,9 +70,9 @@ class CodexRolloutsTest : public testing::Test {
   // removed) and dates the result `modified`.
   static std::filesystem::path compress(const std::filesystem::path& file, time_t modified) {
     const auto compressed = file.string() + ".zst";
-    EXPECT_EQ(std::system(("zstd -3 -q -f --rm '" + file.string() + "' -o '" + compressed + "'")
-                              .c_str()),
-              0);
+    EXPECT_EQ(
+        std::system(("zstd -3 -q -f --rm '" + file.string() + "' -o '" + compressed + "'").c_str()),
+        0);
     date(compressed, modified);
     return compressed;
   }
@@ -260,9 +260,8 @@ TEST_F(CodexRolloutsTest, AZipBombIsAbandonedWithinBoundedMemory) {
   rollout("2026/11/01", "good", tokenCount("2026-11-01T01:00:00Z", 1, 41), 1000);
   // 48 frames of 64 MiB of zeros: a few kilobytes that expand to 3 GiB.
   const auto frame = home.path() / "frame.zst";
-  ASSERT_EQ(std::system(("head -c 64M /dev/zero | zstd -3 -q -c > '" + frame.string() + "'")
-                            .c_str()),
-            0);
+  ASSERT_EQ(
+      std::system(("head -c 64M /dev/zero | zstd -3 -q -c > '" + frame.string() + "'").c_str()), 0);
   std::ifstream in(frame, std::ios::binary);
   const std::string oneFrame((std::istreambuf_iterator<char>(in)), {});
   std::string bomb;
@@ -306,12 +305,13 @@ TEST_F(CodexRolloutsTest, AtMostSixtyFourMebibytesAreReadAfterTheNewest) {
 }
 
 TEST_F(CodexRolloutsTest, OtherLimitsPlanAndCreditsComeWithTheReading) {
-  rollout("2026/11/15", "a",
-          otherLimit("2026-11-15T01:00:00Z", 5) +
-              R"({"timestamp":"2026-11-15T01:00:01Z","type":"event_msg","payload":{"type":"token_count","info":null,"rate_limits":{"limit_id":"codex","limit_name":null,"primary":{"used_percent":20.0,"window_minutes":300,"resets_at":1794720000},"secondary":null,"credits":{"has_credits":true,"unlimited":false,"balance":"5.39"},"plan_type":"plus"}}})"
-              "\n" +
-              otherLimit("2026-11-15T01:00:02Z", 6) + otherLimit("2026-11-15T01:00:03Z", 7),
-          1000);
+  rollout(
+      "2026/11/15", "a",
+      otherLimit("2026-11-15T01:00:00Z", 5) +
+          R"({"timestamp":"2026-11-15T01:00:01Z","type":"event_msg","payload":{"type":"token_count","info":null,"rate_limits":{"limit_id":"codex","limit_name":null,"primary":{"used_percent":20.0,"window_minutes":300,"resets_at":1794720000},"secondary":null,"credits":{"has_credits":true,"unlimited":false,"balance":"5.39"},"plan_type":"plus"}}})"
+          "\n" +
+          otherLimit("2026-11-15T01:00:02Z", 6) + otherLimit("2026-11-15T01:00:03Z", 7),
+      1000);
   const auto found = limits();
   ASSERT_TRUE(found);
   EXPECT_EQ(found->planType, "plus");

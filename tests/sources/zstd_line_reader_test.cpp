@@ -72,9 +72,10 @@ TEST_F(ZstdLineReaderTest, TruncatedCorruptOrForeignFilesAreNotComplete) {
   std::string text;
   for (int i = 0; i < 20000; ++i) text += "line " + std::to_string(i) + "\n";
   const auto whole = bytesOf(compressed("whole.zst", text));
-  EXPECT_FALSE(read(directory.write("truncated.zst", whole.substr(0, whole.size() / 2)))
-                   .outcome.complete);
-  EXPECT_FALSE(read(directory.write("cut.zst", whole.substr(0, whole.size() - 1))).outcome.complete);
+  EXPECT_FALSE(
+      read(directory.write("truncated.zst", whole.substr(0, whole.size() / 2))).outcome.complete);
+  EXPECT_FALSE(
+      read(directory.write("cut.zst", whole.substr(0, whole.size() - 1))).outcome.complete);
   std::string corrupt = whole;
   for (std::size_t i = corrupt.size() / 2; i < corrupt.size() / 2 + 16; ++i) corrupt[i] ^= 0x5a;
   EXPECT_FALSE(read(directory.write("corrupt.zst", corrupt)).outcome.complete);
@@ -99,8 +100,7 @@ TEST_F(ZstdLineReaderTest, AFileExpandingPastTheLimitIsAbandoned) {
   // Frames of 64 MiB of zeros, a few kilobytes each: five expand past the limit.
   const auto frame = directory.path() / "frame.zst";
   ASSERT_EQ(
-      std::system(("head -c 64M /dev/zero | zstd -3 -q -c > '" + frame.string() + "'").c_str()),
-      0);
+      std::system(("head -c 64M /dev/zero | zstd -3 -q -c > '" + frame.string() + "'").c_str()), 0);
   const auto zeros = bytesOf(frame);
   const auto tail = bytesOf(compressed("tail.zst", "\nok\n"));
   std::string bomb;
