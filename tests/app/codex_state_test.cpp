@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 
 #include "app/codex_state_file.hpp"
@@ -69,6 +70,33 @@ TEST(CodexStateTest, APublishWithoutAReadingKeepsTheLastState) {
       R"({"timestamp":"2026-11-15T02:00:00Z","type":"event_msg","payload":{"type":"token_count","info":null,"rate_limits":null}})"
       "\n");
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
+  EXPECT_EQ(readFile(stateFile(world)), expectedState);
+}
+
+TEST(CodexStateTest, ANewerZipBombOrCorruptRolloutLeavesThePublishedFiguresAsTheyWere) {
+  KorvoWorld world;
+  world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
+  ASSERT_EQ(world.korvo({"publish", "--now", "2026-11-15T02:00:00Z"}).exitCode, 0);
+  const auto figures = [&] {
+    const std::string shared = readFile(world.sharedFile());
+    return shared.substr(shared.find(R"("codex")"));
+  };
+  const std::string before = figures();
+  ASSERT_NE(before.find(R"("usedPercent":20)"), std::string::npos) << before;
+  // 3 GiB of zeros in 48 frames of a few kilobytes, and a rollout cut short, both newer.
+  const auto day = world.codexHome() / "sessions/2026/11/16";
+  std::filesystem::create_directories(day);
+  ASSERT_EQ(
+      std::system(("head -c 64M /dev/zero | zstd -3 -q -c > '" + (day / "frame").string() +
+                   "' && for i in $(seq 48); do cat '" + (day / "frame").string() + "'; done > '" +
+                   (day / "rollout-bomb.jsonl.zst").string() + "' && printf '" +
+                   rollout.substr(0, 300) + "' | zstd -3 -q -c | head -c 100 > '" +
+                   (day / "rollout-cut.jsonl.zst").string() + "'")
+                      .c_str()),
+      0);
+  const auto result = world.korvo({"publish", "--now", "2026-11-16T02:00:00Z"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(figures(), before);
   EXPECT_EQ(readFile(stateFile(world)), expectedState);
 }
 
