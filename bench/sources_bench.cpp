@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "base/clock.hpp"
 #include "sources/codex_rollouts.hpp"
 #include "sources/cpu_temperature.hpp"
 #include "support/temporary_directory.hpp"
@@ -51,7 +52,7 @@ std::filesystem::path codexHome(std::size_t bytes, bool eventFirst) {
 void BM_CodexRollout(benchmark::State& state) {
   const auto home = codexHome(static_cast<std::size_t>(state.range(0)) << 20, state.range(1) != 0);
   for (auto _ : state) {
-    auto limits = korvo::readCodexLimits(home);
+    auto limits = korvo::readCodexLimits(home, korvo::clock::now());
     if (!std::holds_alternative<korvo::CodexLimits>(limits)) state.SkipWithError("no limits");
     benchmark::DoNotOptimize(limits);
   }

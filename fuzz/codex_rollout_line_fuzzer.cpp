@@ -11,8 +11,9 @@
 // from Codex, and encode for the shared file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view line(reinterpret_cast<const char*>(data), size);
-  const auto snapshot = korvo::codex_rollout::parseLine(line);
-  if (!snapshot) return 0;
+  const auto limits = korvo::codex_rollout::parseLine(line);
+  if (!limits) return 0;
+  const auto* snapshot = &limits->snapshot;
   if (snapshot->windows.empty() || snapshot->windows.size() > 2) std::abort();
   if (snapshot->source != "Codex CLI") std::abort();
   for (const auto& window : snapshot->windows) {

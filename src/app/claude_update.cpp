@@ -6,6 +6,7 @@
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
+#include "base/c_format.hpp"
 #include "base/clock.hpp"
 #include "base/text.hpp"
 #include "shared/usage_window.hpp"
@@ -72,9 +73,15 @@ std::optional<WidgetSnapshot> merge(const WidgetSnapshotParts& current,
   return snapshot;
 }
 
-std::string statusText(const std::vector<UsageWindow>& windows) {
-  if (windows.empty()) return _("Claude · no limits yet");
-  return joined(windows, " | ", &UsageWindow::remainingSummary);
+std::string statusText(const claude_status_line::Input& input) {
+  if (!input.windows.empty()) return joined(input.windows, " | ", &UsageWindow::remainingSummary);
+  std::string line = input.model ? *input.model : _("Claude");
+  if (input.contextUsedPercent) {
+    line += " · " + cFormat(_("context %.0f%% used").c_str(), *input.contextUsedPercent);
+  } else if (!input.model) {
+    line += " · " + std::string(_("no limits yet"));
+  }
+  return line;
 }
 
 void apply(const std::vector<UsageWindow>& windows, const Settings& settings) {

@@ -9,6 +9,7 @@
 #include "base/date.hpp"
 #include "shared/widget_snapshot.hpp"
 #include "shared/widget_snapshot_json.hpp"
+#include "sources/claude_status_line.hpp"
 
 namespace korvo::claude_update {
 
@@ -28,8 +29,9 @@ std::optional<WidgetSnapshot> merge(const WidgetSnapshotParts& current,
                                     const std::vector<UsageWindow>& windows,
                                     const Settings& settings, Date now);
 
-// The short line a status line shows: "5-hour · 72% left | Weekly · 58% left".
-std::string statusText(const std::vector<UsageWindow>& windows);
+// The short line a status line shows: "5-hour · 72% left | Weekly · 58% left"; without windows
+// what the input says of the session ("Opus 4.1 · context 42% used").
+std::string statusText(const claude_status_line::Input& input);
 
 // Merges under the shared file's lock and saves when needed; every failure is silent, because a
 // broken status line must never break Claude Code. When another process holds the lock longer

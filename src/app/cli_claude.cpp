@@ -41,13 +41,14 @@ void runStatusLine(const std::optional<std::string>& chain) {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   const std::string input = readInput();
-  const auto windows = claude_status_line::parseWindows(input);
+  const auto parsed = claude_status_line::parseInput(input);
   std::ostringstream ignored;
-  claude_update::apply(windows, settings_file::load(ignored));
+  // Without figures (API-key users, a session's start) nothing is written.
+  claude_update::apply(parsed.windows, settings_file::load(ignored));
   const auto chained = chain ? runChained(*chain, input, chainLimit) : std::nullopt;
   // Without a chain, or when the chained command cannot be started: korvo's own line. Output
   // that cannot be written is not korvo's to report.
-  writeStandardOutput(chained ? chained->out : claude_update::statusText(windows) + '\n');
+  writeStandardOutput(chained ? chained->out : claude_update::statusText(parsed) + '\n');
 }
 
 }  // namespace

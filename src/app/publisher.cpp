@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "app/claude_settings_file.hpp"
+#include "app/codex_state_file.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
@@ -42,7 +43,7 @@ std::variant<CodexLimits, CodexShortfall> readCodex(const Settings& settings) {
   const auto home =
       settings.codexHome ? std::filesystem::path(*settings.codexHome) : codexHomeDirectory();
   if (!home) return CodexShortfall::noSessions;
-  return readCodexLimits(*home);
+  return readCodexLimits(*home, clock::now());
 }
 
 Collected collect(const Settings& settings) {
@@ -91,6 +92,12 @@ void publish(const Settings& settings, const std::stop_token& stop) {
                              std::strerror(errno));
   }
   status_bar::refresh(settings.waybarSignal);
+  if (collected.codex) {
+    if (const auto* limits = std::get_if<CodexLimits>(&*collected.codex)) {
+      // Only the dashboard reads it; the shared file, which the widgets read, is written.
+      codex_state_file::save(*limits);
+    }
+  }
 }
 
 std::string preview(const Settings& settings) {

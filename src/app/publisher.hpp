@@ -44,7 +44,8 @@ UsageState codexState(bool enabled,
 WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& settings,
                        const Collected& collected, Date now);
 
-// Collects, then under the shared file's lock reads it, composes and saves it. Throws
+// Collects, then under the shared file's lock reads it, composes and saves it; then records
+// Codex's plan, credits and other limits in korvo's own state (codex_state_file). Throws
 // std::runtime_error with a one-line message when the file has no place or cannot be written, or
 // when the lock is not had within lockPatience or before `stop` is requested.
 void publish(const Settings& settings, const std::stop_token& stop = {});

@@ -12,6 +12,9 @@ namespace korvo {
 namespace UsageWindowTitle {
 inline constexpr std::string_view fiveHour = "5-hour";
 inline constexpr std::string_view weekly = "Weekly";
+// Codex's labels for its longer windows.
+inline constexpr std::string_view monthly = "Monthly";
+inline constexpr std::string_view annual = "Annual";
 // An earlier name of the five-hour window.
 inline constexpr std::string_view session = "Session";
 }  // namespace UsageWindowTitle

@@ -3,24 +3,37 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <system_error>
 #include <tuple>
-#include <vector>
 
 #include "base/text.hpp"
-#include "sources/codex_rollout_line.hpp"
 #include "sources/reverse_line_reader.hpp"
+#include "sources/zstd_line_reader.hpp"
 
 namespace korvo {
 namespace {
 
-// Bounds on one folder's listing, so a strange tree cannot make the reader run long.
+using codex_rollout::LineLimits;
+
+// Bounds on the listing, so a strange tree cannot make the reader run long.
 constexpr int maxEntriesPerDirectory = 100'000;
+constexpr int maxArchivedEntries = 100'000;
+
+constexpr std::string_view plainSuffix = ".jsonl";
+constexpr std::string_view compressedSuffix = ".jsonl.zst";
 
 struct Rollout {
   struct timespec modified {};
   std::filesystem::path path;
+  bool compressed = false;
+  std::uint64_t size = 0;
 };
+
+double seconds(const struct timespec& moment) {
+  return static_cast<double>(moment.tv_sec) + static_cast<double>(moment.tv_nsec) * 1e-9;
+}
 
 bool allDigits(std::string_view text, std::size_t count) {
   return text.size() == count &&
@@ -41,24 +54,58 @@ std::vector<std::filesystem::path> entries(const std::filesystem::path& director
 }
 
 bool isRolloutName(const std::string& name) {
-  return name.starts_with("rollout-") && name.ends_with(".jsonl");
+  return name.starts_with("rollout-") &&
+         (name.ends_with(plainSuffix) || name.ends_with(compressedSuffix));
 }
 
-std::vector<Rollout> rolloutsNewestFirst(const std::filesystem::path& sessions) {
-  std::vector<Rollout> rollouts;
+void addRollout(std::filesystem::path file, std::vector<Rollout>& rollouts) {
+  struct stat status {};
+  if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return;
+  const bool compressed = file.native().ends_with(compressedSuffix);
+  rollouts.push_back(
+      {status.st_mtim, std::move(file), compressed, static_cast<std::uint64_t>(status.st_size)});
+}
+
+void sessionRollouts(const std::filesystem::path& sessions, std::vector<Rollout>& rollouts) {
   const auto year = [](const std::string& name) { return allDigits(name, 4); };
   const auto twoDigits = [](const std::string& name) { return allDigits(name, 2); };
   for (const auto& yearDir : entries(sessions, year)) {
     for (const auto& monthDir : entries(yearDir, twoDigits)) {
       for (const auto& dayDir : entries(monthDir, twoDigits)) {
-        for (auto& file : entries(dayDir, isRolloutName)) {
-          struct stat status {};
-          if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
-          rollouts.push_back({status.st_mtim, std::move(file)});
-        }
+        for (auto& file : entries(dayDir, isRolloutName)) addRollout(std::move(file), rollouts);
       }
     }
   }
+}
+
+void archivedRollouts(const std::filesystem::path& archived, std::vector<Rollout>& rollouts) {
+  std::error_code error;
+  std::filesystem::recursive_directory_iterator listing(
+      archived, std::filesystem::directory_options::skip_permission_denied, error);
+  int seen = 0;
+  for (; !error && listing != std::filesystem::recursive_directory_iterator();
+       listing.increment(error)) {
+    if (++seen > maxArchivedEntries) break;
+    if (isRolloutName(listing->path().filename().string())) {
+      addRollout(listing->path(), rollouts);
+    }
+  }
+}
+
+std::vector<Rollout> rolloutsNewestFirst(const std::filesystem::path& codexHome) {
+  std::vector<Rollout> rollouts;
+  sessionRollouts(codexHome / "sessions", rollouts);
+  archivedRollouts(codexHome / "archived_sessions", rollouts);
+  // A plain rollout beside its compressed copy is the one Codex still writes to.
+  std::set<std::filesystem::path> plain;
+  for (const Rollout& rollout : rollouts) {
+    if (!rollout.compressed) plain.insert(rollout.path);
+  }
+  std::erase_if(rollouts, [&](const Rollout& rollout) {
+    if (!rollout.compressed) return false;
+    const auto& name = rollout.path.native();
+    return plain.contains(name.substr(0, name.size() - std::string_view(".zst").size()));
+  });
   std::sort(rollouts.begin(), rollouts.end(), [](const Rollout& a, const Rollout& b) {
     return std::tie(a.modified.tv_sec, a.modified.tv_nsec, a.path) >
            std::tie(b.modified.tv_sec, b.modified.tv_nsec, b.path);
@@ -66,13 +113,58 @@ std::vector<Rollout> rolloutsNewestFirst(const std::filesystem::path& sessions) 
   return rollouts;
 }
 
-std::optional<UsageSnapshot> lastLimits(const std::filesystem::path& rollout) {
-  auto reader = ReverseLineReader::open(rollout);
-  if (!reader) return std::nullopt;
-  while (const auto line = reader->previous()) {
-    if (auto snapshot = codex_rollout::parseLine(*line)) return snapshot;
+// What one file gives: its last usable line, and its newest figures of other limit ids.
+struct FileReading {
+  std::optional<LineLimits> codex;
+  std::map<std::string, LineLimits> others;
+  std::uint64_t bytesRead = 0;
+};
+
+void keepNewest(std::map<std::string, LineLimits>& others, LineLimits limits) {
+  const auto found = others.find(*limits.limitId);
+  if (found == others.end()) {
+    others.emplace(*limits.limitId, std::move(limits));
+  } else if (limits.snapshot.fetchedAt.secondsSinceReferenceDate >=
+             found->second.snapshot.fetchedAt.secondsSinceReferenceDate) {
+    found->second = std::move(limits);
   }
-  return std::nullopt;
+}
+
+// Reads back from the end to the last usable line, or until `budget` bytes are read.
+FileReading readPlain(const std::filesystem::path& path, std::uint64_t budget) {
+  FileReading reading;
+  auto reader = ReverseLineReader::open(path);
+  if (!reader) return reading;
+  while (reader->bytesRead() < budget) {
+    const auto line = reader->previous();
+    if (!line) break;
+    auto limits = codex_rollout::parseLine(*line);
+    if (!limits) continue;
+    if (!limits->limitId) {
+      reading.codex = std::move(limits);
+      break;
+    }
+    // Read backwards, the first figures met of an id are its newest.
+    if (!reading.others.contains(*limits->limitId)) keepNewest(reading.others, std::move(*limits));
+  }
+  reading.bytesRead = reader->bytesRead();
+  return reading;
+}
+
+FileReading readCompressed(const std::filesystem::path& path) {
+  FileReading reading;
+  const auto outcome = zstd_lines::forEachLine(path, [&](std::string_view line) {
+    auto limits = codex_rollout::parseLine(line);
+    if (!limits) return;
+    if (limits->limitId) {
+      keepNewest(reading.others, std::move(*limits));
+    } else {
+      reading.codex = std::move(limits);
+    }
+  });
+  if (!outcome.complete) reading = {};
+  reading.bytesRead = outcome.bytesRead;
+  return reading;
 }
 
 }  // namespace
@@ -87,15 +179,45 @@ std::string message(CodexShortfall shortfall) {
   return {};
 }
 
-std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome) {
-  const auto rollouts = rolloutsNewestFirst(codexHome / "sessions");
+std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome,
+                                                          Date now) {
+  using namespace codex_rollouts;
+  const auto rollouts = rolloutsNewestFirst(codexHome);
   if (rollouts.empty()) return CodexShortfall::noSessions;
-  for (const Rollout& rollout : rollouts) {
-    if (auto snapshot = lastLimits(rollout.path)) {
-      return CodexLimits{std::move(*snapshot), rollout.path};
+  const double oldest = now.unixSeconds() - recentSeconds;
+  std::optional<CodexLimits> best;
+  std::optional<double> groupFloor;  // files modified before this cannot hold the reading
+  std::map<std::string, LineLimits> others;
+  std::uint64_t spent = 0;
+  for (std::size_t index = 0; index < rollouts.size(); ++index) {
+    const Rollout& rollout = rollouts[index];
+    const double modified = seconds(rollout.modified);
+    const bool newest = index == 0;
+    if (!newest &&
+        (modified < oldest || (groupFloor && modified < *groupFloor) || spent >= readBudgetBytes)) {
+      break;
+    }
+    const std::uint64_t left = newest ? UINT64_MAX : readBudgetBytes - spent;
+    // A compressed file is read from its start, so only whole ones are worth reading.
+    if (rollout.compressed && rollout.size > left) continue;
+    FileReading reading =
+        rollout.compressed ? readCompressed(rollout.path) : readPlain(rollout.path, left);
+    spent += reading.bytesRead;
+    for (auto& [id, limits] : reading.others) keepNewest(others, std::move(limits));
+    if (!reading.codex) continue;
+    if (!groupFloor) groupFloor = modified - parallelSeconds;
+    if (!best || reading.codex->snapshot.fetchedAt.secondsSinceReferenceDate >
+                     best->snapshot.fetchedAt.secondsSinceReferenceDate) {
+      best = CodexLimits{std::move(reading.codex->snapshot),
+                         rollout.path,
+                         std::move(reading.codex->planType),
+                         std::move(reading.codex->credits),
+                         {}};
     }
   }
-  return CodexShortfall::noLimits;
+  if (!best) return CodexShortfall::noLimits;
+  for (auto& [id, limits] : others) best->otherLimits.push_back(std::move(limits));
+  return std::move(*best);
 }
 
 }  // namespace korvo

@@ -1,17 +1,27 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
+#include "base/date.hpp"
 #include "shared/usage_snapshot.hpp"
+#include "sources/codex_rollout_line.hpp"
 
 namespace korvo {
 
-// Codex's rate limits as its newest rollout last logged them, and the rollout they came from.
+// Codex's rate limits as its rollouts last logged them, and the rollout they came from.
 struct CodexLimits {
   UsageSnapshot snapshot;         // windows shortest first, source "Codex CLI"
   std::filesystem::path rollout;  // the rollout file the event was read from
+  // For the dashboard only, never the shared file: the reading line's plan and credits, and the
+  // newest figures of every other limit id met on the way.
+  std::optional<std::string> planType;
+  std::optional<codex_rollout::Credits> credits;
+  std::vector<codex_rollout::LineLimits> otherLimits;  // by id
 
   friend bool operator==(const CodexLimits&, const CodexLimits&) = default;
 };
@@ -25,9 +35,24 @@ enum class CodexShortfall {
 // "No Codex sessions found", "No limits in Codex logs yet".
 std::string message(CodexShortfall shortfall);
 
-// Looks through `codexHome`/sessions/YYYY/MM/DD/rollout-*.jsonl newest-modified first and takes,
-// in the first file that has one, its last usable token_count event. Files are read from their
-// end in chunks, never whole.
-std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome);
+namespace codex_rollouts {
+// Files modified longer than this before the clock are not read (but for the newest one).
+inline constexpr double recentSeconds = 8 * 24 * 3600;
+// At most this many bytes are read from the files after the newest one.
+inline constexpr std::uint64_t readBudgetBytes = 64ull * 1024 * 1024;
+// Parallel sessions write in turns: files modified this close to the newest one with a reading
+// may hold a later line.
+inline constexpr double parallelSeconds = 10 * 60;
+}  // namespace codex_rollouts
+
+// Codex's limits at `now` from `codexHome`/sessions/YYYY/MM/DD/ and `codexHome`/archived_sessions/
+// (any depth): `rollout-*.jsonl`, and `rollout-*.jsonl.zst` where no plain sibling exists. Files
+// are looked through newest-modified first: the newest always, then those modified within
+// recentSeconds before `now`, at most readBudgetBytes read in all. The reading is the line with
+// the latest timestamp among the last usable lines of the files modified within parallelSeconds
+// of the newest file that has one. Plain files are read from their end in chunks, compressed ones
+// streaming; a compressed file that is truncated, corrupt or too large gives nothing.
+std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome,
+                                                          Date now);
 
 }  // namespace korvo

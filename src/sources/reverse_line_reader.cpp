@@ -33,7 +33,8 @@ ReverseLineReader::ReverseLineReader(ReverseLineReader&& other) noexcept
       lineHolder_(std::move(other.lineHolder_)),
       oversized_(other.oversized_),
       atUnfinishedTail_(other.atUnfinishedTail_),
-      done_(other.done_) {}
+      done_(other.done_),
+      bytesRead_(other.bytesRead_) {}
 
 ReverseLineReader::~ReverseLineReader() {
   if (fd_ >= 0) ::close(fd_);
@@ -52,6 +53,7 @@ bool ReverseLineReader::loadChunk() {
     // A file that shrank or failed under us ends the reading.
     if (got <= 0) return false;
     filled += static_cast<std::size_t>(got);
+    bytesRead_ += static_cast<std::uint64_t>(got);
   }
   cursor_ = length;
   return true;

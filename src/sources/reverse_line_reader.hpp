@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -35,6 +36,9 @@ class ReverseLineReader {
   // none at the start of the file or on a read error.
   std::optional<std::string_view> previous();
 
+  // Bytes read from the file so far.
+  std::uint64_t bytesRead() const { return bytesRead_; }
+
  private:
   ReverseLineReader(int fd, off_t size);
   bool loadChunk();
@@ -48,6 +52,7 @@ class ReverseLineReader {
   bool oversized_ = false;   // the line being joined is over maxLineBytes
   bool atUnfinishedTail_ = true;
   bool done_ = false;
+  std::uint64_t bytesRead_ = 0;
 };
 
 }  // namespace korvo

@@ -51,6 +51,44 @@ TEST(ClaudeStatusLineCliTest, InputWithoutLimitsChangesNothing) {
   EXPECT_EQ(readFile(world.sharedFile()), before);
 }
 
+TEST(ClaudeStatusLineCliTest, AnApiKeySessionWritesNothingAndShowsTheModelAndContext) {
+  KorvoWorld world;
+  ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
+  const std::string before = readFile(world.sharedFile());
+  // What Claude Code sends when it bills by API key: no rate_limits at all.
+  const auto result = world.korvo(
+      {"claude-statusline"},
+      R"({"hook_event_name":"Status","session_id":"s1","cwd":"/home/u/p","model":{"id":"claude-sonnet-4-6","display_name":"Sonnet 4.6"},"context_window":{"context_window_size":200000,"used_percentage":12.4,"remaining_percentage":87.6},"cost":{"total_cost_usd":0.02}})");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "Sonnet 4.6 · context 12% used\n");
+  EXPECT_EQ(readFile(world.sharedFile()), before);
+}
+
+TEST(ClaudeStatusLineCliTest, AResetTimeSentAsThePercentageKeepsTheStoredFigure) {
+  KorvoWorld world;
+  ASSERT_EQ(world.korvo({"claude-statusline"}, statusInput).exitCode, 0);
+  const auto result = world.korvo(
+      {"claude-statusline"},
+      R"({"model":{"display_name":"Opus"},"rate_limits":{"five_hour":{"used_percentage":1776950400,"resets_at":1776950400},"seven_day":{"used_percentage":50,"resets_at":1795000000}}})");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "Weekly · 50% left\n");
+  const auto snapshot = shared(world);
+  ASSERT_TRUE(snapshot && snapshot->claude.snapshot);
+  EXPECT_EQ(snapshot->claude.snapshot->windows,
+            (std::vector<UsageWindow>{{"5-hour", 28, Date::fromUnixSeconds(1794707100)},
+                                      {"Weekly", 50, Date::fromUnixSeconds(1795000000)}}));
+  // Nothing plausible at all: the stored figures stay as they are.
+  const std::string before = readFile(world.sharedFile());
+  EXPECT_EQ(
+      world
+          .korvo(
+              {"claude-statusline"},
+              R"({"rate_limits":{"five_hour":{"used_percentage":-3},"seven_day":{"used_percentage":1e9}}})")
+          .exitCode,
+      0);
+  EXPECT_EQ(readFile(world.sharedFile()), before);
+}
+
 TEST(ClaudeStatusLineCliTest, BrokenInputAndNoSharedFilePlaceStillPrintAndExitZero) {
   KorvoWorld world;
   auto environment = world.environment();

@@ -79,8 +79,14 @@ TEST(ClaudeUpdateTest, WithoutAFileTheSnapshotStartsFromTheSettings) {
 }
 
 TEST(ClaudeUpdateTest, TheStatusLineShowsWhatIsLeft) {
-  EXPECT_EQ(statusText(fresh), "5-hour · 72% left | Weekly · 58% left");
+  EXPECT_EQ(statusText({fresh, "Opus", 12}), "5-hour · 72% left | Weekly · 58% left");
   EXPECT_EQ(statusText({}), "Claude · no limits yet");
+}
+
+TEST(ClaudeUpdateTest, WithoutFiguresTheLineSaysWhatTheInputKnows) {
+  EXPECT_EQ(statusText({{}, "Sonnet 4.6", 41.6}), "Sonnet 4.6 · context 42% used");
+  EXPECT_EQ(statusText({{}, "Sonnet 4.6", std::nullopt}), "Sonnet 4.6");
+  EXPECT_EQ(statusText({{}, std::nullopt, 3}), "Claude · context 3% used");
 }
 
 }  // namespace

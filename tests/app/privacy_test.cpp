@@ -20,7 +20,12 @@ TEST(PrivacyTest, ASecretInRolloutsAndStatusLineInputAppearsInNoOutput) {
           secret + "\"}}\n" +
           R"({"timestamp":"2026-11-15T01:30:05Z","type":"event_msg","payload":{"type":"token_count","info":{"note":")" +
           secret + R"("},"rate_limits":{"limit_id":"codex","plan_type":")" + secret +
-          R"(","primary":{"used_percent":5,"window_minutes":300}}}})"
+          R"(","credits":{"has_credits":true,"unlimited":false,"balance":")" + secret +
+          R"("},"primary":{"used_percent":5,"window_minutes":300}}}})"
+          "\n" +
+          R"({"timestamp":"2026-11-15T01:30:06Z","type":"event_msg","payload":{"type":"token_count","rate_limits":{"limit_id":")" +
+          secret +
+          R"(","primary":{"used_percent":7}}}})"
           "\n" +
           R"({"broken":")" + secret + "\n");
   const std::string input = R"({"session_id":")" + secret + R"(","transcript_path":"/home/u/)" +
@@ -35,6 +40,7 @@ TEST(PrivacyTest, ASecretInRolloutsAndStatusLineInputAppearsInNoOutput) {
   }
   outputs += world.korvo({"claude-statusline"}, "{\"" + secret).out;
   outputs += readFile(world.sharedFile());
+  outputs += readFile(world.home() / ".local/state/korvo/codex.json");
   EXPECT_EQ(outputs.find(secret), std::string::npos) << outputs;
 }
 

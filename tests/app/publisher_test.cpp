@@ -13,7 +13,10 @@ const CodexLimits codexLimits{
     UsageSnapshot{{{"5-hour", 28, Date{816407100}}, {"Weekly", 42, Date{816572700}}},
                   Date{816399850},
                   "Codex CLI"},
-    "/home/u/.codex/sessions/2026/11/15/rollout-a.jsonl"};
+    "/home/u/.codex/sessions/2026/11/15/rollout-a.jsonl",
+    std::nullopt,
+    std::nullopt,
+    {}};
 
 const UsageState claudeFigures{
     true,

@@ -33,6 +33,21 @@ TEST(ReverseLineReaderTest, LinesComeLastFirstAndAnUnfinishedLastLineIsLeftOut) 
   }
 }
 
+TEST(ReverseLineReaderTest, BytesReadCountOnlyTheChunksReached) {
+  testing_support::TemporaryDirectory directory;
+  std::string bytes;
+  while (bytes.size() < 1024 * 1024) bytes += "a line of conversation\n";
+  bytes += "last\n";
+  auto reader = ReverseLineReader::open(directory.write("f.jsonl", bytes));
+  ASSERT_TRUE(reader);
+  EXPECT_EQ(reader->bytesRead(), 0u);
+  EXPECT_EQ(reader->previous(), "last");
+  EXPECT_EQ(reader->bytesRead(), ReverseLineReader::chunkBytes);
+  while (reader->previous()) {
+  }
+  EXPECT_EQ(reader->bytesRead(), bytes.size());
+}
+
 TEST(ReverseLineReaderTest, LinesSpanningChunksAreJoined) {
   testing_support::TemporaryDirectory directory;
   const std::string longLine(ReverseLineReader::chunkBytes * 2 + 17, 'x');
