@@ -27,7 +27,7 @@ void appendValue(std::string& out, const nlohmann::ordered_json& value, int inde
   const auto newline = [&](int level) {
     if (!pretty) return;
     out += '\n';
-    out.append(static_cast<std::size_t>(indent * level), ' ');
+    out.append(static_cast<std::size_t>(indent) * static_cast<std::size_t>(level), ' ');
   };
   if (value.is_number_float()) {
     appendNumber(out, value.get<double>());

@@ -100,7 +100,7 @@ std::string_view measuredPart(std::string_view content, const Font& smallest, do
     const std::string_view prefix = content.substr(0, end);
     if (end == content.size() || end >= longestMeasured) return prefix;
     const TextMetrics metrics = measurer.measure(prefix, smallest, tracking, infinite);
-    double roomLines = static_cast<double>(maxLines);
+    auto roomLines = static_cast<double>(maxLines);
     if (metrics.lineHeight > 0) {
       roomLines = std::min(roomLines, std::floor(largestCard().height / metrics.lineHeight) + 1);
     }
@@ -111,6 +111,36 @@ std::string_view measuredPart(std::string_view content, const Font& smallest, do
       return prefix;
     }
   }
+}
+
+// The largest scale from `minimum` to 1 at which `shown` fits `maxLines` lines of `maxWidth`,
+// found by bisection; none when it does not fit even at `minimum`.
+std::optional<TextFit> shrunkToFit(const std::string& shown, const Font& font, double tracking,
+                                   double minimum, double idealWidth, std::size_t maxLines,
+                                   double maxWidth, TextMeasurer& measurer) {
+  auto attempt = [&](double scale) {
+    return measurer.measure(shown, scaled(font, scale), tracking * scale, maxWidth);
+  };
+  // Widths grow with the font size, so the first guess is the ratio of the widths; the search
+  // below only corrects for hinting and line breaks.
+  double low = minimum;
+  double high = 1;
+  const double guess = std::clamp(maxWidth / idealWidth, minimum, 1.0);
+  if (const TextMetrics metrics = attempt(guess); fits(metrics, maxLines, maxWidth)) {
+    return fromMetrics(metrics, guess, maxWidth);
+  }
+  high = guess;
+  const TextMetrics smallest = attempt(low);
+  if (!fits(smallest, maxLines, maxWidth)) return std::nullopt;
+  for (int step = 0; step < 12; ++step) {
+    const double middle = (low + high) / 2;
+    if (fits(attempt(middle), maxLines, maxWidth)) {
+      low = middle;
+    } else {
+      high = middle;
+    }
+  }
+  return fromMetrics(attempt(low), low, maxWidth);
 }
 
 }  // namespace
@@ -147,29 +177,10 @@ TextFit fitText(const std::string& content, const Font& font, double tracking,
   const TextMetrics wrapped = measurer.measure(shown, font, tracking, maxWidth);
   if (fits(wrapped, maxLines, maxWidth)) return fromMetrics(wrapped, 1, maxWidth);
 
-  auto attempt = [&](double scale) {
-    return measurer.measure(shown, scaled(font, scale), tracking * scale, maxWidth);
-  };
   if (minimum < 1) {
-    // Widths grow with the font size, so the first guess is the ratio of the widths; the
-    // search below only corrects for hinting and line breaks.
-    double low = minimum;
-    double high = 1;
-    const double guess = std::clamp(maxWidth / ideal.width, minimum, 1.0);
-    if (const TextMetrics metrics = attempt(guess); fits(metrics, maxLines, maxWidth)) {
-      return fromMetrics(metrics, guess, maxWidth);
-    }
-    high = guess;
-    if (const TextMetrics metrics = attempt(low); fits(metrics, maxLines, maxWidth)) {
-      for (int step = 0; step < 12; ++step) {
-        const double middle = (low + high) / 2;
-        if (fits(attempt(middle), maxLines, maxWidth)) {
-          low = middle;
-        } else {
-          high = middle;
-        }
-      }
-      return fromMetrics(attempt(low), low, maxWidth);
+    if (auto fit = shrunkToFit(shown, font, tracking, minimum, ideal.width, maxLines, maxWidth,
+                               measurer)) {
+      return *fit;
     }
   }
 
