@@ -174,7 +174,7 @@ TEST(KorvoMessagesTest, ExtremeCodexFiguresPrintInAFewDigits) {
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(result.out,
             "Weekly · 0% left · Resets Nov 19, 2026, 2:53 PM\n"
-            "6.94e+296-day · 1e+300% left · Resets Nov 15, 2026, 5:45 AM\n"
+            "Annual · 1e+300% left · Resets Nov 15, 2026, 5:45 AM\n"
             "Fetched 2026-11-15T01:30:21.500Z from " +
                 (world.codexHome() / "sessions/2026/11/15/rollout-a.jsonl").string() + "\n");
 }
