@@ -17,7 +17,7 @@ namespace korvo::awake_state_file {
 namespace {
 
 // The file holds one short object; anything larger is not korvo's.
-constexpr std::size_t maxBytes = 64 * 1024;
+constexpr std::size_t maxBytes = std::size_t{64} * 1024;
 
 }  // namespace
 

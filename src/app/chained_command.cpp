@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
@@ -11,8 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
-
-extern char** environ;
+#include <csignal>
 
 namespace korvo {
 namespace {

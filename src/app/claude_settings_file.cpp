@@ -68,11 +68,11 @@ std::optional<std::filesystem::path> location() {
 
 std::filesystem::path korvoExecutable() {
   std::error_code error;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+  auto self = std::filesystem::read_symlink("/proc/self/exe", error);
   if (error) throw std::runtime_error("cannot find korvo's own path: " + error.message());
   if (self.filename() != "korvo-service") return self;
   // The status line runs the light front, korvo, beside the GTK side or in bin/.
-  const auto beside = self.parent_path() / "korvo";
+  auto beside = self.parent_path() / "korvo";
   if (std::filesystem::exists(beside, error)) return beside;
   return (self.parent_path() / ".." / ".." / "bin" / "korvo").lexically_normal();
 }

@@ -90,7 +90,7 @@ struct KeyHash {
     seed = mix(seed, bits(key.size));
     seed = mix(seed, static_cast<std::uint64_t>(key.weight) << 8 |
                          static_cast<std::uint64_t>(key.design) << 2 |
-                         (key.monospacedDigits ? 2u : 0u) | (key.symbol ? 1u : 0u));
+                         (key.monospacedDigits ? 2U : 0U) | (key.symbol ? 1U : 0U));
     seed = mix(seed, bits(key.tracking));
     return mix(seed, bits(key.maxWidth));
   }

@@ -645,7 +645,12 @@ std::vector<std::size_t> LayoutEngine::rankedByFlexibility(const std::vector<con
             ? 0
             : line.length(measure(*children[i], context, line.along(AxisProposal::atMost(0))));
     const double flexible = most - least;
-    flexibility[i] = std::isnan(flexible) ? infinite : flexible;
+    // A child that takes all it is offered (its greatest length is infinite) ranks last.
+    if (std::isnan(flexible)) {
+      flexibility[i] = infinite;
+    } else {
+      flexibility[i] = flexible;
+    }
   }
   std::stable_sort(ranked.begin(), ranked.end(),
                    [&](std::size_t a, std::size_t b) { return flexibility[a] < flexibility[b]; });

@@ -113,10 +113,10 @@ class LayoutEngine {
                                                std::vector<std::size_t> ranked, int context,
                                                const StackLine& line);
   std::vector<AxisProposal> sharedOut(const std::vector<const View*>& children, int context,
-                                      const StackLine& line, double length);
-  static void alignAcross(LayoutNode& stack, const Stack& view, const StackLine& line,
+                                      const StackLine& line, double room);
+  static void alignAcross(LayoutNode& node, const Stack& stack, const StackLine& line,
                           double breadth);
-  static double alignBaselines(LayoutNode& stack);
+  static double alignBaselines(LayoutNode& node);
 
   static double labelGap(const Font& font);
   static std::optional<double> textBaseline(const LayoutNode& node);

@@ -3,7 +3,7 @@
 namespace korvo {
 
 ui::View WidgetBackdrop::body(const ui::Environment& environment) const {
-  if (environment.renderingMode != ui::RenderingMode::fullColor) return ui::View();
+  if (environment.renderingMode != ui::RenderingMode::fullColor) return {};
   const ui::Palette palette = environment.palette();
   return ui::zstack({
       ui::colorFill(palette.windowBackground),
