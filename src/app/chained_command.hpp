@@ -23,6 +23,6 @@ std::optional<ChainedOutput> runChained(const std::string& command, std::string_
                                         std::chrono::milliseconds limit);
 
 // Output beyond this is dropped: a status line is one line.
-inline constexpr std::size_t maxOutputBytes = 64 * 1024;
+inline constexpr std::size_t maxOutputBytes = std::size_t{64} * 1024;
 
 }  // namespace korvo

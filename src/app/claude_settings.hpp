@@ -15,7 +15,7 @@ namespace korvo::claude_settings {
 using Document = nlohmann::ordered_json;
 
 // Claude's settings files larger than this are refused unread.
-inline constexpr std::size_t maxBytes = 4 * 1024 * 1024;
+inline constexpr std::size_t maxBytes = std::size_t{4} * 1024 * 1024;
 
 // The status-line command that runs `korvo` (its path as given): "/usr/bin/korvo
 // claude-statusline", followed by `--chain 'CMD'` when an earlier command is kept.

@@ -14,7 +14,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // The file holds a few small objects; anything larger is not korvo's and is started anew.
-constexpr std::size_t maxBytes = 256 * 1024;
+constexpr std::size_t maxBytes = std::size_t{256} * 1024;
 
 Json windowsJson(const UsageSnapshot& snapshot) {
   Json windows = Json::array();

@@ -11,7 +11,7 @@
 namespace korvo::settings_file {
 
 // Settings documents larger than this are refused unread.
-inline constexpr std::size_t maxBytes = 1024 * 1024;
+inline constexpr std::size_t maxBytes = std::size_t{1024} * 1024;
 
 // $XDG_CONFIG_HOME/korvo/settings.json (an absolute XDG_CONFIG_HOME), else
 // $HOME/.config/korvo/settings.json; none when neither gives an absolute path.

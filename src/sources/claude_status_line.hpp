@@ -12,7 +12,7 @@
 namespace korvo::claude_status_line {
 
 // Input beyond this is not read: Claude Code's status-line object is a few kilobytes.
-inline constexpr std::size_t maxInputBytes = 1024 * 1024;
+inline constexpr std::size_t maxInputBytes = std::size_t{1024} * 1024;
 // The text shown for the figures' origin.
 inline constexpr std::string_view sourceName = "Claude Code";
 // Above this a used percentage is no overrun but a wrong figure.

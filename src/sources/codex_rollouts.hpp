@@ -39,7 +39,7 @@ namespace codex_rollouts {
 // Files modified longer than this before the clock are not read (but for the newest one).
 inline constexpr double recentSeconds = 8 * 24 * 3600;
 // At most this many bytes are read from the files after the newest one.
-inline constexpr std::uint64_t readBudgetBytes = 64ull * 1024 * 1024;
+inline constexpr std::uint64_t readBudgetBytes = 64ULL * 1024 * 1024;
 // Parallel sessions write in turns: files modified this close to the newest one with a reading
 // may hold a later line.
 inline constexpr double parallelSeconds = 10 * 60;

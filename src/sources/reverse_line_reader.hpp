@@ -18,9 +18,9 @@ namespace korvo {
 class ReverseLineReader {
  public:
   // Bytes read per step from the end.
-  static constexpr std::size_t chunkBytes = 64 * 1024;
+  static constexpr std::size_t chunkBytes = std::size_t{64} * 1024;
   // Longer lines are passed over unread: no line worth reading is anywhere near this.
-  static constexpr std::size_t maxLineBytes = 1024 * 1024;
+  static constexpr std::size_t maxLineBytes = std::size_t{1024} * 1024;
 
   // A reader of `path`; none when it is not a regular file or cannot be opened (a FIFO or device
   // is refused without blocking).

@@ -13,9 +13,9 @@ namespace korvo {
 namespace zstd_lines {
 
 // A file that expands past this is abandoned: no rollout comes near it, a zip bomb does.
-inline constexpr std::uint64_t maxExpandedBytes = 256ull * 1024 * 1024;
+inline constexpr std::uint64_t maxExpandedBytes = 256ULL * 1024 * 1024;
 // Longer lines are passed over: no line worth reading is anywhere near this.
-inline constexpr std::size_t maxLineBytes = 1024 * 1024;
+inline constexpr std::size_t maxLineBytes = std::size_t{1024} * 1024;
 // Frames asking for a larger decoder window are refused, which bounds the decoder's memory
 // (16 MiB; zstd's level 3 uses 2 MiB at most).
 inline constexpr int maxWindowLog = 24;
