@@ -9,10 +9,9 @@
 #include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 
-int main(int argc, char** argv) {
-  // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
-  std::setlocale(LC_ALL, "");
+namespace {
 
+int run(int argc, char** argv) {
   CLI::App app(
       "Korvo: the dashboard behind the widgets, Keep Awake sessions, and the service that "
       "publishes the CPU temperature and the AI limits for the widgets. Without a command: the "
@@ -29,15 +28,25 @@ int main(int argc, char** argv) {
   korvo::addAwakeCommands(app, hostCommand);
   korvo::app::addSettingsCommand(app, exitCode);
 
+  if (const auto ended = korvo::parseCommandLine(app, argc, argv, "korvo")) return *ended;
+  // The dashboard, the service and Keep Awake live in the GTK instance; the arguments are
+  // checked here so that a mistake is told before any toolkit loads.
+  if (hostCommand || app.get_subcommands().empty()) korvo::app::handOver(argc, argv);
+  return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
+  std::setlocale(LC_ALL, "");
   try {
-    if (const auto ended = korvo::parseCommandLine(app, argc, argv, "korvo")) return *ended;
-    // The dashboard, the service and Keep Awake live in the GTK instance; the arguments are
-    // checked here so that a mistake is told before any toolkit loads.
-    if (hostCommand || app.get_subcommands().empty()) korvo::app::handOver(argc, argv);
+    return run(argc, argv);
   } catch (const std::exception& error) {
     // Paths and values may stand in the reason; the message stays one line.
     std::cerr << "korvo: " << korvo::displayText(error.what()) << '\n';
-    return korvo::exitFailure;
+  } catch (...) {
+    std::cerr << "korvo: unexpected failure\n";
   }
-  return exitCode;
+  return korvo::exitFailure;
 }

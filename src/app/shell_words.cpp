@@ -27,6 +27,24 @@ std::string quote(std::string_view word) {
   return quoted + "'";
 }
 
+namespace {
+
+// Appends the double-quoted text opening at `line[i]` to `word`, as the shell reads it (a backslash
+// escapes only " \ $ and `), leaving `i` at its closing quote; false when it is never closed.
+bool appendDoubleQuoted(std::string_view line, std::size_t& i, std::string& word) {
+  for (++i;; ++i) {
+    if (i >= line.size()) return false;
+    if (line[i] == '"') return true;
+    if (line[i] == '\\' && i + 1 < line.size() &&
+        std::string_view("\"\\$`").find(line[i + 1]) != std::string_view::npos) {
+      ++i;
+    }
+    word += line[i];
+  }
+}
+
+}  // namespace
+
 std::optional<std::vector<std::string>> split(std::string_view line) {
   std::vector<std::string> words;
   std::string word;
@@ -45,15 +63,7 @@ std::optional<std::vector<std::string>> split(std::string_view line) {
       word.append(line.substr(i + 1, end - i - 1));
       i = end;
     } else if (c == '"') {
-      for (++i;; ++i) {
-        if (i >= line.size()) return std::nullopt;
-        if (line[i] == '"') break;
-        if (line[i] == '\\' && i + 1 < line.size() &&
-            std::string_view("\"\\$`").find(line[i + 1]) != std::string_view::npos) {
-          ++i;
-        }
-        word += line[i];
-      }
+      if (!appendDoubleQuoted(line, i, word)) return std::nullopt;
     } else if (c == '\\' && i + 1 < line.size()) {
       word += line[++i];
     } else {

@@ -65,7 +65,7 @@ void check(const CheckOptions& options, desktop::CommandOutcome& outcome) {
     outcome.exitCode = exitFailure;
     return;
   }
-  const WidgetSnapshot& snapshot = std::get<WidgetSnapshot>(decoded);
+  const auto& snapshot = std::get<WidgetSnapshot>(decoded);
   if (options.reencode) {
     const std::optional<std::string> bytes = encodeWidgetSnapshot(snapshot);
     if (!bytes) {

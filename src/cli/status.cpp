@@ -25,7 +25,7 @@ struct StatusOptions {
 StatusLine::Line memoryLine(DisplayMode mode, StatusLine::Tooltip tooltip) {
   std::optional<MemoryEntry> entry;
   MemoryProvider{}.getTimeline(
-      {}, [&](Timeline<MemoryEntry> timeline) { entry = std::move(timeline.entries.front()); });
+      {}, [&](Timeline<MemoryEntry> timeline) { entry = timeline.entries.front(); });
   return StatusLine::memory(*entry, mode, tooltip);
 }
 
@@ -68,6 +68,7 @@ const StatusKind& statusKindNamed(const std::string& kind) {
 
 std::vector<std::string> modeWords() {
   std::vector<std::string> words;
+  words.reserve(allDisplayModes.size());
   for (const DisplayMode mode : allDisplayModes) words.emplace_back(rawValue(mode));
   return words;
 }

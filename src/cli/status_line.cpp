@@ -45,7 +45,7 @@ Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip) {
   Line line{MemoryFormat::modeText(reading, mode), "", std::string(rawValue(reading.pressure)),
             wholePercent(reading.usedFraction() * 100)};
   if (tooltip == Tooltip::leftOut) return line;
-  const auto figure = [](std::string title, std::uint64_t bytes) {
+  const auto figure = [](const std::string& title, std::uint64_t bytes) {
     return title + " " + MemoryFormat::compactSize(bytes);
   };
   const std::vector<std::string> details{

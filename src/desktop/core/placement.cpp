@@ -74,7 +74,7 @@ std::variant<Placement, PlacementError> placementFromJSON(const Json& item, std:
   for (const auto& [name, value] : item.items()) {
     if (name != "kind" && name != "family" && name != "position" && name != "anchor" &&
         name != "margin" && name != "output") {
-      return error(key + "." + name,
+      return error(std::string(key).append(".").append(name),
                    "unknown key (kind, family, position, anchor, margin, output)");
     }
   }
@@ -84,7 +84,7 @@ std::variant<Placement, PlacementError> placementFromJSON(const Json& item, std:
   }
   std::optional<std::string> familyName;
   if (const auto family = item.find("family"); family != item.end()) {
-    if (!family->is_string()) return error(key + ".family", "expected \"small\" or \"medium\"");
+    if (!family->is_string()) return error(key + ".family", R"(expected "small" or "medium")");
     familyName = family->get<std::string>();
   }
   auto resolved =
@@ -98,7 +98,7 @@ std::variant<Placement, PlacementError> placementFromJSON(const Json& item, std:
     }
     if (!position->is_object() || !position->contains("x") || !position->contains("y") ||
         !isFiniteNumber(position->at("x")) || !isFiniteNumber(position->at("y"))) {
-      return error(key + ".position", "expected {\"x\": number, \"y\": number}");
+      return error(key + ".position", R"(expected {"x": number, "y": number})");
     }
     placement.position =
         ui::Point{position->at("x").get<double>(), position->at("y").get<double>()};
