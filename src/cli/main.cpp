@@ -1,14 +1,16 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
+#include <iostream>
 #include <string>
 
+#include "base/display_text.hpp"
+#include "base/exit_codes.hpp"
 #include "cli/commands.hpp"
 #include "desktop/core/command_line.hpp"
 
-int main(int argc, char** argv) {
-  // Texts, dates and spans follow the user's locale; numbers are formatted in the C locale anyway.
-  std::setlocale(LC_ALL, "");
+namespace {
 
+int run(int argc, char** argv) {
   CLI::App app(
       "Four desktop widgets (Memory, Keep Awake, AI Usage, CPU Temperature): list them, "
       "ask their providers for timelines, render them headless, check the shared file, and "
@@ -27,4 +29,19 @@ int main(int argc, char** argv) {
   korvo::cli::addRunCommand(app, outcome);
   korvo::cli::addReloadCommand(app, outcome);
   return korvo::desktop::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // Texts, dates and spans follow the user's locale; numbers are formatted in the C locale anyway.
+  std::setlocale(LC_ALL, "");
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "korvo-widgets: " << korvo::displayText(error.what()) << '\n';
+  } catch (...) {
+    std::cerr << "korvo-widgets: unexpected failure\n";
+  }
+  return korvo::exitFailure;
 }

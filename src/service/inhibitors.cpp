@@ -50,7 +50,7 @@ bool nameHasOwner(GDBusConnection* bus, const char* name) {
   gboolean owned = FALSE;
   g_variant_get(reply, "(b)", &owned);
   g_variant_unref(reply);
-  return owned;
+  return owned != FALSE;
 }
 
 }  // namespace
