@@ -7,6 +7,7 @@
 #include "base/date_text.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
+#include "gtk/glib_bool.hpp"
 
 namespace korvo {
 namespace {
@@ -104,11 +105,11 @@ void AwakePage::refresh() {
   });
   gtk_label_set_text(GTK_LABEL(inhibitors_), (_("Inhibitors held: ") + held).c_str());
   // Without a session there is no countdown and nothing held: no empty lines either.
-  gtk_widget_set_visible(inhibitors_, session.has_value());
-  gtk_widget_set_visible(countdown_, session.has_value());
+  gtk_widget_set_visible(inhibitors_, gtk::glibBool(session.has_value()));
+  gtk_widget_set_visible(countdown_, gtk::glibBool(session.has_value()));
   gtk_button_set_label(GTK_BUTTON(extend_),
                        (_("Extend by ") + std::to_string(defaultMinutes()) + _(" min")).c_str());
-  gtk_widget_set_sensitive(stop_, session.has_value());
+  gtk_widget_set_sensitive(stop_, gtk::glibBool(session.has_value()));
   tick();
 }
 

@@ -7,6 +7,7 @@
 
 #include "app/settings_file.hpp"
 #include "base/text.hpp"
+#include "gtk/glib_bool.hpp"
 #include "shared/app_identity.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
@@ -104,7 +105,7 @@ DashboardWindow::~DashboardWindow() {
 void DashboardWindow::present(const DashboardDestination& destination) {
   gtk_label_set_text(GTK_LABEL(notice_), destination.notice.value_or("").c_str());
   gtk_widget_set_tooltip_text(notice_, destination.notice ? destination.notice->c_str() : nullptr);
-  gtk_widget_set_visible(notice_, destination.notice.has_value());
+  gtk_widget_set_visible(notice_, gtk::glibBool(destination.notice.has_value()));
   show(std::string(rawValue(destination.tab)).c_str());
 }
 
@@ -175,7 +176,7 @@ void DashboardWindow::appearanceChanged() {
   // GTK's own widgets follow the scheme the cards follow. Set only on a change: every set
   // reloads the theme and tells the watch again.
   GtkSettings* settings = gtk_settings_get_default();
-  const gboolean dark = appearance_.scheme() == ui::ColorScheme::dark;
+  const gboolean dark = gtk::glibBool(appearance_.scheme() == ui::ColorScheme::dark);
   gboolean prefersDark = FALSE;
   if (settings != nullptr) {
     g_object_get(settings, "gtk-application-prefer-dark-theme", &prefersDark, nullptr);

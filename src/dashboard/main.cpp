@@ -1,6 +1,8 @@
 #include <gio/gio.h>
 #include <gtk/gtk.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <clocale>
 #include <cstdlib>
@@ -26,10 +28,10 @@ using namespace korvo;
 constexpr auto serviceStartLimit = std::chrono::seconds(10);
 
 bool displayGiven() {
-  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
-    if (const char* value = std::getenv(name); value != nullptr && *value != '\0') return true;
-  }
-  return false;
+  return std::ranges::any_of(std::array{"DISPLAY", "WAYLAND_DISPLAY"}, [](const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0';
+  });
 }
 
 bool serviceRuns(GDBusConnection* bus) {
@@ -41,7 +43,7 @@ bool serviceRuns(GDBusConnection* bus) {
   gboolean owned = FALSE;
   g_variant_get(reply, "(b)", &owned);
   g_variant_unref(reply);
-  return owned;
+  return owned != FALSE;
 }
 
 // Keep Awake commands talk to the service; when none runs they start one in the background
@@ -106,7 +108,7 @@ int main(int argc, char** argv) {
   g_setenv("GDK_GL", "disable", FALSE);
   // A service started without a usable display still publishes and keeps sessions.
   const bool graphical = displayGiven() && (!std::holds_alternative<RunService>(command) ||
-                                            gtk_init_check(nullptr, nullptr));
+                                            gtk_init_check(nullptr, nullptr) != FALSE);
   HostApplication application(graphical, bus != nullptr, warp.warp.rate);
   const int status = application.run(argc, argv);
   // What the command printed (here, or sent back by the service) must have reached its reader.

@@ -4,6 +4,7 @@
 #include "app/settings_file.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
+#include "gtk/glib_bool.hpp"
 #include "sources/user_paths.hpp"
 
 namespace korvo {
@@ -98,9 +99,9 @@ SettingsPage::SettingsPage() {
 
 void SettingsPage::show(const Settings& settings) {
   showing_ = true;
-  gtk_switch_set_active(GTK_SWITCH(temperature_), settings.temperature);
-  gtk_switch_set_active(GTK_SWITCH(codex_), settings.codex);
-  gtk_switch_set_active(GTK_SWITCH(claude_), settings.claude);
+  gtk_switch_set_active(GTK_SWITCH(temperature_), gtk::glibBool(settings.temperature));
+  gtk_switch_set_active(GTK_SWITCH(codex_), gtk::glibBool(settings.codex));
+  gtk_switch_set_active(GTK_SWITCH(claude_), gtk::glibBool(settings.claude));
   const auto codexHome = settings.codexHome
                              ? std::optional(std::filesystem::path(*settings.codexHome))
                              : codexHomeDirectory();
@@ -111,7 +112,7 @@ void SettingsPage::show(const Settings& settings) {
   const bool installed = claude_settings_file::runsKorvo();
   gtk_label_set_text(GTK_LABEL(statusLine_),
                      installed ? _("Installed").c_str() : _("Not set up").c_str());
-  gtk_widget_set_visible(install_, !installed);
+  gtk_widget_set_visible(install_, gtk::glibBool(!installed));
   showing_ = false;
 }
 
@@ -136,7 +137,7 @@ void SettingsPage::installStatusLine() {
   gtk_label_set_text(GTK_LABEL(statusLine_), claude_settings_file::runsKorvo()
                                                  ? _("Installed").c_str()
                                                  : _("Not set up").c_str());
-  gtk_widget_set_visible(install_, !claude_settings_file::runsKorvo());
+  gtk_widget_set_visible(install_, gtk::glibBool(!claude_settings_file::runsKorvo()));
 }
 
 }  // namespace korvo

@@ -3,9 +3,12 @@
 
 #include <clocale>
 #include <cstdio>
+#include <iostream>
 #include <string>
 
 #include "base/clock.hpp"
+#include "base/display_text.hpp"
+#include "base/exit_codes.hpp"
 #include "desktop/core/command_line.hpp"
 #include "desktop/core/host_tunables.hpp"
 #include "desktop/desktop.hpp"
@@ -66,18 +69,8 @@ int run(desktop::RunArguments arguments, const std::vector<WidgetConfiguration>&
   return exitSuccess;
 }
 
-}  // namespace
-
-// The desktop host, started by `korvo-widgets run` with the arguments that follow `run`.
-int main(int argc, char** argv) {
-  // GLib's worker thread would otherwise allocate in a heap of its own, holding about 150 kB
-  // more in a process that mostly waits; one heap serves both threads.
-  mallopt(M_ARENA_MAX, 1);
-  // `run` set these for this process alone (desktop/core/host_tunables.hpp).
-  if (g_strcmp0(g_getenv(desktop::tunablesVariable), desktop::hostTunables) == 0) {
-    g_unsetenv(desktop::tunablesVariable);
-  }
-  std::setlocale(LC_ALL, "");
+// The command line of `korvo-widgets run`, parsed and run.
+int runCommandLine(int argc, char** argv) {
   static const std::vector<WidgetConfiguration> widgets = KorvoWidgets{}.body();
 
   CLI::App app(
@@ -96,4 +89,26 @@ int main(int argc, char** argv) {
     outcome.exitCode = themeColors ? gtk::printThemeColors() : run(std::move(arguments), widgets);
   });
   return desktop::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
+}
+
+}  // namespace
+
+// The desktop host, started by `korvo-widgets run` with the arguments that follow `run`.
+int main(int argc, char** argv) {
+  // GLib's worker thread would otherwise allocate in a heap of its own, holding about 150 kB
+  // more in a process that mostly waits; one heap serves both threads.
+  mallopt(M_ARENA_MAX, 1);
+  // `run` set these for this process alone (desktop/core/host_tunables.hpp).
+  if (g_strcmp0(g_getenv(desktop::tunablesVariable), desktop::hostTunables) == 0) {
+    g_unsetenv(desktop::tunablesVariable);
+  }
+  std::setlocale(LC_ALL, "");
+  try {
+    return runCommandLine(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "korvo-widgets: " << displayText(error.what()) << '\n';
+  } catch (...) {
+    std::cerr << "korvo-widgets: unexpected failure\n";
+  }
+  return exitFailure;
 }

@@ -14,6 +14,7 @@
 #include "gtk/accessibility.hpp"
 #include "gtk/accessible_card.hpp"
 #include "gtk/card_shape.hpp"
+#include "gtk/glib_bool.hpp"
 #include "gtk/url_opener.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
@@ -93,10 +94,10 @@ void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point
                                              placement.anchor == ScreenAnchor::bottomRight);
   const bool bottom = !placement.position && (placement.anchor == ScreenAnchor::bottomLeft ||
                                               placement.anchor == ScreenAnchor::bottomRight);
-  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_LEFT, !right);
-  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_RIGHT, right);
-  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, !bottom);
-  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_BOTTOM, bottom);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_LEFT, gtk::glibBool(!right));
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_RIGHT, gtk::glibBool(right));
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, gtk::glibBool(!bottom));
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_BOTTOM, gtk::glibBool(bottom));
   const auto margin = [](double length) { return static_cast<int>(std::lround(length)); };
   if (right) {
     gtk_layer_set_margin(window, GTK_LAYER_SHELL_EDGE_RIGHT,
