@@ -1,12 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
-#include <iostream>
 
 #include "app/cli_commands.hpp"
 #include "app/hand_over.hpp"
 #include "app/host_command.hpp"
 #include "base/command_line_words.hpp"
-#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 
 namespace {
@@ -40,13 +38,5 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
   std::setlocale(LC_ALL, "");
-  try {
-    return run(argc, argv);
-  } catch (const std::exception& error) {
-    // Paths and values may stand in the reason; the message stays one line.
-    std::cerr << "korvo: " << korvo::displayText(error.what()) << '\n';
-  } catch (...) {
-    std::cerr << "korvo: unexpected failure\n";
-  }
-  return korvo::exitFailure;
+  return korvo::runReportingFailures("korvo", [&] { return run(argc, argv); });
 }

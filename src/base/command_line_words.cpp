@@ -119,4 +119,15 @@ std::optional<int> parseCommandLine(CLI::App& app, int argc, char** argv, std::s
   return std::nullopt;
 }
 
+int runReportingFailures(std::string_view program, const std::function<int()>& run) noexcept {
+  try {
+    return run();
+  } catch (const std::exception& error) {
+    std::cerr << program << ": " << displayText(error.what()) << '\n';
+  } catch (...) {
+    std::cerr << program << ": unexpected failure\n";
+  }
+  return exitFailure;
+}
+
 }  // namespace korvo

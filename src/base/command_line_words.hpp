@@ -36,4 +36,8 @@ using MissingHint = std::function<std::string(const CLI::App& app, const std::st
 std::optional<int> parseCommandLine(CLI::App& app, int argc, char** argv, std::string_view program,
                                     const MissingHint& missingHint = {});
 
+// Runs a program's `run` and returns its exit status; a failure it throws is said on one line,
+// "program: reason" with the reason escaped, and ends it with exitFailure.
+int runReportingFailures(std::string_view program, const std::function<int()>& run) noexcept;
+
 }  // namespace korvo

@@ -1,10 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
-#include <iostream>
 #include <string>
 
-#include "base/display_text.hpp"
-#include "base/exit_codes.hpp"
 #include "cli/commands.hpp"
 #include "desktop/core/command_line.hpp"
 
@@ -36,12 +33,5 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // Texts, dates and spans follow the user's locale; numbers are formatted in the C locale anyway.
   std::setlocale(LC_ALL, "");
-  try {
-    return run(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "korvo-widgets: " << korvo::displayText(error.what()) << '\n';
-  } catch (...) {
-    std::cerr << "korvo-widgets: unexpected failure\n";
-  }
-  return korvo::exitFailure;
+  return korvo::runReportingFailures("korvo-widgets", [&] { return run(argc, argv); });
 }

@@ -3,11 +3,9 @@
 
 #include <clocale>
 #include <cstdio>
-#include <iostream>
 #include <string>
 
 #include "base/clock.hpp"
-#include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
 #include "desktop/core/command_line.hpp"
 #include "desktop/core/host_tunables.hpp"
@@ -103,12 +101,5 @@ int main(int argc, char** argv) {
     g_unsetenv(desktop::tunablesVariable);
   }
   std::setlocale(LC_ALL, "");
-  try {
-    return runCommandLine(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "korvo-widgets: " << displayText(error.what()) << '\n';
-  } catch (...) {
-    std::cerr << "korvo-widgets: unexpected failure\n";
-  }
-  return exitFailure;
+  return korvo::runReportingFailures("korvo-widgets", [&] { return runCommandLine(argc, argv); });
 }
