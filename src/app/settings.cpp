@@ -20,6 +20,7 @@ constexpr Range publishSecondsRange{5, 3600};
 constexpr Range awakeMinutesRange{1, 1440};
 // Waybar's module signals count from SIGRTMIN; Linux has 30 of them above it.
 constexpr Range waybarSignalRange{0, 30};
+constexpr Range codexLiveMinutesRange{1, 1440};
 
 std::string rangeText(Range range) {
   return std::to_string(range.low) + "–" + std::to_string(range.high);
@@ -47,6 +48,8 @@ std::optional<Range> wholeRange(SettingKey key) {
       return awakeMinutesRange;
     case SettingKey::waybarSignal:
       return waybarSignalRange;
+    case SettingKey::codexLiveMinutes:
+      return codexLiveMinutesRange;
     default:
       return std::nullopt;
   }
@@ -98,6 +101,14 @@ Decoded<Settings> parseSettings(std::string_view json) {
     whole(SettingKey::publishSeconds, settings.publishSeconds);
     whole(SettingKey::awakeMinutes, settings.awakeMinutes);
     whole(SettingKey::waybarSignal, settings.waybarSignal);
+    boolean(SettingKey::codexLive, settings.codexLive);
+    whole(SettingKey::codexLiveMinutes, settings.codexLiveMinutes);
+    if (const Json* value = member(SettingKey::codexCommand)) {
+      settings.codexCommand = json_reader::readString(*value, keyText(SettingKey::codexCommand));
+      if (settings.codexCommand.empty()) {
+        throw json_reader::Failure{keyText(SettingKey::codexCommand) + " must not be empty"};
+      }
+    }
     if (const Json* value = member(SettingKey::memoryDisplayMode)) {
       const auto raw = json_reader::readString(*value, keyText(SettingKey::memoryDisplayMode));
       const auto mode = displayModeFromRaw(raw);
@@ -126,6 +137,9 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   set(SettingKey::awakeMinutes, settings.awakeMinutes);
   set(SettingKey::memoryDisplayMode, std::string(rawValue(settings.memoryDisplayMode)));
   set(SettingKey::waybarSignal, settings.waybarSignal);
+  set(SettingKey::codexLive, settings.codexLive);
+  set(SettingKey::codexLiveMinutes, settings.codexLiveMinutes);
+  set(SettingKey::codexCommand, settings.codexCommand);
   return document;
 }
 
@@ -148,6 +162,11 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
                          displayText(text) + "\"");
       }
       return std::string(text);
+    case SettingKey::codexCommand:
+      if (text.empty() || !isUtf8(text)) {
+        throw UsageError(name + ": not a program name or path: \"" + displayText(text) + "\"");
+      }
+      return std::string(text);
     case SettingKey::memoryDisplayMode:
       if (!displayModeFromRaw(text)) {
         throw UsageError(name + ": unknown mode \"" + displayText(text) +
@@ -157,12 +176,14 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::temperature:
     case SettingKey::codex:
     case SettingKey::claude:
+    case SettingKey::codexLive:
       if (text == "true") return true;
       if (text == "false") return false;
       throw UsageError(name + ": not a boolean: \"" + displayText(text) + "\"; valid: true, false");
     case SettingKey::publishSeconds:
     case SettingKey::awakeMinutes:
     case SettingKey::waybarSignal:
+    case SettingKey::codexLiveMinutes:
       return wholeValue(name, text, *wholeRange(*key));
   }
   return nullptr;

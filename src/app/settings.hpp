@@ -20,7 +20,10 @@ struct Settings {
   int publishSeconds = 60;               // seconds between the service's publications
   int awakeMinutes = 60;                 // the default length of a Keep Awake session
   DisplayMode memoryDisplayMode = DisplayMode::usedPercent;  // the memory figure's form
-  int waybarSignal = 0;  // after a publication, SIGRTMIN+N to the user's waybar; 0 sends none
+  int waybarSignal = 0;      // after a publication, SIGRTMIN+N to the user's waybar; 0 sends none
+  bool codexLive = true;     // ask Codex's app-server for its current limits
+  int codexLiveMinutes = 5;  // minutes between two asks of a publication
+  std::string codexCommand = "codex";  // the Codex program: a path, or a name found on PATH
 
   friend bool operator==(const Settings&, const Settings&) = default;
 };
@@ -33,11 +36,14 @@ enum class SettingKey {
   publishSeconds,
   awakeMinutes,
   memoryDisplayMode,
-  waybarSignal
+  waybarSignal,
+  codexLive,
+  codexLiveMinutes,
+  codexCommand
 };
 
 // The keys of the settings file, in the order they are listed.
-inline constexpr Words<SettingKey, 8> settingKeyWords{{
+inline constexpr Words<SettingKey, 11> settingKeyWords{{
     {"temperature", SettingKey::temperature},
     {"codex", SettingKey::codex},
     {"claude", SettingKey::claude},
@@ -46,6 +52,9 @@ inline constexpr Words<SettingKey, 8> settingKeyWords{{
     {"awakeMinutes", SettingKey::awakeMinutes},
     {"memoryDisplayMode", SettingKey::memoryDisplayMode},
     {"waybarSignal", SettingKey::waybarSignal},
+    {"codexLive", SettingKey::codexLive},
+    {"codexLiveMinutes", SettingKey::codexLiveMinutes},
+    {"codexCommand", SettingKey::codexCommand},
 }};
 
 // The key as the settings file writes it.

@@ -89,7 +89,7 @@ void PublishLoop::work(const std::stop_token& stop) {
   std::ostringstream log;
   Outcome outcome{load_(log), {}};
   try {
-    publish_(outcome.settings, stop);
+    publish_(outcome.settings, log, stop);
   } catch (const std::exception& error) {
     if (!stop.stop_requested()) log << "korvo service: " << error.what() << '\n';
   }

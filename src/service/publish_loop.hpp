@@ -22,9 +22,9 @@ namespace korvo {
 class PublishLoop {
  public:
   // Reads the settings, telling what is wrong with them to the stream; and publishes with them
-  // until the token asks to stop.
+  // until the token asks to stop, telling what went wrong on the way to the stream.
   using LoadSettings = std::function<Settings(std::ostream& log)>;
-  using Publish = std::function<void(const Settings&, const std::stop_token&)>;
+  using Publish = std::function<void(const Settings&, std::ostream& log, const std::stop_token&)>;
 
   // Publishes with the app's publisher and settings file; failures go to `log` as one line each.
   explicit PublishLoop(std::ostream& log);
