@@ -38,44 +38,51 @@ std::string creditsText(const codex_rollout::Credits& credits) {
   return credits.balance.value_or("some");
 }
 
-void printCodex(const UsageState& state, const publisher::CodexFound* found, bool json) {
+void printCodexJson(const UsageState& state, const publisher::CodexFound* found) {
   const auto* limits = found ? std::get_if<CodexLimits>(&found->published) : nullptr;
-  if (json) {
-    const auto encoded = encodeUsageState(state);
-    if (!encoded) throw std::runtime_error("the Codex state holds a number JSON cannot carry");
-    Json document{{"state", Json::parse(*encoded)}, {"rollout", nullptr}, {"source", nullptr}};
-    if (limits) {
-      if (!limits->rollout.empty()) document["rollout"] = displayText(limits->rollout.string());
-      document["source"] = limits->snapshot.source.value_or("");
-      document["planType"] = limits->planType ? Json(*limits->planType) : Json(nullptr);
-    }
-    if (found && found->asked && found->asked->failure) {
-      document["liveFailure"] = *found->asked->failure;
-    }
-    print(document.dump() + '\n');
-    return;
+  const auto encoded = encodeUsageState(state);
+  if (!encoded) throw std::runtime_error("the Codex state holds a number JSON cannot carry");
+  Json document{{"state", Json::parse(*encoded)}, {"rollout", nullptr}, {"source", nullptr}};
+  if (limits) {
+    if (!limits->rollout.empty()) document["rollout"] = displayText(limits->rollout.string());
+    document["source"] = limits->snapshot.source.value_or("");
+    document["planType"] = limits->planType ? Json(*limits->planType) : Json(nullptr);
   }
+  if (found && found->asked && found->asked->failure) {
+    document["liveFailure"] = *found->asked->failure;
+  }
+  print(document.dump() + '\n');
+}
+
+// The windows, where they came from, the plan, credits and the other limits, a line each.
+std::string limitsText(const CodexLimits& limits) {
+  std::string text;
+  for (const UsageWindow& window : limits.snapshot.windows) {
+    text += window.remainingSummary() + " · " + window.resetText() + '\n';
+  }
+  const std::string origin = limits.rollout.empty() ? limits.snapshot.source.value_or("")
+                                                    : displayText(limits.rollout.string());
+  text += "Fetched " + isoMoment(limits.snapshot.fetchedAt) + " from " + origin + '\n';
+  if (limits.planType) text += "Plan " + *limits.planType + '\n';
+  if (limits.credits) text += "Credits " + creditsText(*limits.credits) + '\n';
+  for (const auto& other : limits.otherLimits) {
+    const std::string name = other.limitName.value_or(other.limitId.value_or(""));
+    for (const UsageWindow& window : other.snapshot.windows) {
+      text += name + " " + window.remainingSummary() + '\n';
+    }
+  }
+  return text;
+}
+
+void printCodexText(const UsageState& state, const publisher::CodexFound* found) {
   if (!state.enabled) {
     print("Codex is switched off in korvo's settings\n");
     return;
   }
   std::string text;
   if (state.message) text += *state.message + '\n';
-  if (limits) {
-    for (const UsageWindow& window : state.snapshot->windows) {
-      text += window.remainingSummary() + " · " + window.resetText() + '\n';
-    }
-    const std::string origin = limits->rollout.empty() ? limits->snapshot.source.value_or("")
-                                                       : displayText(limits->rollout.string());
-    text += "Fetched " + isoMoment(state.snapshot->fetchedAt) + " from " + origin + '\n';
-    if (limits->planType) text += "Plan " + *limits->planType + '\n';
-    if (limits->credits) text += "Credits " + creditsText(*limits->credits) + '\n';
-    for (const auto& other : limits->otherLimits) {
-      for (const UsageWindow& window : other.snapshot.windows) {
-        text += other.limitName.value_or(other.limitId.value_or("")) + " " +
-                window.remainingSummary() + '\n';
-      }
-    }
+  if (const auto* limits = found ? std::get_if<CodexLimits>(&found->published) : nullptr) {
+    text += limitsText(*limits);
   }
   print(text);
 }
@@ -119,7 +126,12 @@ void addCodexCommand(CLI::App& app, int& exitCode) {
       if (found->asked) codex_state_file::save({std::nullopt, found->asked});
     }
     const UsageState state = publisher::codexState(settings.codex, found);
-    printCodex(state, found ? &*found : nullptr, *json);
+    const publisher::CodexFound* shown = found ? &*found : nullptr;
+    if (*json) {
+      printCodexJson(state, shown);
+    } else {
+      printCodexText(state, shown);
+    }
     const bool liveFailed = *live && found && found->asked && found->asked->failure;
     if (liveFailed) std::cerr << "korvo: " << *found->asked->failure << '\n';
     exitCode = (state.enabled && !state.snapshot) || liveFailed ? exitFailure : exitSuccess;

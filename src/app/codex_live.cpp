@@ -68,6 +68,49 @@ Outcome failed(std::string what) {
   return {std::nullopt, "Codex app-server: " + std::move(what)};
 }
 
+// What a line of the server's output comes to: none when it is neither an error nor the answer.
+std::optional<Outcome> outcomeOf(std::string_view line) {
+  const Date now = clock::now();
+  if (auto setup = codex_app_server::readAnswer(line, codex_app_server::initializeId, now);
+      setup && setup->error) {
+    return failed(*setup->error);
+  }
+  auto answer = codex_app_server::readAnswer(line, codex_app_server::rateLimitsId, now);
+  if (!answer) return std::nullopt;
+  if (answer->error) return failed(*answer->error);
+  if (!answer->limits) return failed("the answer holds no limits");
+  return Outcome{std::move(answer->limits), std::nullopt};
+}
+
+// Splits the server's output into lines; a line too long to be an answer is skipped whole.
+class LineSplitter {
+ public:
+  // Adds `chunk`; the outcome of the first line in it that has one.
+  std::optional<Outcome> add(std::string_view chunk) {
+    while (!chunk.empty()) {
+      const auto newline = chunk.find('\n');
+      if (!skipping_) pending_.append(chunk.substr(0, newline));
+      if (pending_.size() > maxLineBytes) {
+        pending_.clear();
+        skipping_ = true;
+      }
+      if (newline == std::string_view::npos) break;
+      chunk.remove_prefix(newline + 1);
+      const bool whole = !skipping_;
+      skipping_ = false;
+      if (whole) {
+        if (auto outcome = outcomeOf(pending_)) return outcome;
+      }
+      pending_.clear();
+    }
+    return std::nullopt;
+  }
+
+ private:
+  std::string pending_;
+  bool skipping_ = false;  // inside a line too long to be an answer
+};
+
 Outcome exchange(const std::string& command, std::chrono::milliseconds limit) {
   const auto deadline = std::chrono::steady_clock::now() + limit;
   int toServer[2];
@@ -91,9 +134,8 @@ Outcome exchange(const std::string& command, std::chrono::milliseconds limit) {
     return failed("it ended before reading the request");
   }
 
-  std::string pending;
+  LineSplitter lines;
   std::size_t total = 0;
-  bool skipping = false;  // inside a line too long to be an answer
   char buffer[8192];
   for (;;) {
     switch (nextEvent(answerRead.get(), server.endedDescriptor(), deadline)) {
@@ -109,34 +151,7 @@ Outcome exchange(const std::string& command, std::chrono::milliseconds limit) {
     if (got <= 0) return failed("it ended without answering");
     total += static_cast<std::size_t>(got);
     if (total > maxOutputBytes) return failed("it printed too much without answering");
-    std::string_view chunk(buffer, static_cast<std::size_t>(got));
-    while (!chunk.empty()) {
-      const auto newline = chunk.find('\n');
-      const auto piece = chunk.substr(0, newline);
-      if (!skipping) pending.append(piece);
-      if (pending.size() > maxLineBytes) {
-        pending.clear();
-        skipping = true;
-      }
-      if (newline == std::string_view::npos) break;
-      chunk.remove_prefix(newline + 1);
-      if (skipping) {
-        skipping = false;
-        continue;
-      }
-      const Date now = clock::now();
-      if (auto setup = codex_app_server::readAnswer(pending, codex_app_server::initializeId, now);
-          setup && setup->error) {
-        return failed(*setup->error);
-      }
-      if (auto answer =
-              codex_app_server::readAnswer(pending, codex_app_server::rateLimitsId, now)) {
-        if (answer->error) return failed(*answer->error);
-        if (!answer->limits) return failed("the answer holds no limits");
-        return {std::move(answer->limits), std::nullopt};
-      }
-      pending.clear();
-    }
+    if (auto outcome = lines.add({buffer, static_cast<std::size_t>(got)})) return *outcome;
   }
 }
 
