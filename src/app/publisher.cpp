@@ -8,6 +8,7 @@
 #include "app/claude_settings_file.hpp"
 #include "app/codex_live.hpp"
 #include "app/codex_state_file.hpp"
+#include "app/rollout_memo_file.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
@@ -45,8 +46,9 @@ CodexFound findCodex(const Settings& settings, LiveAsk live) {
   const Date now = clock::now();
   const auto home =
       settings.codexHome ? std::filesystem::path(*settings.codexHome) : codexHomeDirectory();
-  CodexFound found{home ? readCodexLimits(*home, now) : CodexShortfall::noSessions, std::nullopt,
-                   std::nullopt};
+  CodexFound found{CodexShortfall::noSessions, std::nullopt, std::nullopt,
+                   rollout_memo_file::load()};
+  if (home) found.published = readCodexLimits(*home, now, &found.memo);
   if (const auto* limits = std::get_if<CodexLimits>(&found.published)) found.rollouts = *limits;
   if (!settings.codexLive && live == LiveAsk::whenDue) return found;
 
@@ -122,6 +124,7 @@ void publish(const Settings& settings, std::ostream& notes, const std::stop_toke
   if (collected.codex) {
     // Only korvo reads it; the shared file, which the widgets read, is written.
     codex_state_file::save({collected.codex->rollouts, collected.codex->asked});
+    rollout_memo_file::save(collected.codex->memo);
     if (collected.codex->asked && collected.codex->asked->failure) {
       notes << "korvo: " << *collected.codex->asked->failure << '\n';
     }

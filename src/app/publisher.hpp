@@ -32,6 +32,7 @@ struct CodexFound {
   std::variant<CodexLimits, CodexShortfall> published;
   std::optional<CodexLimits> rollouts;                // the rollouts' reading
   std::optional<codex_state_file::LiveRecord> asked;  // the ask made now, when one was
+  RolloutMemo memo;  // the rollouts known to hold no limits, as this reading left it
 
   friend bool operator==(const CodexFound&, const CodexFound&) = default;
 };

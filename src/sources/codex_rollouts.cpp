@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <charconv>
 #include <map>
 #include <set>
 #include <system_error>
@@ -118,7 +119,35 @@ struct FileReading {
   std::optional<LineLimits> codex;
   std::map<std::string, LineLimits> others;
   std::uint64_t bytesRead = 0;
+  bool whole = false;  // every line of the file was looked at
+
+  bool fruitless() const { return whole && !codex && others.empty(); }
 };
+
+RolloutMemo::Seen seen(const Rollout& rollout) {
+  return {rollout.size, static_cast<std::int64_t>(rollout.modified.tv_sec) * 1'000'000'000 +
+                            rollout.modified.tv_nsec};
+}
+
+// Whether the memo knows the file as it is now; a file changed since is forgotten.
+bool knownFruitless(RolloutMemo* memo, const Rollout& rollout) {
+  if (memo == nullptr) return false;
+  const auto found = memo->fruitless.find(rollout.path.native());
+  if (found == memo->fruitless.end()) return false;
+  if (found->second == seen(rollout)) return true;
+  memo->fruitless.erase(found);
+  memo->changed = true;
+  return false;
+}
+
+// Keeps only the files still listed, so the memo never outgrows the folder.
+void forgetUnlisted(RolloutMemo& memo, const std::vector<Rollout>& rollouts) {
+  std::set<std::string_view> listed;
+  for (const Rollout& rollout : rollouts) listed.insert(rollout.path.native());
+  const auto before = memo.fruitless.size();
+  std::erase_if(memo.fruitless, [&](const auto& entry) { return !listed.contains(entry.first); });
+  if (memo.fruitless.size() != before) memo.changed = true;
+}
 
 void keepNewest(std::map<std::string, LineLimits>& others, LineLimits limits) {
   const auto found = others.find(*limits.limitId);
@@ -137,7 +166,10 @@ FileReading readPlain(const std::filesystem::path& path, std::uint64_t budget) {
   if (!reader) return reading;
   while (reader->bytesRead() < budget) {
     const auto line = reader->previous();
-    if (!line) break;
+    if (!line) {
+      reading.whole = true;
+      break;
+    }
     auto limits = codex_rollout::parseLine(*line);
     if (!limits) continue;
     if (!limits->limitId) {
@@ -164,6 +196,23 @@ FileReading readCompressed(const std::filesystem::path& path) {
   });
   if (!outcome.complete) reading = {};
   reading.bytesRead = outcome.bytesRead;
+  reading.whole = outcome.complete;
+  return reading;
+}
+
+// Reads `rollout` unless the memo knows it holds nothing, and tells the memo when it does. None
+// when it is not read.
+std::optional<FileReading> readRollout(const Rollout& rollout, std::uint64_t left,
+                                       RolloutMemo* memo) {
+  // A compressed file is read from its start, so only whole ones are worth reading.
+  if (rollout.compressed && rollout.size > left) return std::nullopt;
+  if (knownFruitless(memo, rollout)) return std::nullopt;
+  FileReading reading =
+      rollout.compressed ? readCompressed(rollout.path) : readPlain(rollout.path, left);
+  if (memo != nullptr && reading.fruitless()) {
+    memo->fruitless[rollout.path.native()] = seen(rollout);
+    memo->changed = true;
+  }
   return reading;
 }
 
@@ -179,10 +228,42 @@ std::string message(CodexShortfall shortfall) {
   return {};
 }
 
+std::string memoText(const RolloutMemo& memo) {
+  std::string text;
+  for (const auto& [path, seen] : memo.fruitless) {
+    if (path.find('\n') != std::string::npos) continue;
+    text += std::to_string(seen.size) + ' ' + std::to_string(seen.modifiedNanoseconds) + ' ' +
+            path + '\n';
+  }
+  return text;
+}
+
+RolloutMemo parseMemo(std::string_view text) {
+  RolloutMemo memo;
+  while (!text.empty()) {
+    const auto end = text.find('\n');
+    if (end == std::string_view::npos) break;  // an unfinished last line
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end + 1);
+    RolloutMemo::Seen seen;
+    const char* cursor = line.data();
+    const char* const last = line.data() + line.size();
+    auto [afterSize, sizeError] = std::from_chars(cursor, last, seen.size);
+    if (sizeError != std::errc() || afterSize == last || *afterSize != ' ') continue;
+    auto [afterTime, timeError] = std::from_chars(afterSize + 1, last, seen.modifiedNanoseconds);
+    if (timeError != std::errc() || afterTime == last || *afterTime != ' ') continue;
+    const std::string_view path(afterTime + 1, static_cast<std::size_t>(last - afterTime - 1));
+    if (path.empty() || path.front() != '/') continue;
+    memo.fruitless[std::string(path)] = seen;
+  }
+  return memo;
+}
+
 std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome,
-                                                          Date now) {
+                                                          Date now, RolloutMemo* memo) {
   using namespace codex_rollouts;
   const auto rollouts = rolloutsNewestFirst(codexHome);
+  if (memo != nullptr) forgetUnlisted(*memo, rollouts);
   if (rollouts.empty()) return CodexShortfall::noSessions;
   const double oldest = now.unixSeconds() - recentSeconds;
   std::optional<CodexLimits> best;
@@ -198,10 +279,9 @@ std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem:
       break;
     }
     const std::uint64_t left = newest ? UINT64_MAX : readBudgetBytes - spent;
-    // A compressed file is read from its start, so only whole ones are worth reading.
-    if (rollout.compressed && rollout.size > left) continue;
-    FileReading reading =
-        rollout.compressed ? readCompressed(rollout.path) : readPlain(rollout.path, left);
+    auto read = readRollout(rollout, left, memo);
+    if (!read) continue;
+    FileReading& reading = *read;
     spent += reading.bytesRead;
     for (auto& [id, limits] : reading.others) keepNewest(others, std::move(limits));
     if (!reading.codex) continue;

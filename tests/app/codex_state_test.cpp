@@ -63,8 +63,30 @@ TEST(CodexStateTest, PublishKeepsPlanCreditsAndOtherLimitsInKorvosOwnPrivateStat
 TEST(CodexStateTest, PrintWritesNoState) {
   RolloutWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
+  world.write("codex/sessions/2026/11/14/rollout-team.jsonl", "{}\n");
   ASSERT_EQ(world.korvo({"publish", "--print"}).exitCode, 0);
   EXPECT_FALSE(std::filesystem::exists(stateFile(world)));
+  EXPECT_FALSE(std::filesystem::exists(world.home() / ".cache"));
+}
+
+TEST(CodexStateTest, PublishRemembersRolloutsWithoutLimitsPrivatelyByNameSizeAndTime) {
+  RolloutWorld world;
+  const auto team =
+      world.write("codex/sessions/2026/11/14/rollout-team.jsonl",
+                  R"({"type":"event_msg","payload":{"type":"token_count","rate_limits":null}})"
+                  "\n");
+  world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
+  const mode_t previous = ::umask(0);
+  const auto result = world.korvo({"publish"});
+  ::umask(previous);
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const auto memo = world.home() / ".cache/korvo/codex-rollouts.memo";
+  const std::string text = readFile(memo);
+  EXPECT_NE(text.find(" " + team.string() + "\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("rollout-a"), std::string::npos) << "a rollout with limits was remembered";
+  EXPECT_EQ(text.find("token_count"), std::string::npos);
+  EXPECT_EQ(permissions(memo), 0600u);
+  EXPECT_EQ(permissions(memo.parent_path()), 0700u);
 }
 
 TEST(CodexStateTest, APublishWithoutAReadingKeepsTheLastState) {
