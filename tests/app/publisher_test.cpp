@@ -66,8 +66,9 @@ TEST(PublisherTest, DisabledProvidersAreTheBareDisabledState) {
 }
 
 TEST(PublisherTest, CodexShortfallsBecomeItsMessage) {
-  EXPECT_EQ(codexState(true, CodexFound{CodexShortfall::noSessions, std::nullopt, std::nullopt, {}}),
-            (UsageState{true, std::nullopt, "No Codex sessions found", false}));
+  EXPECT_EQ(
+      codexState(true, CodexFound{CodexShortfall::noSessions, std::nullopt, std::nullopt, {}}),
+      (UsageState{true, std::nullopt, "No Codex sessions found", false}));
   EXPECT_EQ(codexState(true, CodexFound{CodexShortfall::noLimits, std::nullopt, std::nullopt, {}}),
             (UsageState{true, std::nullopt, "No limits in Codex logs yet", false}));
 }
