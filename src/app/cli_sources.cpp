@@ -5,6 +5,7 @@
 #include "app/codex_state_file.hpp"
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
+#include "app/usage_origin.hpp"
 #include "base/c_format.hpp"
 #include "base/display_text.hpp"
 #include "base/exit_codes.hpp"
@@ -30,12 +31,6 @@ void printTemperature(const CpuTemperature& reading, bool json) {
   std::string line = cFormat("%.1f°C", reading.celsius) + " · " + reading.chip;
   if (!reading.label.empty()) line += " · " + reading.label;
   print(line + " · " + displayText(reading.file.string()) + '\n');
-}
-
-std::string creditsText(const codex_rollout::Credits& credits) {
-  if (credits.unlimited) return "unlimited";
-  if (!credits.hasCredits) return "none";
-  return credits.balance.value_or("some");
 }
 
 void printCodexJson(const UsageState& state, const publisher::CodexFound* found) {
@@ -64,7 +59,7 @@ std::string limitsText(const CodexLimits& limits) {
                                                     : displayText(limits.rollout.string());
   text += "Fetched " + isoMoment(limits.snapshot.fetchedAt) + " from " + origin + '\n';
   if (limits.planType) text += "Plan " + *limits.planType + '\n';
-  if (limits.credits) text += "Credits " + creditsText(*limits.credits) + '\n';
+  if (limits.credits) text += "Credits " + usage_origin::creditsText(*limits.credits) + '\n';
   for (const auto& other : limits.otherLimits) {
     const std::string name = other.limitName.value_or(other.limitId.value_or(""));
     for (const UsageWindow& window : other.snapshot.windows) {

@@ -111,9 +111,10 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
   return snapshot;
 }
 
-void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop) {
+void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop,
+             LiveAsk live) {
   const auto file = shared_file::path();
-  const Collected collected = collect(settings);
+  const Collected collected = collect(settings, live);
   const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
   const auto snapshot = compose(currentParts(file), settings, collected, clock::now());
   if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {

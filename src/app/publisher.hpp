@@ -62,13 +62,14 @@ UsageState codexState(bool enabled, const std::optional<CodexFound>& found);
 WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& settings,
                        const Collected& collected, Date now);
 
-// Collects, then under the shared file's lock reads it, composes and saves it; then records
-// Codex's readings (plan, credits, other limits, the app-server's answer) in korvo's own state
-// (codex_state_file). What went wrong without stopping the publication (an app-server that did
-// not answer) goes to `notes`, a line each. Throws std::runtime_error with a one-line message when
-// the file has no place or cannot be written, or when the lock is not had within lockPatience or
-// before `stop` is requested.
-void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop = {});
+// Collects (asking Codex's app-server as `live` says), then under the shared file's lock reads
+// it, composes and saves it; then records Codex's readings (plan, credits, other limits, the
+// app-server's answer) in korvo's own state (codex_state_file). What went wrong without stopping
+// the publication (an app-server that did not answer) goes to `notes`, a line each. Throws
+// std::runtime_error with a one-line message when the file has no place or cannot be written, or
+// when the lock is not had within lockPatience or before `stop` is requested.
+void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop = {},
+             LiveAsk live = LiveAsk::whenDue);
 
 // The bytes publish would write now, without writing anything.
 std::string preview(const Settings& settings);
