@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -55,8 +55,8 @@ struct RolloutMemo {
     std::int64_t modifiedNanoseconds = 0;
     friend bool operator==(const Seen&, const Seen&) = default;
   };
-  std::map<std::string, Seen> fruitless;  // by path
-  bool changed = false;                   // entries were added or dropped by the last read
+  std::unordered_map<std::string, Seen> fruitless;  // by path
+  bool changed = false;  // entries were added or dropped by the last read
 
   friend bool operator==(const RolloutMemo&, const RolloutMemo&) = default;
 };
