@@ -49,9 +49,11 @@ void AiPage::refresh() {
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = snapshot ? stateOf(*snapshot, provider) : UsageState{};
     gtk_box_pack_start(GTK_BOX(providers_), heading(displayName(provider)), FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE, FALSE,
-                       0);
-    if (state.enabled && state.snapshot) {
+    if (!state.enabled || !state.snapshot) {
+      gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE, FALSE,
+                         0);
+    } else {
+      // Where the figures came from and their age, which ticks, in place of the status.
       GtkWidget* origin =
           label(usage_origin::originText(*state.snapshot, clock::now()), "dim-label");
       gtk_box_pack_start(GTK_BOX(providers_), origin, FALSE, FALSE, 0);
