@@ -365,6 +365,31 @@ TEST_F(CodexRolloutsTest, FilesNoLongerThereLeaveTheMemoAndPartlyReadOnesNeverEn
   EXPECT_TRUE(memo.fruitless.empty());
 }
 
+TEST_F(CodexRolloutsTest, AThousandNullLimitRolloutsAreReadSixtyFourMebibytesAtATimeThenNoMore) {
+  // A Team user's week: a thousand rollouts of a mebibyte, every token count's limits null.
+  std::string body;
+  while (body.size() < std::size_t{1} << 20) body += chatter + nullLimits("2026-11-15T01:30:05Z");
+  for (int index = 0; index < 1000; ++index) {
+    rollout("2026/11/" + std::to_string(10 + index / 200),
+            "2026-11-15T01-30-00-" + std::to_string(1000 + index), body, 99'000 - index * 60);
+  }
+  RolloutMemo memo;
+  // Each reading takes files, newest first, until the budget is spent, and remembers those it
+  // read whole (the last one it read only in part).
+  const std::size_t perReading = codex_rollouts::readBudgetBytes / body.size();
+  EXPECT_EQ(readCodexLimits(home.path(), now, &memo), noLimits);
+  EXPECT_EQ(memo.fruitless.size(), perReading);
+  std::size_t readings = 1;
+  while (memo.changed && readings < 100) {
+    memo.changed = false;
+    EXPECT_EQ(readCodexLimits(home.path(), now, &memo), noLimits);
+    ++readings;
+  }
+  EXPECT_EQ(memo.fruitless.size(), 1000u);
+  // Once all are known nothing changes: a reading is a listing.
+  EXPECT_EQ(readings, (1000 + perReading - 1) / perReading + 1);
+}
+
 TEST(RolloutMemoTest, TheTextGoesBothWaysAndOddLinesAreLeftOut) {
   RolloutMemo memo;
   memo.fruitless["/home/u/.codex/sessions/2026/11/15/rollout-a b.jsonl"] = {1048576,
