@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # What `korvo service` costs while it only publishes: wake-ups per minute (voluntary context
 # switches over all its threads), CPU time per hour, private memory (RssAnon) and PSS, over a
-# window of SECONDS after a short settling time. Release build, fixture sensors, a fresh home.
+# window of SECONDS after a short settling time. Release build, fixture sensors, a fresh home;
+# KORVO_BENCH_SETTINGS, when set, is the settings file (e.g. '{"codexLive": false}').
 #   bench/service_idle.sh [SECONDS] [KORVO]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -17,6 +18,10 @@ export XDG_STATE_HOME="$scratch/state" CODEX_HOME="$scratch/codex" CLAUDE_CONFIG
 export KORVO_SYSROOT="$PWD/tests/fixtures/hwmon/coretemp_two_packages"
 export KORVO_BUNDLE_INFO="$PWD/data/Info.json"
 
+if [ -n "${KORVO_BENCH_SETTINGS:-}" ]; then
+  mkdir -p "$XDG_CONFIG_HOME/korvo"
+  printf '%s\n' "$KORVO_BENCH_SETTINGS" >"$XDG_CONFIG_HOME/korvo/settings.json"
+fi
 "$korvo" service >"$scratch/service.log" 2>&1 &
 launcher=$!
 trap 'kill "$launcher" 2>/dev/null; wait "$launcher" 2>/dev/null; rm -rf "$scratch"' EXIT

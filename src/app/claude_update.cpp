@@ -1,8 +1,11 @@
 #include "app/claude_update.hpp"
 
 #include <algorithm>
+#include <sstream>
 #include <stdexcept>
 
+#include "app/history_figures.hpp"
+#include "app/history_figures.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
@@ -86,16 +89,25 @@ std::string statusText(const claude_status_line::Input& input) {
 
 void apply(const std::vector<UsageWindow>& windows, const Settings& settings) {
   if (windows.empty() || !settings.claude) return;
+  const Date now = clock::now();
+  std::optional<UsageSnapshot> saved;
   try {
     const auto file = shared_file::path();
     const auto lock = SharedFileLock::acquire(file, lockPatience);
     const auto url = Url::file(file);
-    if (auto snapshot =
-            merge(WidgetSnapshotStore::loadParts(url), windows, settings, clock::now())) {
-      if (WidgetSnapshotStore::save(*snapshot, url)) status_bar::refresh(settings.waybarSignal);
+    if (auto snapshot = merge(WidgetSnapshotStore::loadParts(url), windows, settings, now)) {
+      if (WidgetSnapshotStore::save(*snapshot, url)) {
+        status_bar::refresh(settings.waybarSignal);
+        saved = snapshot->claude.snapshot;
+      }
     }
   } catch (const std::exception&) {
     // No place for the shared file, or its lock held too long: the status line still prints.
+  }
+  if (saved) {
+    std::ostringstream ignored;  // nobody reads a status line's complaints
+    history_figures::record(history_figures::windowRows("claude", *saved, now), now, ignored,
+                            historyPatience);
   }
 }
 

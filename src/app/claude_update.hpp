@@ -19,6 +19,8 @@ inline constexpr double refreshSeconds = 60;
 
 // How long the status line waits for another writer's lock before it prints without saving.
 inline constexpr std::chrono::seconds lockPatience{2};
+// How long it waits for another writer of the history before it leaves its figures out of it.
+inline constexpr std::chrono::milliseconds historyPatience{300};
 
 // The snapshot with Claude's `windows` merged in at `now` (windows of those titles replaced,
 // others kept, "5-hour" before "Weekly"; fetchedAt now, source "Claude Code", no message); none
@@ -33,9 +35,9 @@ std::optional<WidgetSnapshot> merge(const WidgetSnapshotParts& current,
 // what the input says of the session ("Opus 4.1 · context 42% used").
 std::string statusText(const claude_status_line::Input& input);
 
-// Merges under the shared file's lock and saves when needed; every failure is silent, because a
-// broken status line must never break Claude Code. When another process holds the lock longer
-// than lockPatience, nothing is saved.
+// Merges under the shared file's lock and saves when needed, then records what it saved in the
+// history; every failure is silent, because a broken status line must never break Claude Code.
+// When another process holds the lock longer than lockPatience, nothing is saved.
 void apply(const std::vector<UsageWindow>& windows, const Settings& settings);
 
 }  // namespace korvo::claude_update

@@ -12,6 +12,8 @@ void addTemperatureCommand(CLI::App& app, int& exitCode);
 void addCodexCommand(CLI::App& app, int& exitCode);
 void addClaudeStatusLineCommand(CLI::App& app, int& exitCode);
 void addSettingsCommand(CLI::App& app, int& exitCode);
+void addHistoryCommand(CLI::App& app, int& exitCode);
+void addUsageCommand(CLI::App& app, int& exitCode);
 
 // Writes `text` to standard output now; throws std::runtime_error with the reason when it could
 // not all be written, so a full disk or a closed pipe is not taken for success.

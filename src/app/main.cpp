@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
+#include <csignal>
 
 #include "app/cli_commands.hpp"
 #include "app/hand_over.hpp"
@@ -16,12 +17,15 @@ int run(int argc, char** argv) {
       "dashboard.",
       "korvo");
   app.require_subcommand(0, 1);
+  app.set_version_flag("--version", std::string("korvo ") + KORVO_VERSION);
   int exitCode = korvo::exitSuccess;
   std::optional<korvo::HostCommand> hostCommand;
   korvo::addDashboardCommands(app, hostCommand);
   korvo::app::addPublishCommand(app, exitCode);
   korvo::app::addTemperatureCommand(app, exitCode);
   korvo::app::addCodexCommand(app, exitCode);
+  korvo::app::addUsageCommand(app, exitCode);
+  korvo::app::addHistoryCommand(app, exitCode);
   korvo::app::addClaudeStatusLineCommand(app, exitCode);
   korvo::addAwakeCommands(app, hostCommand);
   korvo::app::addSettingsCommand(app, exitCode);
@@ -38,5 +42,8 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // Texts and dates follow the user's locale; numbers are formatted in the C locale anyway.
   std::setlocale(LC_ALL, "");
+  // A file size limit makes a write fail, which korvo reports or skips (the history does), rather
+  // than end it half way.
+  std::signal(SIGXFSZ, SIG_IGN);
   return korvo::runReportingFailures("korvo", [&] { return run(argc, argv); });
 }

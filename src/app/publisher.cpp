@@ -8,6 +8,7 @@
 #include "app/claude_settings_file.hpp"
 #include "app/codex_live.hpp"
 #include "app/codex_state_file.hpp"
+#include "app/history_figures.hpp"
 #include "app/rollout_memo_file.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
@@ -115,21 +116,28 @@ void publish(const Settings& settings, std::ostream& notes, const std::stop_toke
              LiveAsk live) {
   const auto file = shared_file::path();
   const Collected collected = collect(settings, live);
-  const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
-  const auto snapshot = compose(currentParts(file), settings, collected, clock::now());
-  if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
-    throw std::runtime_error("cannot write the shared file " + displayText(file.string()) + ": " +
-                             std::strerror(errno));
-  }
-  status_bar::refresh(settings.waybarSignal);
-  if (collected.codex) {
-    // Only korvo reads it; the shared file, which the widgets read, is written.
-    codex_state_file::save({collected.codex->rollouts, collected.codex->asked});
-    rollout_memo_file::save(collected.codex->memo);
-    if (collected.codex->asked && collected.codex->asked->failure) {
-      notes << "korvo: " << *collected.codex->asked->failure << '\n';
+  const Date now = clock::now();
+  WidgetSnapshot snapshot;
+  {
+    const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
+    snapshot = compose(currentParts(file), settings, collected, now);
+    if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
+      throw std::runtime_error("cannot write the shared file " + displayText(file.string()) + ": " +
+                               std::strerror(errno));
+    }
+    status_bar::refresh(settings.waybarSignal);
+    if (collected.codex) {
+      // Only korvo reads it; the shared file, which the widgets read, is written.
+      codex_state_file::save({collected.codex->rollouts, collected.codex->asked});
+      rollout_memo_file::save(collected.codex->memo);
+      if (collected.codex->asked && collected.codex->asked->failure) {
+        notes << "korvo: " << *collected.codex->asked->failure << '\n';
+      }
     }
   }
+  // After the lock: a status line waiting for it need not wait for the history too.
+  history_figures::record(history_figures::publicationRows(snapshot, now, systemRoot()), now, notes,
+                          historyPatience);
 }
 
 std::string preview(const Settings& settings) {

@@ -19,6 +19,8 @@ namespace korvo::publisher {
 
 // How long a publication waits for another writer's lock before it gives up.
 inline constexpr std::chrono::seconds lockPatience{10};
+// How long a publication waits for another writer of the history before it skips its figures.
+inline constexpr std::chrono::seconds historyPatience{2};
 
 // When Codex's app-server is asked.
 enum class LiveAsk {
