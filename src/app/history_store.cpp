@@ -46,22 +46,26 @@ int userVersion(sqlite3* database) {
   return sqlite3_column_int(query.get(), 0);
 }
 
-enum class Schema { ready, busy, foreign, later };
+enum class Schema { ready, unavailable, foreign, later };
 
-bool busy(sqlite3* database) {
+// What the last failure says of the file: not a database korvo can read, or only not now (busy,
+// locked, a full disk, an I/O error), which must never cost the user their history.
+Schema failure(sqlite3* database) {
   const int code = sqlite3_errcode(database);
-  return code == SQLITE_BUSY || code == SQLITE_LOCKED;
+  return code == SQLITE_NOTADB || code == SQLITE_CORRUPT || code == SQLITE_ERROR
+             ? Schema::foreign
+             : Schema::unavailable;
 }
 
 // Brings the schema to schemaVersion in one transaction.
 Schema migrate(sqlite3* database) {
   const int version = userVersion(database);
-  if (version < 0) return busy(database) ? Schema::busy : Schema::foreign;
+  if (version < 0) return failure(database);
   if (version > HistoryStore::schemaVersion) return Schema::later;
   if (version == HistoryStore::schemaVersion) {
     // A version that matches but tables that do not: not korvo's file.
     const Statement check(database, "SELECT time, metric, value, resets_at FROM samples LIMIT 0;");
-    return check.ok() ? Schema::ready : Schema::foreign;
+    return check.ok() ? Schema::ready : failure(database);
   }
   std::string steps = "BEGIN IMMEDIATE;";
   for (int step = version; step < HistoryStore::schemaVersion; ++step) steps += migrations[step];
@@ -69,7 +73,7 @@ Schema migrate(sqlite3* database) {
   if (sqlite3_exec(database, steps.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK) {
     return Schema::ready;
   }
-  const Schema failed = busy(database) ? Schema::busy : Schema::foreign;
+  const Schema failed = failure(database);
   sqlite3_exec(database, "ROLLBACK;", nullptr, nullptr, nullptr);
   return failed;
 }

@@ -34,7 +34,7 @@ TEST(KorvoMessagesTest, UnknownCommandsAndOptionsNameTheValidOnes) {
       {
           {{"bogus"},
            "korvo: unknown command \"bogus\"; valid: open, service, publish, temperature, codex, "
-           "claude-statusline, awake, settings\n"},
+           "usage, history, claude-statusline, awake, settings\n"},
           {{"awake", "bogus"},
            "korvo: unknown subcommand \"bogus\"; valid: --help, start, extend, stop, status\n"},
           {{"publish", "--loud"},
@@ -107,7 +107,7 @@ TEST(KorvoMessagesTest, ValuesEchoedAreEscapedOntoOneLine) {
            "indefinitely\n"},
           {{"bo\ngus"},
            "korvo: unknown command \"bo\\ngus\"; valid: open, service, publish, temperature, "
-           "codex, claude-statusline, awake, settings\n"},
+           "codex, usage, history, claude-statusline, awake, settings\n"},
       });
 }
 

@@ -168,11 +168,14 @@ void killPublishAfter(const KorvoWorld& world, std::chrono::microseconds delay) 
 TEST(SharedFileWritersTest, KilledWritersTemporariesAreRemovedByTheNextWriter) {
   KorvoWorld world;
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
-  // A file size limit kills each publish with SIGXFSZ in the middle of writing its temporary.
+  // Each publish is killed the moment its temporary is written, as it goes to rename it.
   const auto killedMidWrite = [&] {
-    const auto killed = testing_support::runProgram(
-        "/usr/bin/prlimit", {"--fsize=64", KORVO_APP_BINARY, "publish"}, world.environment());
-    EXPECT_EQ(killed.exitCode, 128 + SIGXFSZ);
+    const auto killed =
+        testing_support::runProgram("/usr/bin/strace",
+                                    {"-qq", "-o", "/dev/null", "-e", "trace=rename", "-e",
+                                     "inject=rename:signal=KILL", KORVO_APP_BINARY, "publish"},
+                                    world.environment());
+    EXPECT_EQ(killed.exitCode, 128 + SIGKILL);
   };
   for (int round = 0; round < 3; ++round) killedMidWrite();
   // Each killed writer swept its predecessors' leftovers before leaving its own.
