@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "app/history_figures.hpp"
-#include "app/history_figures.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
