@@ -18,6 +18,7 @@ struct Range {
 };
 constexpr Range publishSecondsRange{5, 3600};
 constexpr Range awakeMinutesRange{1, 1440};
+constexpr Range agentIdleMinutesRange{1, 240};
 // Waybar's module signals count from SIGRTMIN; Linux has 30 of them above it.
 constexpr Range waybarSignalRange{0, 30};
 
@@ -47,6 +48,8 @@ std::optional<Range> wholeRange(SettingKey key) {
       return awakeMinutesRange;
     case SettingKey::waybarSignal:
       return waybarSignalRange;
+    case SettingKey::agentIdleMinutes:
+      return agentIdleMinutesRange;
     default:
       return std::nullopt;
   }
@@ -98,6 +101,9 @@ Decoded<Settings> parseSettings(std::string_view json) {
     whole(SettingKey::publishSeconds, settings.publishSeconds);
     whole(SettingKey::awakeMinutes, settings.awakeMinutes);
     whole(SettingKey::waybarSignal, settings.waybarSignal);
+    boolean(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
+    whole(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
+    boolean(SettingKey::agentNotices, settings.agentNotices);
     if (const Json* value = member(SettingKey::memoryDisplayMode)) {
       const auto raw = json_reader::readString(*value, keyText(SettingKey::memoryDisplayMode));
       const auto mode = displayModeFromRaw(raw);
@@ -126,6 +132,9 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   set(SettingKey::awakeMinutes, settings.awakeMinutes);
   set(SettingKey::memoryDisplayMode, std::string(rawValue(settings.memoryDisplayMode)));
   set(SettingKey::waybarSignal, settings.waybarSignal);
+  set(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
+  set(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
+  set(SettingKey::agentNotices, settings.agentNotices);
   return document;
 }
 
@@ -157,12 +166,15 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::temperature:
     case SettingKey::codex:
     case SettingKey::claude:
+    case SettingKey::awakeWhileAgentsWork:
+    case SettingKey::agentNotices:
       if (text == "true") return true;
       if (text == "false") return false;
       throw UsageError(name + ": not a boolean: \"" + displayText(text) + "\"; valid: true, false");
     case SettingKey::publishSeconds:
     case SettingKey::awakeMinutes:
     case SettingKey::waybarSignal:
+    case SettingKey::agentIdleMinutes:
       return wholeValue(name, text, *wholeRange(*key));
   }
   return nullptr;

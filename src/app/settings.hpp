@@ -21,6 +21,9 @@ struct Settings {
   int awakeMinutes = 60;                 // the default length of a Keep Awake session
   DisplayMode memoryDisplayMode = DisplayMode::usedPercent;  // the memory figure's form
   int waybarSignal = 0;  // after a publication, SIGRTMIN+N to the user's waybar; 0 sends none
+  bool awakeWhileAgentsWork = true;  // keep the machine awake while Codex or Claude Code writes
+  int agentIdleMinutes = 5;          // minutes without a write after which an agent counts as done
+  bool agentNotices = true;          // notify when the agents' hold starts and ends
 
   friend bool operator==(const Settings&, const Settings&) = default;
 };
@@ -33,11 +36,14 @@ enum class SettingKey {
   publishSeconds,
   awakeMinutes,
   memoryDisplayMode,
-  waybarSignal
+  waybarSignal,
+  awakeWhileAgentsWork,
+  agentIdleMinutes,
+  agentNotices
 };
 
 // The keys of the settings file, in the order they are listed.
-inline constexpr Words<SettingKey, 8> settingKeyWords{{
+inline constexpr Words<SettingKey, 11> settingKeyWords{{
     {"temperature", SettingKey::temperature},
     {"codex", SettingKey::codex},
     {"claude", SettingKey::claude},
@@ -46,6 +52,9 @@ inline constexpr Words<SettingKey, 8> settingKeyWords{{
     {"awakeMinutes", SettingKey::awakeMinutes},
     {"memoryDisplayMode", SettingKey::memoryDisplayMode},
     {"waybarSignal", SettingKey::waybarSignal},
+    {"awakeWhileAgentsWork", SettingKey::awakeWhileAgentsWork},
+    {"agentIdleMinutes", SettingKey::agentIdleMinutes},
+    {"agentNotices", SettingKey::agentNotices},
 }};
 
 // The key as the settings file writes it.

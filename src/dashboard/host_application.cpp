@@ -51,12 +51,20 @@ void complain(GApplicationCommandLine* invocation, const std::string& line) {
 }
 
 std::string statusLine(const std::optional<AwakeSession>& session,
-                       const std::vector<Inhibitor>& held) {
-  if (!session) return _("Keep Awake is off.");
-  const std::string until = session->endsAt
+                       const std::optional<AgentHold>& agents, const std::vector<Inhibitor>& held) {
+  if (!session && !agents) return _("Keep Awake is off.");
+  const std::string until = !session ? _("while ") + agentsWorkingText(agents->agents)
+                            : session->endsAt
                                 ? _("until ") + shortTimeOrDateTime(*session->endsAt, clock::now())
                                 : _("until stopped");
   return _("Keep Awake is on ") + until + " (" + joined(held, ", ", inhibitorWord) + ").";
+}
+
+// "This machine stays awake until Codex has been quiet for 5 min.": when the agents' hold lets go.
+std::string quietText(const AgentHold& hold, const Settings& settings) {
+  return _("This machine stays awake until ") + joined(hold.agents, _(" and "), agentName) +
+         (hold.agents.size() == 1 ? _(" has been quiet for ") : _(" have been quiet for ")) +
+         std::to_string(settings.agentIdleMinutes) + _(" min.");
 }
 
 }  // namespace
@@ -104,15 +112,19 @@ void HostApplication::startup() {
         },
         this);
   }
-  publishing_ = std::make_unique<PublishLoop>(std::cerr);
-  publishing_->start();
+  settings_ = settings_file::load(std::cerr);
   keepAwake_ = std::make_unique<KeepAwake>(
-      std::cerr, clockRate_, gtk::sessionBus(), [this] { awakeChanged(); },
-      [] {
-        gtk::sendNotification(_("Keep Awake ended"),
-                              _("This machine may sleep again when it is idle."), "Korvo");
-      });
+      std::cerr, clockRate_, gtk::sessionBus(),
+      KeepAwake::Events{[this] { awakeChanged(); }, [this] { sessionRanOut(); },
+                        [this](bool started) { agentsHold(started); }});
   keepAwake_->resume();
+  keepAwake_->watchAgents(settings_);
+  publishing_ = std::make_unique<PublishLoop>(std::cerr);
+  publishing_->onSettingsRead([this](const Settings& settings) {
+    settings_ = settings;
+    keepAwake_->watchAgents(settings);
+  });
+  publishing_->start();
   if (!graphical_) return;
   tray_ = std::make_unique<TrayIndicator>(
       TrayIndicator::Actions{[this](DashboardTab tab) {
@@ -175,9 +187,11 @@ int HostApplication::commandLine(GApplicationCommandLine* invocation) {
 int HostApplication::carryOut(const AwakeCommand& command, GApplicationCommandLine* invocation) {
   using Action = AwakeCommand::Action;
   if (command.action == Action::status) {
-    say(invocation, command.json
-                        ? awakeStatusDocument(keepAwake_->session(), keepAwake_->held()).dump()
-                        : statusLine(keepAwake_->session(), keepAwake_->held()));
+    say(invocation,
+        command.json
+            ? awakeStatusDocument(keepAwake_->session(), keepAwake_->agents(), keepAwake_->held())
+                  .dump()
+            : statusLine(keepAwake_->session(), keepAwake_->agents(), keepAwake_->held()));
     return exitSuccess;
   }
   const AwakeDuration duration =
@@ -218,6 +232,29 @@ DashboardWindow* HostApplication::dashboard() {
 void HostApplication::awakeChanged() {
   if (dashboard_) dashboard_->awakeChanged();
   if (tray_) tray_->setAwake(keepAwake_->session().has_value());
+}
+
+void HostApplication::sessionRanOut() {
+  const auto agents = keepAwake_->agents();
+  gtk::sendNotification(
+      _("Keep Awake ended"),
+      agents ? quietText(*agents, settings_) : _("This machine may sleep again when it is idle."),
+      "Korvo");
+}
+
+void HostApplication::agentsHold(bool started) {
+  if (!settings_.agentNotices) return;
+  if (started) {
+    if (const auto agents = keepAwake_->agents()) {
+      gtk::sendNotification(agentsWorkingText(agents->agents), quietText(*agents, settings_),
+                            "Korvo");
+    }
+  } else {
+    gtk::sendNotification(_("Codex and Claude Code are quiet"),
+                          _("Nothing written for ") + std::to_string(settings_.agentIdleMinutes) +
+                              _(" min: this machine may sleep again when it is idle."),
+                          "Korvo");
+  }
 }
 
 void HostApplication::showFigure() {

@@ -38,11 +38,14 @@ class HostApplication {
   int open(const OpenDashboard& command, GApplicationCommandLine* invocation);
   DashboardWindow* dashboard();
   void awakeChanged();
+  void sessionRanOut();
+  void agentsHold(bool started);
   void showFigure();
 
   GApplication* application_;
   bool graphical_;
   double clockRate_;
+  Settings settings_;  // as the last publication read them
   std::unique_ptr<PublishLoop> publishing_;
   std::unique_ptr<KeepAwake> keepAwake_;
   std::unique_ptr<DashboardWindow> dashboard_;

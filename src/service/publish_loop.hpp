@@ -38,6 +38,10 @@ class PublishLoop {
   // Disarms both and stops a publication under way (one waiting for the lock gives up at once);
   // nothing is published after it.
   void stop();
+  // `read` gets the settings each publication read, on the main context, after it.
+  void onSettingsRead(std::function<void(const Settings&)> read) {
+    settingsRead_ = std::move(read);
+  }
 
  private:
   // What a publication hands back to the main context.
@@ -58,6 +62,7 @@ class PublishLoop {
   LoadSettings load_;
   Publish publish_;
   std::ostream& log_;
+  std::function<void(const Settings&)> settingsRead_;
   Settings settings_;
   guint timer_ = 0;
   guint settle_ = 0;

@@ -69,7 +69,8 @@ TEST(KorvoMessagesTest, AnEmptyValueIsRefusedNotTakenForNone) {
            "availablePercent, availableGB, usedOfTotal\n"},
           {{"settings", ""},
            "korvo: unknown setting \"\"; valid: temperature, codex, claude, codexHome, "
-           "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal\n"},
+           "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, "
+           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
           {{"open", ""},
            "korvo: not a korvo:// link: \"\"; valid: korvo://usage, korvo://ai, "
            "korvo://resources, korvo://memory, korvo://awake\n"},
@@ -94,7 +95,8 @@ TEST(KorvoMessagesTest, ValuesEchoedAreEscapedOntoOneLine) {
            "korvo: temperature: not a boolean: \"on\\nyes\"; valid: true, false\n"},
           {{"settings", "col\x1bour", "red"},
            "korvo: unknown setting \"col\\x1Bour\"; valid: temperature, codex, claude, "
-           "codexHome, publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal\n"},
+           "codexHome, publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, "
+           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
           {{"settings", "codexHome", "relative\r"},
            "korvo: codexHome: not an absolute path: \"relative\\r\"\n"},
           {{"publish", "--now", "noon\n"},

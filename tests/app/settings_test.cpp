@@ -16,6 +16,8 @@ TEST(SettingsTest, MissingKeysTakeTheirDefaultsAndUnknownKeysAreIgnored) {
   EXPECT_EQ(std::get<Settings>(settings), Settings{});
   EXPECT_EQ(Settings{}.publishSeconds, 60);
   EXPECT_EQ(Settings{}.awakeMinutes, 60);
+  EXPECT_EQ(Settings{}.agentIdleMinutes, 5);
+  EXPECT_TRUE(Settings{}.awakeWhileAgentsWork && Settings{}.agentNotices);
   EXPECT_TRUE(Settings{}.temperature && Settings{}.codex && Settings{}.claude);
 }
 
@@ -23,8 +25,10 @@ TEST(SettingsTest, EveryKeyIsRead) {
   const auto settings =
       parseSettings(R"({"temperature":false,"codex":false,"claude":false,"codexHome":"/srv/codex",)"
                     R"("publishSeconds":5,"awakeMinutes":90,"memoryDisplayMode":"usedGB",)"
-                    R"("waybarSignal":8})");
-  const Settings expected{false, false, false, "/srv/codex", 5, 90, DisplayMode::usedGB, 8};
+                    R"("waybarSignal":8,"awakeWhileAgentsWork":false,"agentIdleMinutes":240,)"
+                    R"("agentNotices":false})");
+  const Settings expected{false, false, false, "/srv/codex", 5, 90, DisplayMode::usedGB,
+                          8,     false, 240,   false};
   EXPECT_EQ(std::get<Settings>(settings), expected);
 }
 
@@ -39,6 +43,10 @@ TEST(SettingsTest, BadDocumentsNameTheirFault) {
       {R"({"publishSeconds":3601})", "publishSeconds"},
       {R"({"publishSeconds":60.5})", "publishSeconds"},
       {R"({"awakeMinutes":0})", "awakeMinutes"},
+      {R"({"agentIdleMinutes":0})", "agentIdleMinutes must be a whole number in 1–240"},
+      {R"({"agentIdleMinutes":241})", "agentIdleMinutes"},
+      {R"({"awakeWhileAgentsWork":"on"})", "awakeWhileAgentsWork"},
+      {R"({"agentNotices":0})", "agentNotices"},
       {R"({"waybarSignal":31})", "waybarSignal must be a whole number in 0–30"},
       {R"({"memoryDisplayMode":"percent"})", "memoryDisplayMode must be one of usedPercent"},
       {R"({"codexHome":"relative/codex"})", "codexHome must be an absolute path"},
@@ -56,6 +64,9 @@ TEST(SettingsTest, CommandLineValuesBecomeJsonValuesOfTheirKey) {
   EXPECT_EQ(settingValue("claude", "true"), true);
   EXPECT_EQ(settingValue("publishSeconds", "3600"), 3600);
   EXPECT_EQ(settingValue("awakeMinutes", "15"), 15);
+  EXPECT_EQ(settingValue("awakeWhileAgentsWork", "false"), false);
+  EXPECT_EQ(settingValue("agentIdleMinutes", "240"), 240);
+  EXPECT_EQ(settingValue("agentNotices", "true"), true);
   EXPECT_EQ(settingValue("memoryDisplayMode", "availableGB"), "availableGB");
   EXPECT_EQ(settingValue("codexHome", "/srv/codex"), "/srv/codex");
   EXPECT_TRUE(settingValue("codexHome", "").is_null());
@@ -67,6 +78,8 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
       {"publishSeconds", "4", "5–3600"},
       {"publishSeconds", "60s", "5–3600"},
       {"awakeMinutes", "", "1–1440"},
+      {"agentIdleMinutes", "0", "1–240"},
+      {"agentNotices", "no", "valid: true, false"},
       {"memoryDisplayMode", "used", "valid: usedPercent, usedGB, availablePercent"},
       {"codexHome", "codex", "not an absolute path"},
       {"colour", "red", "valid: temperature, codex, claude, codexHome, publishSeconds"},
@@ -84,7 +97,8 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
 TEST(SettingsTest, TheDocumentListsEveryKeyInOrder) {
   EXPECT_EQ(settingsDocument(Settings{}).dump(),
             R"({"temperature":true,"codex":true,"claude":true,"publishSeconds":60,)"
-            R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent","waybarSignal":0})");
+            R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent","waybarSignal":0,)"
+            R"("awakeWhileAgentsWork":true,"agentIdleMinutes":5,"agentNotices":true})");
 }
 
 }  // namespace
