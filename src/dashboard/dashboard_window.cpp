@@ -35,7 +35,7 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
       appearance_(std::nullopt, [this] { appearanceChanged(); }),
       ai_(appearance_),
       memory_(appearance_),
-      awake_(keepAwake, [this] { return current_.awakeMinutes; }) {
+      awake_(keepAwake, current_) {
   gtk_window_set_title(GTK_WINDOW(window_), std::string(AppIdentity::applicationTitle).c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);
   gtk_window_set_icon_name(GTK_WINDOW(window_), "com.tessmoor.Korvo");

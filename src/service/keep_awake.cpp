@@ -62,7 +62,7 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
   const auto held = inhibitors_.take(sessionReason, faults);
   if (held.empty()) {
     if (session_) end(false);
-    return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; ")};
+    return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; "), true};
   }
   // A session the state file does not hold would be lost by a restarted service: not started.
   try {

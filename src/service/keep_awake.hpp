@@ -25,6 +25,7 @@ class KeepAwake {
   struct Outcome {
     int exitCode = 0;
     std::string message;
+    bool refused = false;  // neither inhibitor could be taken
     friend bool operator==(const Outcome&, const Outcome&) = default;
   };
 
