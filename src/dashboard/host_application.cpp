@@ -17,7 +17,7 @@
 #include "base/text.hpp"
 #include "dashboard/dashboard_window.hpp"
 #include "dashboard/tray_indicator.hpp"
-#include "gtk/notification.hpp"
+#include "gtk/notifier.hpp"
 #include "gtk/session_bus.hpp"
 #include "sampling/memory_format.hpp"
 #include "sampling/system_sampler.hpp"
@@ -28,6 +28,8 @@ namespace {
 
 // Seconds between two readings of the memory figure the indicator shows.
 constexpr guint figureSeconds = 60;
+// What "Extend 30 min" on the notification of a session's end adds.
+constexpr std::int64_t extendSeconds = 30 * 60;
 
 HostApplication& hostOf(gpointer self) {
   return *static_cast<HostApplication*>(self);
@@ -91,8 +93,9 @@ HostApplication::~HostApplication() {
   if (figureTimer_ != 0) g_source_remove(figureTimer_);
   tray_.reset();
   dashboard_.reset();
-  keepAwake_.reset();
   publishing_.reset();
+  keepAwake_.reset();
+  notifier_.reset();
   g_object_unref(application_);
 }
 
@@ -113,6 +116,7 @@ void HostApplication::startup() {
         this);
   }
   settings_ = settings_file::load(std::cerr);
+  notifier_ = std::make_unique<gtk::Notifier>(gtk::sessionBus());
   keepAwake_ = std::make_unique<KeepAwake>(
       std::cerr, clockRate_, gtk::sessionBus(),
       KeepAwake::Events{[this] { awakeChanged(); }, [this] { sessionRanOut(); },
@@ -236,24 +240,27 @@ void HostApplication::awakeChanged() {
 
 void HostApplication::sessionRanOut() {
   const auto agents = keepAwake_->agents();
-  gtk::sendNotification(
+  const auto openAwake = [this] {
+    if (graphical_) dashboard()->present({DashboardTab::awake, std::nullopt});
+  };
+  notifier_->send(
       _("Keep Awake ended"),
       agents ? quietText(*agents, settings_) : _("This machine may sleep again when it is idle."),
-      "Korvo");
+      {{"extend", _("Extend 30 min"), [this] { keepAwake_->extend(AwakeDuration{extendSeconds}); }},
+       {"open", _("Open Keep Awake"), openAwake},
+       {"default", _("Open Keep Awake"), openAwake}});
 }
 
 void HostApplication::agentsHold(bool started) {
   if (!settings_.agentNotices) return;
   if (started) {
     if (const auto agents = keepAwake_->agents()) {
-      gtk::sendNotification(agentsWorkingText(agents->agents), quietText(*agents, settings_),
-                            "Korvo");
+      notifier_->send(agentsWorkingText(agents->agents), quietText(*agents, settings_));
     }
   } else {
-    gtk::sendNotification(_("Codex and Claude Code are quiet"),
-                          _("Nothing written for ") + std::to_string(settings_.agentIdleMinutes) +
-                              _(" min: this machine may sleep again when it is idle."),
-                          "Korvo");
+    notifier_->send(_("Codex and Claude Code are quiet"),
+                    _("Nothing written for ") + std::to_string(settings_.agentIdleMinutes) +
+                        _(" min: this machine may sleep again when it is idle."));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/host_command.hpp"
+#include "gtk/notifier.hpp"
 #include "service/keep_awake.hpp"
 #include "service/publish_loop.hpp"
 
@@ -46,6 +47,7 @@ class HostApplication {
   bool graphical_;
   double clockRate_;
   Settings settings_;  // as the last publication read them
+  std::unique_ptr<gtk::Notifier> notifier_;
   std::unique_ptr<PublishLoop> publishing_;
   std::unique_ptr<KeepAwake> keepAwake_;
   std::unique_ptr<DashboardWindow> dashboard_;

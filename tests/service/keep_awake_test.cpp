@@ -75,6 +75,33 @@ TEST_F(KeepAwakeTest, TheSessionEndsAtItsEndReleasesBothAndSaysSo) {
               HasSubstr("'Keep Awake ended'"));
 }
 
+TEST_F(KeepAwakeTest, TheEndNoticeCarriesTheIconAndItsExtendActionStartsHalfAnHourMore) {
+  mockLogind();
+  mockSessionManager();
+  mockNotifications();
+  startService();
+  const auto notices = [&] {
+    return callsTo("org.freedesktop.Notifications", "/org/freedesktop/Notifications");
+  };
+  ASSERT_EQ(korvo({"awake", "start", "1s"}).exitCode, 0);
+  ASSERT_TRUE(waitFor([&] { return notices().find("'Keep Awake ended'") != std::string::npos; }));
+  EXPECT_THAT(notices(), HasSubstr("'Notify', [<'Korvo'>, <uint32 0>, <'com.tessmoor.Korvo'>, "
+                                   "<'Keep Awake ended'>"));
+  EXPECT_THAT(notices(), HasSubstr("<['extend', 'Extend 30 min', 'open', 'Open Keep Awake', "
+                                   "'default', 'Open Keep Awake']>"));
+  EXPECT_EQ(status()["active"], false);
+
+  const double before = clock::now().secondsSinceReferenceDate;
+  call(buses, false, "org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+       std::string(mockInterface) + ".EmitSignal",
+       {"org.freedesktop.Notifications", "ActionInvoked", "us", "[<uint32 1>, <'extend'>]"});
+  ASSERT_TRUE(waitFor([&] { return status()["active"] == true; }));
+  const double endsAt = status()["endsAt"].get<double>();
+  EXPECT_GE(endsAt, before + 1800);
+  EXPECT_LE(endsAt, clock::now().secondsSinceReferenceDate + 1800);
+  EXPECT_THAT(logindInhibitors(), HasSubstr(heldByKorvo));
+}
+
 TEST_F(KeepAwakeTest, AKilledServiceLeavesNoLogindInhibitorBehind) {
   mockLogind();
   mockSessionManager();
