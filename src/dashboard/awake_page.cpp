@@ -3,10 +3,10 @@
 #include <cmath>
 #include <iostream>
 
+#include "app/awake_state_line.hpp"
 #include "app/settings_file.hpp"
 #include "base/c_format.hpp"
 #include "base/clock.hpp"
-#include "base/date_text.hpp"
 #include "base/exit_codes.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
@@ -33,26 +33,6 @@ std::string timeLeft(Date end, Date now) {
   const auto seconds = static_cast<long long>(std::ceil(std::max(0.0, end.secondsSince(now))));
   return cFormat("%lld:%02lld:%02lld", seconds / 3600, seconds / 60 % 60, seconds % 60) +
          _(" left");
-}
-
-// The one line that says what keeps the machine awake, true whatever the state.
-std::string stateLine(const std::optional<AwakeSession>& session,
-                      const std::optional<AgentHold>& agents, bool anyHeld) {
-  const Date now = clock::now();
-  if (agents && !anyHeld) {
-    return agentsWorkingText(agents->agents) + _(", but this machine cannot be kept awake.");
-  }
-  const std::string whileAgents =
-      agents ? _("while ") + agentsWorkingText(agents->agents) : std::string();
-  if (!session) {
-    return agents ? _("Keeping this machine awake ") + whileAgents + "."
-                  : _("Keep Awake is off: this machine sleeps as usual.");
-  }
-  std::string line = session->endsAt ? _("Keeping this machine awake until ") +
-                                           shortTimeOrDateTime(*session->endsAt, now)
-                                     : _("Keeping this machine awake until you stop it");
-  if (agents) line += _(", and ") + whileAgents;
-  return line + ".";
 }
 
 // What holding one inhibitor of the two means, or nothing when both or neither are held.
@@ -160,13 +140,13 @@ void AwakePage::refresh() {
   const auto held = keepAwake_.held();
   // A refusal holds no longer once an inhibitor is held.
   if (refused_ && !held.empty()) error_.clear();
-  gchar* markup = g_markup_printf_escaped("<big><b>%s</b></big>",
-                                          stateLine(session, agents, !held.empty()).c_str());
+  gchar* markup = g_markup_printf_escaped(
+      "<big><b>%s</b></big>", awakeStateLine(session, agents, !held.empty(), clock::now()).c_str());
   gtk_label_set_markup(GTK_LABEL(state_), markup);
   g_free(markup);
   const std::string heldText = joined(held, ", ", [](Inhibitor inhibitor) {
     return inhibitor == Inhibitor::logind ? _("the system's (no suspend)")
-                                          : _("the desktop session's (no idle, no suspend)");
+                                          : _("the desktop session's (the screen stays on)");
   });
   gtk_label_set_text(GTK_LABEL(inhibitors_), (_("Inhibitors held: ") + heldText).c_str());
   gtk_widget_set_visible(inhibitors_, gtk::glibBool(!held.empty()));

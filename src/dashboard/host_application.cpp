@@ -4,10 +4,12 @@
 #include <gtk/gtk.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <csignal>
 #include <iostream>
 #include <sstream>
 
+#include "app/awake_state_line.hpp"
 #include "app/settings_file.hpp"
 #include "base/clock.hpp"
 #include "base/command_line_words.hpp"
@@ -127,23 +129,18 @@ void HostApplication::startup() {
   publishing_->onSettingsRead([this](const Settings& settings) {
     settings_ = settings;
     keepAwake_->watchAgents(settings);
+    showAwake();
   });
   publishing_->start();
   if (!graphical_) return;
-  tray_ = std::make_unique<TrayIndicator>(
-      TrayIndicator::Actions{[this](DashboardTab tab) {
-                               dashboard()->present({tab, std::nullopt});
-                             },
-                             [this] {
-                               if (keepAwake_->session()) {
-                                 keepAwake_->stop();
-                               } else {
-                                 const auto settings = settings_file::load(std::cerr);
-                                 keepAwake_->start(AwakeDuration{settings.awakeMinutes * 60LL});
-                               }
-                             },
-                             [this] { dashboard()->presentSettings(); }, [this] { quit(); }});
-  tray_->setAwake(keepAwake_->session().has_value());
+  tray_ = std::make_unique<TrayIndicator>(TrayIndicator::Actions{
+      [this](DashboardTab tab) {
+        dashboard()->present({tab, std::nullopt});
+      },
+      [this](AwakeDuration duration) { told(keepAwake_->start(duration)); },
+      [this] { told(keepAwake_->stop()); }, [this](bool on) { watchAgents(on); },
+      [this] { dashboard()->presentSettings(); }, [this] { quit(); }});
+  showAwake();
   showFigure();
   figureTimer_ = g_timeout_add_seconds(
       figureSeconds,
@@ -235,7 +232,45 @@ DashboardWindow* HostApplication::dashboard() {
 
 void HostApplication::awakeChanged() {
   if (dashboard_) dashboard_->awakeChanged();
-  if (tray_) tray_->setAwake(keepAwake_->session().has_value());
+  showAwake();
+}
+
+void HostApplication::showAwake() {
+  if (!tray_) return;
+  const auto& session = keepAwake_->session();
+  const auto agents = keepAwake_->agents();
+  const Date now = clock::now();
+  TrayAwake awake;
+  awake.kept = !keepAwake_->held().empty();
+  awake.session = session.has_value();
+  if (session && session->endsAt) {
+    awake.minutesLeft =
+        std::max(1, static_cast<int>(std::ceil(session->endsAt->secondsSince(now) / 60)));
+  }
+  awake.watchAgents = settings_.awakeWhileAgentsWork;
+  awake.state = awakeStateLine(session, agents, awake.kept, now);
+  tray_->setAwake(awake);
+}
+
+void HostApplication::told(const KeepAwake::Outcome& outcome) {
+  if (outcome.exitCode == exitSuccess) return;
+  notifier_->send(_("Cannot keep this machine awake"),
+                  outcome.refused ? _("Neither the system nor the desktop session accepted the "
+                                      "request.")
+                                  : outcome.message);
+}
+
+void HostApplication::watchAgents(bool on) {
+  try {
+    settings_file::set(settingKeyWord(SettingKey::awakeWhileAgentsWork), on);
+  } catch (const std::exception& error) {
+    std::cerr << "korvo service: " << error.what() << std::endl;
+    showAwake();
+    return;
+  }
+  settings_.awakeWhileAgentsWork = on;
+  keepAwake_->watchAgents(settings_);
+  showAwake();
 }
 
 void HostApplication::sessionRanOut() {
@@ -269,6 +304,7 @@ void HostApplication::showFigure() {
   const auto reading = sampler.readMemory();
   const auto mode = settings_file::load(std::cerr).memoryDisplayMode;
   tray_->setFigure(reading ? MemoryFormat::modeText(*reading, mode) : "—");
+  showAwake();  // the minutes left, on the same wake-up
 }
 
 }  // namespace korvo

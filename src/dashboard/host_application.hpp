@@ -39,6 +39,11 @@ class HostApplication {
   int open(const OpenDashboard& command, GApplicationCommandLine* invocation);
   DashboardWindow* dashboard();
   void awakeChanged();
+  // The tray's Keep Awake: icon, title, Stop's minutes and the agents' switch.
+  void showAwake();
+  // A failed command from the tray, in a notification.
+  void told(const KeepAwake::Outcome& outcome);
+  void watchAgents(bool on);
   void sessionRanOut();
   void agentsHold(bool started);
   void showFigure();
