@@ -8,7 +8,9 @@
 #include "support/process_run.hpp"
 
 // The status icon against a mock org.kde.StatusNotifierWatcher on a private session bus: the
-// service registers its item, and the item's menu (exported over dbusmenu) opens the tabs.
+// service registers its item, and the item's menu (exported over dbusmenu) opens the tabs,
+// starts and stops Keep Awake and switches the agents' watch; the icon follows. With it, the
+// notice of a session's end opening the Awake tab, through the notification mock's signal.
 namespace korvo {
 namespace {
 
@@ -208,6 +210,34 @@ TEST_F(TrayIndicatorTest, TheAgentsSwitchTurnsTheWatchOffAndOn) {
   }));
   click(title);
   EXPECT_TRUE(waitFor([&] { return watching(); }));
+}
+
+TEST_F(TrayIndicatorTest, OpenKeepAwakeOnTheNoticeOfASessionsEndShowsTheAwakeTab) {
+  const std::string manager = "org.gnome.SessionManager";
+  bus_test::Mock sessionManager(environment, folder.path(),
+                                {manager, "/org/gnome/SessionManager", manager}, manager, false);
+  for (const auto& method : std::vector<std::vector<std::string>>{
+           {"", "Inhibit", "susu", "u", "ret = 42"}, {"", "Uninhibit", "u", "", ""}}) {
+    bus_test::call(environment, false, manager, "/org/gnome/SessionManager",
+                   "org.freedesktop.DBus.Mock.AddMethod", method);
+  }
+  const std::string server = "org.freedesktop.Notifications";
+  bus_test::Mock notifications(environment, folder.path(), {"--template", "notification_daemon"},
+                               server, false);
+  startService();
+  ASSERT_EQ(
+      testing_support::runProgram(KORVO_APP_BINARY, {"awake", "start", "1s"}, environment).exitCode,
+      0);
+  ASSERT_TRUE(waitFor([&] {
+    return bus_test::call(environment, false, server, "/org/freedesktop/Notifications",
+                          "org.freedesktop.DBus.Mock.GetCalls")
+               .find("'Keep Awake ended'") != std::string::npos;
+  }));
+  EXPECT_NE(page(), "awake") << "no dashboard was shown before";
+  bus_test::call(environment, false, server, "/org/freedesktop/Notifications",
+                 "org.freedesktop.DBus.Mock.EmitSignal",
+                 {server, "ActionInvoked", "us", "[<uint32 1>, <'open'>]"});
+  EXPECT_TRUE(waitFor([&] { return page() == "awake"; }));
 }
 
 }  // namespace
