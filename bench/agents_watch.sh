@@ -38,11 +38,14 @@ measure() {  # watch (true|false) writing (yes|no): prints "wake-ups/min CPU-ms"
   sleep 3
   local pid; pid="$(pgrep -n -P "$launcher" || true)"; pid="${pid:-$launcher}"
   local rollout="$CODEX_HOME/sessions/2025/12/31/rollout-now.jsonl"
+  # Codex keeps its rollout open and appends a line at a time.
+  exec 3>>"$rollout"
   local w0 c0; w0=$(wakeups "$pid"); c0=$(cpu_ns "$pid")
   for _ in $(seq "$seconds"); do
-    [ "$2" = yes ] && echo '{"type":"event_msg","payload":{"type":"agent_message"}}' >>"$rollout"
+    [ "$2" = yes ] && echo '{"type":"event_msg","payload":{"type":"agent_message"}}' >&3
     sleep 1
   done
+  exec 3>&-
   local w c; w=$(($(wakeups "$pid") - w0)); c=$(($(cpu_ns "$pid") - c0))
   kill "$launcher"; wait "$launcher" 2>/dev/null || true; kill "$bus"
   awk -v w="$w" -v c="$c" -v s="$seconds" 'BEGIN { printf "%8.2f %10.1f", w * 60 / s, c / 1e6 }'

@@ -61,7 +61,10 @@ std::string statusLine(const std::optional<AwakeSession>& session,
                             : session->endsAt
                                 ? _("until ") + shortTimeOrDateTime(*session->endsAt, clock::now())
                                 : _("until stopped");
-  return _("Keep Awake is on ") + until + " (" + joined(held, ", ", inhibitorWord) + ").";
+  // The agents' hold stands even when no inhibitor could be had: the line says so.
+  const std::string inhibitors =
+      held.empty() ? _("no inhibitor held") : joined(held, ", ", inhibitorWord);
+  return _("Keep Awake is on ") + until + " (" + inhibitors + ").";
 }
 
 // "This machine stays awake until Codex has been quiet for 5 min.": when the agents' hold lets go.

@@ -10,6 +10,12 @@ namespace {
 
 constexpr std::array agents{Agent::codex, Agent::claudeCode};
 
+// An agent at work writes a line every second or so. Being told of a file's writes a few times
+// in each quiet time is all the hold needs, and every report wakes the service: at most six in
+// a quiet time, and never more than one each 10 s.
+constexpr double reportsPerQuietTime = 6;
+constexpr int longestReportGap = 10000;  // milliseconds
+
 std::size_t indexOf(Agent agent) {
   return agent == Agent::codex ? 0 : 1;
 }
@@ -30,24 +36,24 @@ AgentWatch::~AgentWatch() {
 void AgentWatch::watch(bool enabled, int idleMinutes, const Folders& folders) {
   const double idleSeconds = enabled ? idleMinutes * 60.0 : 0;
   if (enabled == enabled_ && idleSeconds == idleSeconds_ && folders == folders_) return;
-  const bool moved = folders != folders_ || enabled != enabled_;
   enabled_ = enabled;
   idleSeconds_ = idleSeconds;
   folders_ = folders;
-  if (moved) {
-    for (auto& watch : watches_) watch.reset();
-    lastWrites_ = {};
-    if (enabled) {
-      const std::array<std::optional<std::filesystem::path>, 2> roots{folders.codexSessions,
-                                                                      folders.claudeProjects};
-      for (const Agent agent : agents) {
-        const auto index = indexOf(agent);
-        if (!roots[index]) continue;
-        watches_[index] = std::make_unique<FolderTreeWatch>(
-            *roots[index], ".jsonl", [this, agent](double moment) { wrote(agent, moment); });
-        // An agent that wrote shortly before the service started is still working.
-        if (const auto newest = watches_[index]->newestAtStart()) wrote(agent, *newest);
-      }
+  for (auto& watch : watches_) watch.reset();
+  lastWrites_ = {};
+  if (enabled) {
+    const std::array<std::optional<std::filesystem::path>, 2> roots{folders.codexSessions,
+                                                                    folders.claudeProjects};
+    const int reportGap = std::min(
+        longestReportGap, static_cast<int>(idleSeconds * 1000 / clockRate_ / reportsPerQuietTime));
+    for (const Agent agent : agents) {
+      const auto index = indexOf(agent);
+      if (!roots[index]) continue;
+      watches_[index] =
+          std::make_unique<FolderTreeWatch>(*roots[index], ".jsonl", reportGap,
+                                            [this, agent](double moment) { wrote(agent, moment); });
+      // An agent that wrote shortly before the watch began is still working.
+      if (const auto newest = watches_[index]->newestAtStart()) wrote(agent, *newest);
     }
   }
   settle();

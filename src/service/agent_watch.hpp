@@ -34,7 +34,7 @@ class AgentWatch {
   AgentWatch& operator=(const AgentWatch&) = delete;
 
   // Watches `folders` with `idleMinutes` of quiet before an agent counts as done; nothing when
-  // not `enabled`. Only what differs from the last call is set up again.
+  // not `enabled`. The same as the last call changes nothing.
   void watch(bool enabled, int idleMinutes, const Folders& folders);
 
   // The agents working now and until when; none while none is.

@@ -1,5 +1,7 @@
 #include "service/folder_tree_watch.hpp"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -38,11 +40,22 @@ double unixNow() {
   return static_cast<double>(g_get_real_time()) / G_USEC_PER_SEC;
 }
 
+// When the file at `path` was last written, in Unix seconds; now when it cannot be told.
+double modifiedAt(const std::filesystem::path& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return unixNow();
+  return static_cast<double>(status.st_mtim.tv_sec) +
+         static_cast<double>(status.st_mtim.tv_nsec) / 1e9;
+}
+
 }  // namespace
 
-FolderTreeWatch::FolderTreeWatch(std::filesystem::path root, std::string suffix,
+FolderTreeWatch::FolderTreeWatch(std::filesystem::path root, std::string suffix, int changesEvery,
                                  std::function<void(double)> wrote)
-    : root_(std::move(root)), suffix_(std::move(suffix)), wrote_(std::move(wrote)) {
+    : root_(std::move(root)),
+      suffix_(std::move(suffix)),
+      changesEvery_(changesEvery),
+      wrote_(std::move(wrote)) {
   approach();
 }
 
@@ -105,6 +118,7 @@ void FolderTreeWatch::watchFolder(const std::filesystem::path& folder) {
       g_file_monitor_directory(directory, G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr);
   g_object_unref(directory);
   if (monitor == nullptr) return;
+  g_file_monitor_set_rate_limit(monitor, changesEvery_);
   g_signal_connect(monitor, "changed", G_CALLBACK(onChanged), this);
   monitors_.emplace(folder, monitor);
 }
@@ -157,9 +171,13 @@ void FolderTreeWatch::changed(GFile* file, GFile* other, GFileMonitorEvent event
     watchTree(arrived, wrote_);
     return;
   }
-  const bool written = arriving || event == G_FILE_MONITOR_EVENT_CHANGED ||
-                       event == G_FILE_MONITOR_EVENT_CHANGES_DONE_HINT;
-  if (written && matches(arrived.filename().string())) wrote_(unixNow());
+  if (!matches(arrived.filename().string())) return;
+  if (event == G_FILE_MONITOR_EVENT_CREATED || event == G_FILE_MONITOR_EVENT_CHANGED ||
+      event == G_FILE_MONITOR_EVENT_CHANGES_DONE_HINT) {
+    wrote_(unixNow());
+  } else if (arriving) {
+    wrote_(modifiedAt(arrived));  // moved in: written whenever it was, perhaps long ago
+  }
 }
 
 }  // namespace korvo

@@ -18,8 +18,9 @@ namespace korvo {
 class FolderTreeWatch {
  public:
   // `wrote` gets the moment of the write in Unix seconds (the file's modification time for files
-  // found by looking through a folder).
-  FolderTreeWatch(std::filesystem::path root, std::string suffix,
+  // found by looking through a folder). A file written again and again is told of at most once
+  // every `changesEvery` milliseconds (a new file at once).
+  FolderTreeWatch(std::filesystem::path root, std::string suffix, int changesEvery,
                   std::function<void(double)> wrote);
   ~FolderTreeWatch();
   FolderTreeWatch(const FolderTreeWatch&) = delete;
@@ -45,6 +46,7 @@ class FolderTreeWatch {
 
   std::filesystem::path root_;
   std::string suffix_;
+  int changesEvery_;
   std::function<void(double)> wrote_;
   std::optional<double> newestAtStart_;
   bool looked_ = false;       // the tree has been looked through once

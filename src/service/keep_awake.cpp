@@ -61,7 +61,12 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
   std::vector<std::string> faults;
   const auto held = inhibitors_.take(sessionReason, faults);
   if (held.empty()) {
-    if (session_) end(false);
+    // Taking them anew gave back what the agents held: they take theirs again.
+    if (session_) {
+      end(false);
+    } else {
+      followAgents();
+    }
     return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; "), true};
   }
   // A session the state file does not hold would be lost by a restarted service: not started.

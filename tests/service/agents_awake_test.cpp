@@ -100,6 +100,20 @@ TEST_F(AgentsAwakeTest, AClaudeTranscriptHoldsWithItsOwnReason) {
   EXPECT_EQ(status()["agents"], nlohmann::json::array({"Codex", "Claude Code"}));
 }
 
+TEST_F(AgentsAwakeTest, ARolloutMovedInWithAnOldTimeIsNoWork) {
+  std::filesystem::create_directories(rollout().parent_path());
+  startService();
+  const auto old = world.home() / "old-rollout.jsonl";
+  appendLine(old);
+  std::filesystem::last_write_time(
+      old, std::filesystem::file_time_type::clock::now() - std::chrono::hours(48));
+  std::filesystem::rename(old, rollout());
+  // Told after the move, so the service has seen the move when it sees this.
+  appendLine(transcript());
+  EXPECT_TRUE(waitFor([&] { return held("Claude Code is working"); })) << logindInhibitors();
+  EXPECT_EQ(status()["agents"], nlohmann::json::array({"Claude Code"}));
+}
+
 TEST_F(AgentsAwakeTest, AnAgentThatWroteBeforeTheServiceStartedIsStillWorking) {
   appendLine(rollout());
   startService();
