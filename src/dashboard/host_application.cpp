@@ -31,7 +31,7 @@ namespace {
 // Seconds between two readings of the memory figure the indicator shows.
 constexpr guint figureSeconds = 60;
 // What "Extend 30 min" on the notification of a session's end adds.
-constexpr std::int64_t extendSeconds = 30 * 60;
+constexpr std::int64_t extendSeconds = std::int64_t{30} * 60;
 
 HostApplication& hostOf(gpointer self) {
   return *static_cast<HostApplication*>(self);

@@ -115,7 +115,7 @@ void TrayIndicator::setAwake(const TrayAwake& awake) {
   showTitle();
 }
 
-void TrayIndicator::agentsToggled(bool on) {
+void TrayIndicator::agentsToggled(bool on) const {
   if (!showing_) actions_.watchAgents(on);
 }
 

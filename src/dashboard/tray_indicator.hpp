@@ -49,7 +49,7 @@ class TrayIndicator {
 
   const Actions& actions() const { return actions_; }
   // The agents' switch was flipped: by the user unless the indicator itself is showing a state.
-  void agentsToggled(bool on);
+  void agentsToggled(bool on) const;
 
  private:
   void showTitle();
