@@ -3,7 +3,8 @@
 # context switches over all threads) while nothing is written, and CPU time while a rollout gets
 # a line every second, each with awakeWhileAgentsWork on and off, side by side. The home holds a
 # year of Codex day folders and a few Claude projects, as a user's does.
-#   bench/agents_watch.sh [SECONDS] [KORVO]     (default 60, build/release/src/app/korvo)
+#   bench/agents_watch.sh [SECONDS] [KORVO] [ROWS]  (default 60, build/release/src/app/korvo,
+#                                                    "no yes": idle, then a line a second)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds="${1:-60}"
@@ -52,7 +53,7 @@ measure() {  # watch (true|false) writing (yes|no): prints "wake-ups/min CPU-ms"
 }
 
 printf "%-34s %8s %10s\n" "" "wake/min" "CPU ms"
-for writing in no yes; do
+for writing in ${3:-no yes}; do
   for watch in false true; do
     label="watch $([ $watch = true ] && echo on || echo off), $([ $writing = yes ] && echo "a line a second" || echo idle)"
     printf "%-34s %s\n" "$label" "$(measure $watch $writing)"

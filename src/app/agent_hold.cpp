@@ -9,8 +9,13 @@ std::string_view agentName(Agent agent) {
 }
 
 std::string agentsWorkingText(const std::vector<Agent>& agents) {
-  if (agents.size() == 1) return std::string(agentName(agents.front())) + _(" is working");
-  return joined(agents, _(" and "), agentName) + _(" are working");
+  return joined(agents, _(" and "), agentName) +
+         (agents.size() == 1 ? _(" is working") : _(" are working"));
+}
+
+std::string agentsQuietText(const std::vector<Agent>& agents) {
+  return joined(agents, _(" and "), agentName) +
+         (agents.size() == 1 ? _(" is quiet") : _(" are quiet"));
 }
 
 }  // namespace korvo

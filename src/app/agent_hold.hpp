@@ -25,5 +25,7 @@ struct AgentHold {
 
 // "Codex is working", "Codex and Claude Code are working": the reason an inhibitor is held for.
 std::string agentsWorkingText(const std::vector<Agent>& agents);
+// "Codex is quiet", "Codex and Claude Code are quiet": the end of their hold.
+std::string agentsQuietText(const std::vector<Agent>& agents);
 
 }  // namespace korvo

@@ -68,9 +68,9 @@ std::string statusLine(const std::optional<AwakeSession>& session,
 }
 
 // "This machine stays awake until Codex has been quiet for 5 min.": when the agents' hold lets go.
-std::string quietText(const AgentHold& hold, const Settings& settings) {
-  return _("This machine stays awake until ") + joined(hold.agents, _(" and "), agentName) +
-         (hold.agents.size() == 1 ? _(" has been quiet for ") : _(" have been quiet for ")) +
+std::string quietText(const std::vector<Agent>& agents, const Settings& settings) {
+  return _("This machine stays awake until ") + joined(agents, _(" and "), agentName) +
+         (agents.size() == 1 ? _(" has been quiet for ") : _(" have been quiet for ")) +
          std::to_string(settings.agentIdleMinutes) + _(" min.");
 }
 
@@ -124,8 +124,9 @@ void HostApplication::startup() {
   notifier_ = std::make_unique<gtk::Notifier>(gtk::sessionBus());
   keepAwake_ = std::make_unique<KeepAwake>(
       std::cerr, clockRate_, gtk::sessionBus(),
-      KeepAwake::Events{[this] { awakeChanged(); }, [this] { sessionRanOut(); },
-                        [this](bool started) { agentsHold(started); }});
+      KeepAwake::Events{
+          [this] { awakeChanged(); }, [this] { sessionRanOut(); },
+          [this](bool started, const std::vector<Agent>& agents) { agentsHold(started, agents); }});
   keepAwake_->resume();
   keepAwake_->watchAgents(settings_);
   publishing_ = std::make_unique<PublishLoop>(std::cerr);
@@ -283,20 +284,19 @@ void HostApplication::sessionRanOut() {
   };
   notifier_->send(
       _("Keep Awake ended"),
-      agents ? quietText(*agents, settings_) : _("This machine may sleep again when it is idle."),
+      agents ? quietText(agents->agents, settings_)
+             : _("This machine may sleep again when it is idle."),
       {{"extend", _("Extend 30 min"), [this] { keepAwake_->extend(AwakeDuration{extendSeconds}); }},
        {"open", _("Open Keep Awake"), openAwake},
        {"default", _("Open Keep Awake"), openAwake}});
 }
 
-void HostApplication::agentsHold(bool started) {
+void HostApplication::agentsHold(bool started, const std::vector<Agent>& agents) {
   if (!settings_.agentNotices) return;
   if (started) {
-    if (const auto agents = keepAwake_->agents()) {
-      notifier_->send(agentsWorkingText(agents->agents), quietText(*agents, settings_));
-    }
+    notifier_->send(agentsWorkingText(agents), quietText(agents, settings_));
   } else {
-    notifier_->send(_("Codex and Claude Code are quiet"),
+    notifier_->send(agentsQuietText(agents),
                     _("Nothing written for ") + std::to_string(settings_.agentIdleMinutes) +
                         _(" min: this machine may sleep again when it is idle."));
   }

@@ -45,7 +45,7 @@ class HostApplication {
   void told(const KeepAwake::Outcome& outcome);
   void watchAgents(bool on);
   void sessionRanOut();
-  void agentsHold(bool started);
+  void agentsHold(bool started, const std::vector<Agent>& agents);
   void showFigure();
 
   GApplication* application_;

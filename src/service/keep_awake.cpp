@@ -1,5 +1,6 @@
 #include "service/keep_awake.hpp"
 
+#include <algorithm>
 #include <ostream>
 
 #include "app/awake_state_file.hpp"
@@ -115,12 +116,21 @@ void KeepAwake::watchAgents(const Settings& settings) {
 }
 
 void KeepAwake::agentsChanged() {
+  const auto hold = agents();
+  if (hold) {
+    for (const Agent agent : hold->agents) {
+      if (std::find(worked_.begin(), worked_.end(), agent) == worked_.end())
+        worked_.push_back(agent);
+    }
+    std::sort(worked_.begin(), worked_.end());
+  }
   if (!session_) {
     const bool before = agentsHolding_;
     followAgents();
-    agentsHolding_ = agents().has_value();
-    if (agentsHolding_ != before) events_.agentsHold(agentsHolding_);
+    agentsHolding_ = hold.has_value();
+    if (agentsHolding_ != before) events_.agentsHold(agentsHolding_, hold ? hold->agents : worked_);
   }
+  if (!hold) worked_.clear();
   events_.changed();
 }
 

@@ -33,8 +33,9 @@ class KeepAwake {
     std::function<void()>
         changed;                   // a session started, moved its end or ended; agents came or went
     std::function<void()> ranOut;  // a session ran out by itself
-    std::function<void(bool started)>
-        agentsHold;  // the agents' hold began or let go, no session running
+    // The agents' hold began or let go while no session ran: `agents` are those working as it
+    // began, or all that worked while it held.
+    std::function<void(bool started, const std::vector<Agent>& agents)> agentsHold;
   };
 
   // Warnings go to `log`. `clockRate` is how many times as fast as real time the clock runs
@@ -72,6 +73,7 @@ class KeepAwake {
   Inhibitors inhibitors_;
   AgentWatch agentWatch_;
   bool agentsHolding_ = false;  // the agents' hold is on while no session runs
+  std::vector<Agent> worked_;   // the agents that worked since their hold began, Codex first
   std::string agentFaults_;     // why the agents' hold lacks an inhibitor, as last logged
   std::optional<AwakeSession> session_;
   guint timer_ = 0;

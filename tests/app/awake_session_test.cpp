@@ -89,6 +89,8 @@ TEST(AwakeSessionTest, TheAgentsReasonNamesThem) {
   EXPECT_EQ(agentsWorkingText({Agent::claudeCode}), "Claude Code is working");
   EXPECT_EQ(agentsWorkingText({Agent::codex, Agent::claudeCode}),
             "Codex and Claude Code are working");
+  EXPECT_EQ(agentsQuietText({Agent::claudeCode}), "Claude Code is quiet");
+  EXPECT_EQ(agentsQuietText({Agent::codex, Agent::claudeCode}), "Codex and Claude Code are quiet");
 }
 
 }  // namespace

@@ -76,11 +76,12 @@ class AwakePageTest : public testing::Test {
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr, nullptr, nullptr);
     ASSERT_NE(connection, nullptr);
-    keepAwake = std::make_unique<KeepAwake>(log, 1.0, connection,
-                                            KeepAwake::Events{[this] {
-                                                                if (page) page->refresh();
-                                                              },
-                                                              [] {}, [](bool) {}});
+    keepAwake = std::make_unique<KeepAwake>(
+        log, 1.0, connection,
+        KeepAwake::Events{[this] {
+                            if (page) page->refresh();
+                          },
+                          [] {}, [](bool, const std::vector<Agent>&) {}});
     page = std::make_unique<AwakePage>(*keepAwake, settings);
     g_object_ref_sink(page->widget());
     gtk_widget_show_all(page->widget());

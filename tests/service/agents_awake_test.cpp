@@ -164,8 +164,7 @@ TEST_F(AgentsAwakeTest, TheAgentsHoldSaysWhenItStartsAndEndsUnlessNoticesAreOff)
   startService({{"KORVO_TIME_RATE", "20"}});
   appendLine(rollout());
   EXPECT_TRUE(waitFor([&] { return notices().find("'Codex is working'") != std::string::npos; }));
-  EXPECT_TRUE(waitFor(
-      [&] { return notices().find("'Codex and Claude Code are quiet'") != std::string::npos; }));
+  EXPECT_TRUE(waitFor([&] { return notices().find("'Codex is quiet'") != std::string::npos; }));
 
   service->stop();
   settings(R"({"agentIdleMinutes":1,"agentNotices":false})");
