@@ -1,4 +1,5 @@
 #include <iostream>
+#include <sstream>
 
 #include "app/cli_commands.hpp"
 #include "app/publisher.hpp"
@@ -35,7 +36,9 @@ void addPublishCommand(CLI::App& app, int& exitCode) {
     if (options->print) {
       print(publisher::preview(settings));
     } else {
-      publisher::publish(settings);
+      // What korvo codex tells, and the service logs, is no news to a one-off publication.
+      std::ostringstream notes;
+      publisher::publish(settings, notes);
     }
     exitCode = exitSuccess;
   });

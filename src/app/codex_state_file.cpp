@@ -16,6 +16,10 @@ using Json = nlohmann::ordered_json;
 // The file holds a few small objects; anything larger is not korvo's and is started anew.
 constexpr std::size_t maxBytes = std::size_t{256} * 1024;
 
+Json optionalText(const std::optional<std::string>& text) {
+  return text ? Json(*text) : Json(nullptr);
+}
+
 Json windowsJson(const UsageSnapshot& snapshot) {
   Json windows = Json::array();
   for (const UsageWindow& window : snapshot.windows) {
@@ -26,28 +30,108 @@ Json windowsJson(const UsageSnapshot& snapshot) {
   return windows;
 }
 
-Json rolloutsJson(const CodexLimits& limits) {
+Json readingJson(const CodexLimits& limits) {
   Json reading{{"source", limits.snapshot.source.value_or("")},
-               {"fetchedAt", isoMoment(limits.snapshot.fetchedAt)}};
-  reading["planType"] = limits.planType ? Json(*limits.planType) : Json(nullptr);
+               {"fetchedAt", isoMoment(limits.snapshot.fetchedAt)},
+               {"windows", windowsJson(limits.snapshot)},
+               {"planType", optionalText(limits.planType)}};
   if (limits.credits) {
     reading["credits"] = {{"hasCredits", limits.credits->hasCredits},
-                          {"unlimited", limits.credits->unlimited}};
-    reading["credits"]["balance"] =
-        limits.credits->balance ? Json(*limits.credits->balance) : Json(nullptr);
+                          {"unlimited", limits.credits->unlimited},
+                          {"balance", optionalText(limits.credits->balance)}};
   } else {
     reading["credits"] = nullptr;
   }
   Json others = Json::array();
   for (const auto& other : limits.otherLimits) {
-    Json entry{{"limitId", other.limitId.value_or("")}};
-    entry["limitName"] = other.limitName ? Json(*other.limitName) : Json(nullptr);
-    entry["fetchedAt"] = isoMoment(other.snapshot.fetchedAt);
-    entry["windows"] = windowsJson(other.snapshot);
-    others.push_back(std::move(entry));
+    others.push_back({{"limitId", other.limitId.value_or("")},
+                      {"limitName", optionalText(other.limitName)},
+                      {"fetchedAt", isoMoment(other.snapshot.fetchedAt)},
+                      {"windows", windowsJson(other.snapshot)}});
   }
   reading["otherLimits"] = std::move(others);
   return reading;
+}
+
+Json liveJson(const LiveRecord& live) {
+  return {{"askedAt", isoMoment(live.askedAt)},
+          {"failure", optionalText(live.failure)},
+          {"reading", live.reading ? readingJson(*live.reading) : Json(nullptr)}};
+}
+
+// Reading back what this file wrote; a part that does not decode counts as absent.
+const Json* field(const Json& object, const char* key) {
+  if (!object.is_object()) return nullptr;
+  const auto found = object.find(key);
+  return found == object.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> textField(const Json& object, const char* key) {
+  const Json* value = field(object, key);
+  return value && value->is_string() ? std::optional(value->get<std::string>()) : std::nullopt;
+}
+
+std::optional<Date> momentField(const Json& object, const char* key) {
+  const auto text = textField(object, key);
+  return text ? parseIsoMoment(*text) : std::nullopt;
+}
+
+std::optional<UsageSnapshot> snapshotFrom(const Json& object, std::optional<std::string> source) {
+  const auto fetchedAt = momentField(object, "fetchedAt");
+  const Json* windows = field(object, "windows");
+  if (!fetchedAt || windows == nullptr || !windows->is_array()) return std::nullopt;
+  UsageSnapshot snapshot{{}, *fetchedAt, std::move(source)};
+  for (const Json& window : *windows) {
+    const auto title = textField(window, "title");
+    const Json* used = field(window, "usedPercent");
+    if (!title || used == nullptr || !used->is_number()) return std::nullopt;
+    snapshot.windows.push_back({*title, used->get<double>(), momentField(window, "resetsAt")});
+  }
+  return snapshot;
+}
+
+std::optional<CodexLimits> readingFrom(const Json& object) {
+  auto snapshot = snapshotFrom(object, textField(object, "source"));
+  if (!snapshot || snapshot->windows.empty()) return std::nullopt;
+  CodexLimits limits{std::move(*snapshot), {}, textField(object, "planType"), std::nullopt, {}};
+  if (const Json* credits = field(object, "credits"); credits && credits->is_object()) {
+    const Json* has = field(*credits, "hasCredits");
+    const Json* unlimited = field(*credits, "unlimited");
+    if (has && has->is_boolean() && unlimited && unlimited->is_boolean()) {
+      limits.credits = codex_rollout::Credits{has->get<bool>(), unlimited->get<bool>(),
+                                              textField(*credits, "balance")};
+    }
+  }
+  if (const Json* others = field(object, "otherLimits"); others && others->is_array()) {
+    for (const Json& other : *others) {
+      auto otherSnapshot = snapshotFrom(other, limits.snapshot.source);
+      if (!otherSnapshot) continue;
+      limits.otherLimits.push_back({textField(other, "limitId"), textField(other, "limitName"),
+                                    std::move(*otherSnapshot), std::nullopt, std::nullopt});
+    }
+  }
+  return limits;
+}
+
+std::optional<LiveRecord> liveFrom(const Json& object) {
+  const auto askedAt = momentField(object, "askedAt");
+  if (!askedAt) return std::nullopt;
+  LiveRecord live{*askedAt, textField(object, "failure"), std::nullopt};
+  if (const Json* reading = field(object, "reading")) live.reading = readingFrom(*reading);
+  return live;
+}
+
+Json parsedObject(const std::string& bytes) {
+  // The strict reader first: it refuses nesting deep enough to exhaust the stack.
+  if (!std::holds_alternative<nlohmann::json>(json_reader::parse(bytes))) return Json::object();
+  Json parsed = Json::parse(bytes, nullptr, false);
+  return parsed.is_object() ? parsed : Json::object();
+}
+
+std::optional<std::string> currentBytes(const std::filesystem::path& path) {
+  auto read = readRegularFile(path, maxBytes);
+  if (auto* bytes = std::get_if<std::string>(&read)) return std::move(*bytes);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -60,23 +144,39 @@ std::optional<std::filesystem::path> location() {
   return std::nullopt;
 }
 
-std::string document(const std::string& current, const CodexLimits& limits) {
-  Json root = Json::object();
-  // The strict reader first: it refuses nesting deep enough to exhaust the stack.
-  if (std::holds_alternative<nlohmann::json>(json_reader::parse(current))) {
-    Json kept = Json::parse(current, nullptr, false);
-    if (kept.is_object()) root = std::move(kept);
-  }
-  root["rollouts"] = rolloutsJson(limits);
+std::optional<std::filesystem::path> liveLockLocation() {
+  auto file = location();
+  if (!file) return std::nullopt;
+  return file->parent_path() / ".codex-live.lock";
+}
+
+Record read(const std::string& bytes) {
+  const Json root = parsedObject(bytes);
+  Record record;
+  if (const Json* rollouts = field(root, "rollouts")) record.rollouts = readingFrom(*rollouts);
+  if (const Json* live = field(root, "live")) record.live = liveFrom(*live);
+  return record;
+}
+
+Record load() {
+  const auto path = location();
+  if (!path) return {};
+  const auto bytes = currentBytes(*path);
+  return bytes ? read(*bytes) : Record{};
+}
+
+std::string document(const std::string& current, const Record& changes) {
+  Json root = parsedObject(current);
+  if (changes.rollouts) root["rollouts"] = readingJson(*changes.rollouts);
+  if (changes.live) root["live"] = liveJson(*changes.live);
   return root.dump() + '\n';
 }
 
-bool save(const CodexLimits& limits) {
+bool save(const Record& changes) {
   const auto path = location();
   if (!path) return false;
-  const auto read = readRegularFile(*path, maxBytes);
-  const std::string* current = std::get_if<std::string>(&read);
-  const std::string bytes = document(current ? *current : std::string(), limits);
+  const auto current = currentBytes(*path);
+  const std::string bytes = document(current.value_or(std::string()), changes);
   if (current && *current == bytes) return true;
   return createPrivateDirectories(path->parent_path()) && replaceFileAtomically(*path, bytes, 0600);
 }

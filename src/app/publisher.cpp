@@ -2,10 +2,13 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ostream>
 #include <stdexcept>
 
 #include "app/claude_settings_file.hpp"
+#include "app/codex_live.hpp"
 #include "app/codex_state_file.hpp"
+#include "app/rollout_memo_file.hpp"
 #include "app/shared_file.hpp"
 #include "app/shared_file_lock.hpp"
 #include "app/status_bar_signal.hpp"
@@ -39,30 +42,56 @@ WidgetSnapshotParts currentParts(const std::filesystem::path& file) {
 
 }  // namespace
 
-std::variant<CodexLimits, CodexShortfall> readCodex(const Settings& settings) {
+CodexFound findCodex(const Settings& settings, LiveAsk live) {
+  const Date now = clock::now();
   const auto home =
       settings.codexHome ? std::filesystem::path(*settings.codexHome) : codexHomeDirectory();
-  if (!home) return CodexShortfall::noSessions;
-  return readCodexLimits(*home, clock::now());
+  CodexFound found{CodexShortfall::noSessions, std::nullopt, std::nullopt,
+                   rollout_memo_file::load()};
+  if (home) found.published = readCodexLimits(*home, now, &found.memo);
+  if (const auto* limits = std::get_if<CodexLimits>(&found.published)) found.rollouts = *limits;
+  if (!settings.codexLive && live == LiveAsk::whenDue) return found;
+
+  auto last = codex_state_file::load().live;
+  const double interval = settings.codexLiveMinutes * 60.0;
+  if (live == LiveAsk::now || !last || now.secondsSince(last->askedAt) >= interval ||
+      now.secondsSince(last->askedAt) < 0) {
+    auto outcome = codex_live::ask(settings.codexCommand, codex_live::deadline,
+                                   codex_state_file::liveLockLocation());
+    // Neither: another korvo is asking right now, and will record its answer.
+    if (outcome.limits || outcome.failure) {
+      // A failed ask keeps the last good answer: it is still the newest Codex said.
+      auto reading =
+          outcome.limits ? std::move(outcome.limits) : (last ? last->reading : std::nullopt);
+      last = codex_state_file::LiveRecord{now, std::move(outcome.failure), std::move(reading)};
+      found.asked = last;
+    }
+  }
+  if (last && last->reading) {
+    const auto* rollouts = std::get_if<CodexLimits>(&found.published);
+    if (rollouts == nullptr || last->reading->snapshot.fetchedAt > rollouts->snapshot.fetchedAt) {
+      found.published = *last->reading;
+    }
+  }
+  return found;
 }
 
-Collected collect(const Settings& settings) {
+Collected collect(const Settings& settings, LiveAsk live) {
   Collected collected;
   if (settings.temperature) collected.temperature = readCpuTemperature(systemRoot());
-  if (settings.codex) collected.codex = readCodex(settings);
+  if (settings.codex) collected.codex = findCodex(settings, live);
   if (settings.claude) collected.claudeStatusLineInstalled = claude_settings_file::runsKorvo();
   return collected;
 }
 
-UsageState codexState(bool enabled,
-                      const std::optional<std::variant<CodexLimits, CodexShortfall>>& found) {
+UsageState codexState(bool enabled, const std::optional<CodexFound>& found) {
   if (!enabled) return {};
   UsageState state{true, std::nullopt, std::nullopt, false};
   if (!found) return state;
-  if (const auto* limits = std::get_if<CodexLimits>(&*found)) {
+  if (const auto* limits = std::get_if<CodexLimits>(&found->published)) {
     state.snapshot = limits->snapshot;
   } else {
-    state.message = message(std::get<CodexShortfall>(*found));
+    state.message = message(std::get<CodexShortfall>(found->published));
   }
   return state;
 }
@@ -82,9 +111,10 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
   return snapshot;
 }
 
-void publish(const Settings& settings, const std::stop_token& stop) {
+void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop,
+             LiveAsk live) {
   const auto file = shared_file::path();
-  const Collected collected = collect(settings);
+  const Collected collected = collect(settings, live);
   const auto lock = SharedFileLock::acquire(file, lockPatience, stop);
   const auto snapshot = compose(currentParts(file), settings, collected, clock::now());
   if (!WidgetSnapshotStore::save(snapshot, Url::file(file))) {
@@ -93,9 +123,11 @@ void publish(const Settings& settings, const std::stop_token& stop) {
   }
   status_bar::refresh(settings.waybarSignal);
   if (collected.codex) {
-    if (const auto* limits = std::get_if<CodexLimits>(&*collected.codex)) {
-      // Only the dashboard reads it; the shared file, which the widgets read, is written.
-      codex_state_file::save(*limits);
+    // Only korvo reads it; the shared file, which the widgets read, is written.
+    codex_state_file::save({collected.codex->rollouts, collected.codex->asked});
+    rollout_memo_file::save(collected.codex->memo);
+    if (collected.codex->asked && collected.codex->asked->failure) {
+      notes << "korvo: " << *collected.codex->asked->failure << '\n';
     }
   }
 }

@@ -21,6 +21,7 @@ constexpr Range awakeMinutesRange{1, 1440};
 constexpr Range agentIdleMinutesRange{1, 240};
 // Waybar's module signals count from SIGRTMIN; Linux has 30 of them above it.
 constexpr Range waybarSignalRange{0, 30};
+constexpr Range codexLiveMinutesRange{1, 1440};
 
 std::string rangeText(Range range) {
   return std::to_string(range.low) + "–" + std::to_string(range.high);
@@ -48,6 +49,8 @@ std::optional<Range> wholeRange(SettingKey key) {
       return awakeMinutesRange;
     case SettingKey::waybarSignal:
       return waybarSignalRange;
+    case SettingKey::codexLiveMinutes:
+      return codexLiveMinutesRange;
     case SettingKey::agentIdleMinutes:
       return agentIdleMinutesRange;
     default:
@@ -101,6 +104,14 @@ Decoded<Settings> parseSettings(std::string_view json) {
     whole(SettingKey::publishSeconds, settings.publishSeconds);
     whole(SettingKey::awakeMinutes, settings.awakeMinutes);
     whole(SettingKey::waybarSignal, settings.waybarSignal);
+    boolean(SettingKey::codexLive, settings.codexLive);
+    whole(SettingKey::codexLiveMinutes, settings.codexLiveMinutes);
+    if (const Json* value = member(SettingKey::codexCommand)) {
+      settings.codexCommand = json_reader::readString(*value, keyText(SettingKey::codexCommand));
+      if (settings.codexCommand.empty()) {
+        throw json_reader::Failure{keyText(SettingKey::codexCommand) + " must not be empty"};
+      }
+    }
     boolean(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
     whole(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
     boolean(SettingKey::agentNotices, settings.agentNotices);
@@ -132,6 +143,9 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   set(SettingKey::awakeMinutes, settings.awakeMinutes);
   set(SettingKey::memoryDisplayMode, std::string(rawValue(settings.memoryDisplayMode)));
   set(SettingKey::waybarSignal, settings.waybarSignal);
+  set(SettingKey::codexLive, settings.codexLive);
+  set(SettingKey::codexLiveMinutes, settings.codexLiveMinutes);
+  set(SettingKey::codexCommand, settings.codexCommand);
   set(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
   set(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
   set(SettingKey::agentNotices, settings.agentNotices);
@@ -157,6 +171,11 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
                          displayText(text) + "\"");
       }
       return std::string(text);
+    case SettingKey::codexCommand:
+      if (text.empty() || !isUtf8(text)) {
+        throw UsageError(name + ": not a program name or path: \"" + displayText(text) + "\"");
+      }
+      return std::string(text);
     case SettingKey::memoryDisplayMode:
       if (!displayModeFromRaw(text)) {
         throw UsageError(name + ": unknown mode \"" + displayText(text) +
@@ -166,6 +185,7 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::temperature:
     case SettingKey::codex:
     case SettingKey::claude:
+    case SettingKey::codexLive:
     case SettingKey::awakeWhileAgentsWork:
     case SettingKey::agentNotices:
       if (text == "true") return true;
@@ -174,6 +194,7 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::publishSeconds:
     case SettingKey::awakeMinutes:
     case SettingKey::waybarSignal:
+    case SettingKey::codexLiveMinutes:
     case SettingKey::agentIdleMinutes:
       return wholeValue(name, text, *wholeRange(*key));
   }

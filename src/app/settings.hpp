@@ -20,10 +20,13 @@ struct Settings {
   int publishSeconds = 60;               // seconds between the service's publications
   int awakeMinutes = 60;                 // the default length of a Keep Awake session
   DisplayMode memoryDisplayMode = DisplayMode::usedPercent;  // the memory figure's form
-  int waybarSignal = 0;  // after a publication, SIGRTMIN+N to the user's waybar; 0 sends none
-  bool awakeWhileAgentsWork = true;  // keep the machine awake while Codex or Claude Code writes
-  int agentIdleMinutes = 5;          // minutes without a write after which an agent counts as done
-  bool agentNotices = true;          // notify when the agents' hold starts and ends
+  int waybarSignal = 0;      // after a publication, SIGRTMIN+N to the user's waybar; 0 sends none
+  bool codexLive = true;     // ask Codex's app-server for its current limits
+  int codexLiveMinutes = 5;  // minutes between two asks of a publication
+  std::string codexCommand = "codex";  // the Codex program: a path, or a name found on PATH
+  bool awakeWhileAgentsWork = true;    // keep the machine awake while Codex or Claude Code writes
+  int agentIdleMinutes = 5;  // minutes without a write after which an agent counts as done
+  bool agentNotices = true;  // notify when the agents' hold starts and ends
 
   friend bool operator==(const Settings&, const Settings&) = default;
 };
@@ -37,13 +40,16 @@ enum class SettingKey {
   awakeMinutes,
   memoryDisplayMode,
   waybarSignal,
+  codexLive,
+  codexLiveMinutes,
+  codexCommand,
   awakeWhileAgentsWork,
   agentIdleMinutes,
   agentNotices
 };
 
 // The keys of the settings file, in the order they are listed.
-inline constexpr Words<SettingKey, 11> settingKeyWords{{
+inline constexpr Words<SettingKey, 14> settingKeyWords{{
     {"temperature", SettingKey::temperature},
     {"codex", SettingKey::codex},
     {"claude", SettingKey::claude},
@@ -52,6 +58,9 @@ inline constexpr Words<SettingKey, 11> settingKeyWords{{
     {"awakeMinutes", SettingKey::awakeMinutes},
     {"memoryDisplayMode", SettingKey::memoryDisplayMode},
     {"waybarSignal", SettingKey::waybarSignal},
+    {"codexLive", SettingKey::codexLive},
+    {"codexLiveMinutes", SettingKey::codexLiveMinutes},
+    {"codexCommand", SettingKey::codexCommand},
     {"awakeWhileAgentsWork", SettingKey::awakeWhileAgentsWork},
     {"agentIdleMinutes", SettingKey::agentIdleMinutes},
     {"agentNotices", SettingKey::agentNotices},

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "app/codex_state_file.hpp"
+#include "app/usage_origin.hpp"
 #include "base/clock.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
@@ -42,13 +44,20 @@ void AiPage::refresh() {
   card_->refresh();
   clear(providers_);
   countdowns_.clear();
+  origins_.clear();
   const auto snapshot = WidgetSnapshotStore::load(WidgetSnapshotStore::fileURL());
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = snapshot ? stateOf(*snapshot, provider) : UsageState{};
     gtk_box_pack_start(GTK_BOX(providers_), heading(displayName(provider)), FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE, FALSE,
-                       0);
-    if (state.enabled && state.snapshot) {
+    if (!state.enabled || !state.snapshot) {
+      gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE, FALSE,
+                         0);
+    } else {
+      // Where the figures came from and their age, which ticks, in place of the status.
+      GtkWidget* origin =
+          label(usage_origin::originText(*state.snapshot, clock::now()), "dim-label");
+      gtk_box_pack_start(GTK_BOX(providers_), origin, FALSE, FALSE, 0);
+      origins_.emplace_back(origin, *state.snapshot);
       for (const UsageWindow& window : state.snapshot->windows) {
         gtk_box_pack_start(GTK_BOX(providers_), label(window.remainingSummary()), FALSE, FALSE, 0);
         GtkWidget* meter = gtk_level_bar_new_for_interval(0, 100);
@@ -60,6 +69,12 @@ void AiPage::refresh() {
         GtkWidget* countdown = label(window.resetCountdown(clock::now()), "dim-label");
         gtk_box_pack_start(GTK_BOX(providers_), countdown, FALSE, FALSE, 0);
         countdowns_.emplace_back(countdown, window);
+      }
+      if (provider == UsageProvider::codex) {
+        for (const std::string& line :
+             usage_origin::codexDetails(codex_state_file::load(), *state.snapshot)) {
+          gtk_box_pack_start(GTK_BOX(providers_), label(line, "dim-label"), FALSE, FALSE, 0);
+        }
       }
     }
     GtkWidget* button = gtk_button_new_with_label(_("Open usage page").c_str());
@@ -76,6 +91,9 @@ void AiPage::tick() {
   const Date now = clock::now();
   for (const auto& [countdown, window] : countdowns_) {
     gtk_label_set_text(GTK_LABEL(countdown), window.resetCountdown(now).c_str());
+  }
+  for (const auto& [origin, snapshot] : origins_) {
+    gtk_label_set_text(GTK_LABEL(origin), usage_origin::originText(snapshot, now).c_str());
   }
 }
 

@@ -7,12 +7,14 @@
 #include <vector>
 
 #include "gtk/widget_card.hpp"
+#include "shared/usage_snapshot.hpp"
 #include "shared/usage_window.hpp"
 
 namespace korvo {
 
-// The dashboard's AI tab: per provider its name, status, each window's remaining share with a
-// meter, its reset moment and a live countdown, and a button to the provider's usage page.
+// The dashboard's AI tab: per provider its name, status, where the figures came from and how old
+// they are, each window's remaining share with a meter, its reset moment and a live countdown,
+// Codex's plan, credits and other limits, and a button to the provider's usage page.
 class AiPage {
  public:
   explicit AiPage(const gtk::AppearanceWatch& appearance);
@@ -27,6 +29,7 @@ class AiPage {
   GtkWidget* providers_;
   std::unique_ptr<WidgetCard> card_;
   std::vector<std::pair<GtkWidget*, UsageWindow>> countdowns_;
+  std::vector<std::pair<GtkWidget*, UsageSnapshot>> origins_;  // the figures' source and age
 };
 
 }  // namespace korvo

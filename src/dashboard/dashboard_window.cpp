@@ -27,7 +27,8 @@ constexpr int windowHeight = 640;
 
 }  // namespace
 
-DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwake)
+DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwake,
+                                 std::function<void()> aiOpened)
     : window_(application != nullptr ? gtk_application_window_new(application)
                                      : gtk_window_new(GTK_WINDOW_TOPLEVEL)),
       notice_(gtk_label_new("")),
@@ -35,7 +36,8 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
       appearance_(std::nullopt, [this] { appearanceChanged(); }),
       ai_(appearance_),
       memory_(appearance_),
-      awake_(keepAwake, current_) {
+      awake_(keepAwake, current_),
+      aiOpened_(std::move(aiOpened)) {
   gtk_window_set_title(GTK_WINDOW(window_), std::string(AppIdentity::applicationTitle).c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);
   gtk_window_set_icon_name(GTK_WINDOW(window_), "com.tessmoor.Korvo");
@@ -157,6 +159,10 @@ void DashboardWindow::pageChanged() {
   if (!mapped_) return;
   if (name != nullptr && std::string_view(name) == rawValue(DashboardTab::memory)) {
     memory_.refresh(current_.memoryDisplayMode);
+  }
+  // Rollouts change only while Codex works: the app-server says the figures of this moment.
+  if (name != nullptr && std::string_view(name) == rawValue(DashboardTab::ai) && aiOpened_) {
+    aiOpened_();
   }
   dump();
 }

@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,7 +21,9 @@ namespace korvo {
 // one timer a second advances the countdowns and the readings of the tab in view.
 class DashboardWindow {
  public:
-  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake);
+  // `aiOpened` runs each time the AI tab comes into view.
+  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake,
+                  std::function<void()> aiOpened);
   ~DashboardWindow();
   DashboardWindow(const DashboardWindow&) = delete;
   DashboardWindow& operator=(const DashboardWindow&) = delete;
@@ -55,6 +58,7 @@ class DashboardWindow {
   Settings current_;
   std::optional<gtk::FileWatch> sharedWatch_;
   std::optional<gtk::FileWatch> settingsWatch_;
+  std::function<void()> aiOpened_;
   guint ticker_ = 0;
   bool mapped_ = false;
 };

@@ -229,7 +229,8 @@ int HostApplication::open(const OpenDashboard& command, GApplicationCommandLine*
 
 DashboardWindow* HostApplication::dashboard() {
   if (!dashboard_) {
-    dashboard_ = std::make_unique<DashboardWindow>(GTK_APPLICATION(application_), *keepAwake_);
+    dashboard_ = std::make_unique<DashboardWindow>(GTK_APPLICATION(application_), *keepAwake_,
+                                                   [this] { publishing_->askCodexNow(); });
   }
   return dashboard_.get();
 }

@@ -25,8 +25,11 @@ bool namesSettings(GFile* file) {
 }  // namespace
 
 PublishLoop::PublishLoop(std::ostream& log)
-    : PublishLoop([](std::ostream& out) { return settings_file::load(out); }, &publisher::publish,
-                  log) {}
+    : PublishLoop(
+          [](std::ostream& out) { return settings_file::load(out); },
+          [](const Settings& settings, publisher::LiveAsk live, std::ostream& notes,
+             const std::stop_token& stop) { publisher::publish(settings, notes, stop, live); },
+          log) {}
 
 PublishLoop::PublishLoop(LoadSettings load, Publish publish, std::ostream& log)
     : load_(std::move(load)), publish_(std::move(publish)), log_(log) {}
@@ -82,14 +85,21 @@ void PublishLoop::publishNow() {
   publishing_ = true;
   // The previous worker has handed its outcome over and is at most returning.
   if (worker_.joinable()) worker_.join();
-  worker_ = std::jthread([this](const std::stop_token& stop) { work(stop); });
+  const auto live =
+      std::exchange(askCodex_, false) ? publisher::LiveAsk::now : publisher::LiveAsk::whenDue;
+  worker_ = std::jthread([this, live](const std::stop_token& stop) { work(stop, live); });
 }
 
-void PublishLoop::work(const std::stop_token& stop) {
+void PublishLoop::askCodexNow() {
+  askCodex_ = true;
+  publishNow();
+}
+
+void PublishLoop::work(const std::stop_token& stop, publisher::LiveAsk live) {
   std::ostringstream log;
   Outcome outcome{load_(log), {}};
   try {
-    publish_(outcome.settings, stop);
+    publish_(outcome.settings, live, log, stop);
   } catch (const std::exception& error) {
     if (!stop.stop_requested()) log << "korvo service: " << error.what() << '\n';
   }

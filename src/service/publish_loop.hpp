@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "app/publisher.hpp"
 #include "app/settings.hpp"
 
 namespace korvo {
@@ -22,9 +23,10 @@ namespace korvo {
 class PublishLoop {
  public:
   // Reads the settings, telling what is wrong with them to the stream; and publishes with them
-  // until the token asks to stop.
+  // until the token asks to stop, telling what went wrong on the way to the stream.
   using LoadSettings = std::function<Settings(std::ostream& log)>;
-  using Publish = std::function<void(const Settings&, const std::stop_token&)>;
+  using Publish = std::function<void(const Settings&, publisher::LiveAsk, std::ostream& log,
+                                     const std::stop_token&)>;
 
   // Publishes with the app's publisher and settings file; failures go to `log` as one line each.
   explicit PublishLoop(std::ostream& log);
@@ -42,6 +44,8 @@ class PublishLoop {
   void onSettingsRead(std::function<void(const Settings&)> read) {
     settingsRead_ = std::move(read);
   }
+  // Publishes now, asking Codex's app-server whenever it was last asked (the AI tab opened).
+  void askCodexNow();
 
  private:
   // What a publication hands back to the main context.
@@ -56,7 +60,7 @@ class PublishLoop {
   static void onSettingsChanged(GFileMonitor*, GFile* file, GFile* other, GFileMonitorEvent,
                                 gpointer self);
   void publishNow();
-  void work(const std::stop_token& stop);
+  void work(const std::stop_token& stop, publisher::LiveAsk live);
   void armTimer();
 
   LoadSettings load_;
@@ -70,6 +74,7 @@ class PublishLoop {
   GMainContext* context_ = nullptr;
   bool publishing_ = false;  // a publication runs on the worker
   bool again_ = false;       // another was asked for meanwhile
+  bool askCodex_ = false;    // the next publication asks Codex's app-server whatever its last ask
   std::jthread worker_;
   std::mutex mutex_;                // guards the two below, which the worker sets
   std::optional<Outcome> outcome_;  // the finished publication's, not yet taken

@@ -1,12 +1,13 @@
 #include "sources/codex_rollouts.hpp"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <charconv>
 #include <map>
-#include <set>
-#include <system_error>
 #include <tuple>
+#include <unordered_set>
 
 #include "base/text.hpp"
 #include "sources/reverse_line_reader.hpp"
@@ -20,13 +21,14 @@ using codex_rollout::LineLimits;
 // Bounds on the listing, so a strange tree cannot make the reader run long.
 constexpr int maxEntriesPerDirectory = 100'000;
 constexpr int maxArchivedEntries = 100'000;
+constexpr int maxArchivedDepth = 8;
 
 constexpr std::string_view plainSuffix = ".jsonl";
 constexpr std::string_view compressedSuffix = ".jsonl.zst";
 
 struct Rollout {
   struct timespec modified {};
-  std::filesystem::path path;
+  std::string path;
   bool compressed = false;
   std::uint64_t size = 0;
 };
@@ -40,71 +42,88 @@ bool allDigits(std::string_view text, std::size_t count) {
          std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-template <class Accept>
-std::vector<std::filesystem::path> entries(const std::filesystem::path& directory, Accept accept) {
-  std::vector<std::filesystem::path> found;
-  std::error_code error;
-  std::filesystem::directory_iterator listing(directory, error);
-  int seen = 0;
-  for (; !error && listing != std::filesystem::directory_iterator(); listing.increment(error)) {
-    if (++seen > maxEntriesPerDirectory) break;
-    if (accept(listing->path().filename().string())) found.push_back(listing->path());
-  }
-  return found;
-}
-
-bool isRolloutName(const std::string& name) {
+bool isRolloutName(std::string_view name) {
   return name.starts_with("rollout-") &&
          (name.ends_with(plainSuffix) || name.ends_with(compressedSuffix));
 }
 
-void addRollout(std::filesystem::path file, std::vector<Rollout>& rollouts) {
-  struct stat status {};
-  if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return;
-  const bool compressed = file.native().ends_with(compressedSuffix);
-  rollouts.push_back(
-      {status.st_mtim, std::move(file), compressed, static_cast<std::uint64_t>(status.st_size)});
+// Calls `visit(folder, name, type)` for each entry of `directory` but "." and "..", at most
+// `limit` of them. Listed with readdir, not std::filesystem: a heavy user has thousands of
+// rollouts, and a path object per entry costs more than the listing itself.
+template <class Visit>
+void forEachEntry(const std::string& directory, int limit, Visit visit) {
+  DIR* folder = ::opendir(directory.c_str());
+  if (folder == nullptr) return;
+  int seen = 0;
+  while (const dirent* entry = ::readdir(folder)) {
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    if (++seen > limit) break;
+    visit(::dirfd(folder), name, entry->d_type);
+  }
+  ::closedir(folder);
 }
 
-void sessionRollouts(const std::filesystem::path& sessions, std::vector<Rollout>& rollouts) {
-  const auto year = [](const std::string& name) { return allDigits(name, 4); };
-  const auto twoDigits = [](const std::string& name) { return allDigits(name, 2); };
-  for (const auto& yearDir : entries(sessions, year)) {
-    for (const auto& monthDir : entries(yearDir, twoDigits)) {
-      for (const auto& dayDir : entries(monthDir, twoDigits)) {
-        for (auto& file : entries(dayDir, isRolloutName)) addRollout(std::move(file), rollouts);
+void addRollout(int folder, std::string_view name, const std::string& directory,
+                std::vector<Rollout>& rollouts) {
+  struct stat status {};
+  const std::string nameText(name);
+  if (::fstatat(folder, nameText.c_str(), &status, 0) != 0 || !S_ISREG(status.st_mode)) return;
+  rollouts.push_back({status.st_mtim, directory + '/' + nameText, name.ends_with(compressedSuffix),
+                      static_cast<std::uint64_t>(status.st_size)});
+}
+
+void sessionRollouts(const std::string& sessions, std::vector<Rollout>& rollouts) {
+  const auto subfolders = [](const std::string& directory, std::size_t digits) {
+    std::vector<std::string> found;
+    forEachEntry(directory, maxEntriesPerDirectory, [&](int, std::string_view name, unsigned char) {
+      if (allDigits(name, digits)) found.push_back(directory + '/' + std::string(name));
+    });
+    return found;
+  };
+  for (const auto& year : subfolders(sessions, 4)) {
+    for (const auto& month : subfolders(year, 2)) {
+      for (const auto& day : subfolders(month, 2)) {
+        forEachEntry(day, maxEntriesPerDirectory,
+                     [&](int folder, std::string_view name, unsigned char) {
+                       if (isRolloutName(name)) addRollout(folder, name, day, rollouts);
+                     });
       }
     }
   }
 }
 
-void archivedRollouts(const std::filesystem::path& archived, std::vector<Rollout>& rollouts) {
-  std::error_code error;
-  std::filesystem::recursive_directory_iterator listing(
-      archived, std::filesystem::directory_options::skip_permission_denied, error);
-  int seen = 0;
-  for (; !error && listing != std::filesystem::recursive_directory_iterator();
-       listing.increment(error)) {
-    if (++seen > maxArchivedEntries) break;
-    if (isRolloutName(listing->path().filename().string())) {
-      addRollout(listing->path(), rollouts);
-    }
-  }
+// Archived rollouts at any depth (up to maxArchivedDepth), not following linked folders.
+void archivedRollouts(const std::string& directory, int depth, int& seen,
+                      std::vector<Rollout>& rollouts) {
+  std::vector<std::string> subfolders;
+  forEachEntry(directory, maxArchivedEntries,
+               [&](int folder, std::string_view name, unsigned char type) {
+                 if (++seen > maxArchivedEntries) return;
+                 if (isRolloutName(name)) {
+                   addRollout(folder, name, directory, rollouts);
+                 } else if (type == DT_DIR && depth < maxArchivedDepth) {
+                   subfolders.push_back(directory + '/' + std::string(name));
+                 }
+               });
+  for (const auto& subfolder : subfolders) archivedRollouts(subfolder, depth + 1, seen, rollouts);
 }
 
 std::vector<Rollout> rolloutsNewestFirst(const std::filesystem::path& codexHome) {
   std::vector<Rollout> rollouts;
-  sessionRollouts(codexHome / "sessions", rollouts);
-  archivedRollouts(codexHome / "archived_sessions", rollouts);
+  sessionRollouts((codexHome / "sessions").native(), rollouts);
+  int seen = 0;
+  archivedRollouts((codexHome / "archived_sessions").native(), 0, seen, rollouts);
   // A plain rollout beside its compressed copy is the one Codex still writes to.
-  std::set<std::filesystem::path> plain;
+  std::unordered_set<std::string> plain;
   for (const Rollout& rollout : rollouts) {
     if (!rollout.compressed) plain.insert(rollout.path);
   }
   std::erase_if(rollouts, [&](const Rollout& rollout) {
     if (!rollout.compressed) return false;
-    const auto& name = rollout.path.native();
-    return plain.contains(name.substr(0, name.size() - std::string_view(".zst").size()));
+    const std::string_view name = rollout.path;
+    return plain.contains(
+        std::string(name.substr(0, name.size() - std::string_view(".zst").size())));
   });
   std::sort(rollouts.begin(), rollouts.end(), [](const Rollout& a, const Rollout& b) {
     return std::tie(a.modified.tv_sec, a.modified.tv_nsec, a.path) >
@@ -118,7 +137,35 @@ struct FileReading {
   std::optional<LineLimits> codex;
   std::map<std::string, LineLimits> others;
   std::uint64_t bytesRead = 0;
+  bool whole = false;  // every line of the file was looked at
+
+  bool fruitless() const { return whole && !codex && others.empty(); }
 };
+
+RolloutMemo::Seen seen(const Rollout& rollout) {
+  return {rollout.size, static_cast<std::int64_t>(rollout.modified.tv_sec) * 1'000'000'000 +
+                            rollout.modified.tv_nsec};
+}
+
+// Whether the memo knows the file as it is now; a file changed since is forgotten.
+bool knownFruitless(RolloutMemo* memo, const Rollout& rollout) {
+  if (memo == nullptr) return false;
+  const auto found = memo->fruitless.find(rollout.path);
+  if (found == memo->fruitless.end()) return false;
+  if (found->second == seen(rollout)) return true;
+  memo->fruitless.erase(found);
+  memo->changed = true;
+  return false;
+}
+
+// Keeps only the files still listed, so the memo never outgrows the folder.
+void forgetUnlisted(RolloutMemo& memo, const std::vector<Rollout>& rollouts) {
+  std::unordered_set<std::string_view> listed;
+  for (const Rollout& rollout : rollouts) listed.insert(rollout.path);
+  const auto before = memo.fruitless.size();
+  std::erase_if(memo.fruitless, [&](const auto& entry) { return !listed.contains(entry.first); });
+  if (memo.fruitless.size() != before) memo.changed = true;
+}
 
 void keepNewest(std::map<std::string, LineLimits>& others, LineLimits limits) {
   const auto found = others.find(*limits.limitId);
@@ -137,7 +184,10 @@ FileReading readPlain(const std::filesystem::path& path, std::uint64_t budget) {
   if (!reader) return reading;
   while (reader->bytesRead() < budget) {
     const auto line = reader->previous();
-    if (!line) break;
+    if (!line) {
+      reading.whole = true;
+      break;
+    }
     auto limits = codex_rollout::parseLine(*line);
     if (!limits) continue;
     if (!limits->limitId) {
@@ -164,6 +214,23 @@ FileReading readCompressed(const std::filesystem::path& path) {
   });
   if (!outcome.complete) reading = {};
   reading.bytesRead = outcome.bytesRead;
+  reading.whole = outcome.complete;
+  return reading;
+}
+
+// Reads `rollout` unless the memo knows it holds nothing, and tells the memo when it does. None
+// when it is not read.
+std::optional<FileReading> readRollout(const Rollout& rollout, std::uint64_t left,
+                                       RolloutMemo* memo) {
+  // A compressed file is read from its start, so only whole ones are worth reading.
+  if (rollout.compressed && rollout.size > left) return std::nullopt;
+  if (knownFruitless(memo, rollout)) return std::nullopt;
+  FileReading reading =
+      rollout.compressed ? readCompressed(rollout.path) : readPlain(rollout.path, left);
+  if (memo != nullptr && reading.fruitless()) {
+    memo->fruitless[rollout.path] = seen(rollout);
+    memo->changed = true;
+  }
   return reading;
 }
 
@@ -179,10 +246,47 @@ std::string message(CodexShortfall shortfall) {
   return {};
 }
 
+std::string memoText(const RolloutMemo& memo) {
+  // In path order, so an unchanged memo is an unchanged file.
+  std::vector<std::pair<std::string_view, RolloutMemo::Seen>> entries(memo.fruitless.begin(),
+                                                                      memo.fruitless.end());
+  std::sort(entries.begin(), entries.end(),
+            [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::string text;
+  for (const auto& [path, seen] : entries) {
+    if (path.find('\n') != std::string::npos) continue;
+    text += std::to_string(seen.size) + ' ' + std::to_string(seen.modifiedNanoseconds) + ' ' +
+            std::string(path) + '\n';
+  }
+  return text;
+}
+
+RolloutMemo parseMemo(std::string_view text) {
+  RolloutMemo memo;
+  while (!text.empty()) {
+    const auto end = text.find('\n');
+    if (end == std::string_view::npos) break;  // an unfinished last line
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end + 1);
+    RolloutMemo::Seen seen;
+    const char* cursor = line.data();
+    const char* const last = line.data() + line.size();
+    auto [afterSize, sizeError] = std::from_chars(cursor, last, seen.size);
+    if (sizeError != std::errc() || afterSize == last || *afterSize != ' ') continue;
+    auto [afterTime, timeError] = std::from_chars(afterSize + 1, last, seen.modifiedNanoseconds);
+    if (timeError != std::errc() || afterTime == last || *afterTime != ' ') continue;
+    const std::string_view path(afterTime + 1, static_cast<std::size_t>(last - afterTime - 1));
+    if (path.empty() || path.front() != '/') continue;
+    memo.fruitless[std::string(path)] = seen;
+  }
+  return memo;
+}
+
 std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome,
-                                                          Date now) {
+                                                          Date now, RolloutMemo* memo) {
   using namespace codex_rollouts;
   const auto rollouts = rolloutsNewestFirst(codexHome);
+  if (memo != nullptr) forgetUnlisted(*memo, rollouts);
   if (rollouts.empty()) return CodexShortfall::noSessions;
   const double oldest = now.unixSeconds() - recentSeconds;
   std::optional<CodexLimits> best;
@@ -198,10 +302,9 @@ std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem:
       break;
     }
     const std::uint64_t left = newest ? UINT64_MAX : readBudgetBytes - spent;
-    // A compressed file is read from its start, so only whole ones are worth reading.
-    if (rollout.compressed && rollout.size > left) continue;
-    FileReading reading =
-        rollout.compressed ? readCompressed(rollout.path) : readPlain(rollout.path, left);
+    auto read = readRollout(rollout, left, memo);
+    if (!read) continue;
+    FileReading& reading = *read;
     spent += reading.bytesRead;
     for (auto& [id, limits] : reading.others) keepNewest(others, std::move(limits));
     if (!reading.codex) continue;

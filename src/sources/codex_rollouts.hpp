@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -45,6 +46,26 @@ inline constexpr std::uint64_t readBudgetBytes = 64ULL * 1024 * 1024;
 inline constexpr double parallelSeconds = 10 * 60;
 }  // namespace codex_rollouts
 
+// Rollouts that were read whole without a usable line, with the size and modification time they
+// had then: while those stay the same the file is not read again, so accounts whose rollouts carry
+// no limits cost a listing, not a gigabyte, on every publication.
+struct RolloutMemo {
+  struct Seen {
+    std::uint64_t size = 0;
+    std::int64_t modifiedNanoseconds = 0;
+    friend bool operator==(const Seen&, const Seen&) = default;
+  };
+  std::unordered_map<std::string, Seen> fruitless;  // by path
+  bool changed = false;  // entries were added or dropped by the last read
+
+  friend bool operator==(const RolloutMemo&, const RolloutMemo&) = default;
+};
+
+// The memo as text, a line per file ("<size> <mtime ns> <path>"), and back; lines that do not
+// read so (and paths with a newline, which are never written) are left out.
+std::string memoText(const RolloutMemo& memo);
+RolloutMemo parseMemo(std::string_view text);
+
 // Codex's limits at `now` from `codexHome`/sessions/YYYY/MM/DD/ and `codexHome`/archived_sessions/
 // (any depth): `rollout-*.jsonl`, and `rollout-*.jsonl.zst` where no plain sibling exists. Files
 // are looked through newest-modified first: the newest always, then those modified within
@@ -52,7 +73,9 @@ inline constexpr double parallelSeconds = 10 * 60;
 // the latest timestamp among the last usable lines of the files modified within parallelSeconds
 // of the newest file that has one. Plain files are read from their end in chunks, compressed ones
 // streaming; a compressed file that is truncated, corrupt or too large gives nothing.
+// With a `memo`, files it knows are skipped, files read whole without a usable line are added and
+// files no longer listed dropped.
 std::variant<CodexLimits, CodexShortfall> readCodexLimits(const std::filesystem::path& codexHome,
-                                                          Date now);
+                                                          Date now, RolloutMemo* memo = nullptr);
 
 }  // namespace korvo

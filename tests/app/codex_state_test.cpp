@@ -24,8 +24,14 @@ const std::string rollout =
     "\n";
 
 const std::string expectedState =
-    R"({"rollouts":{"source":"Codex CLI","fetchedAt":"2026-11-15T01:30:05Z","planType":"pro","credits":{"hasCredits":true,"unlimited":false,"balance":"5.39"},"otherLimits":[{"limitId":"codex_bengalfox","limitName":"GPT-5.1-Codex-Max","fetchedAt":"2026-11-15T01:30:06Z","windows":[{"title":"5-hour","usedPercent":3.0,"resetsAt":"2026-11-15T05:20:00Z"}]}]}})"
+    R"({"rollouts":{"source":"Codex CLI","fetchedAt":"2026-11-15T01:30:05Z","windows":[{"title":"5-hour","usedPercent":20.0,"resetsAt":"2026-11-15T05:20:00Z"},{"title":"Weekly","usedPercent":40.0,"resetsAt":"2026-11-19T14:53:20Z"}],"planType":"pro","credits":{"hasCredits":true,"unlimited":false,"balance":"5.39"},"otherLimits":[{"limitId":"codex_bengalfox","limitName":"GPT-5.1-Codex-Max","fetchedAt":"2026-11-15T01:30:06Z","windows":[{"title":"5-hour","usedPercent":3.0,"resetsAt":"2026-11-15T05:20:00Z"}]}]}})"
     "\n";
+
+// A world whose Codex is read from its rollouts alone.
+class RolloutWorld : public KorvoWorld {
+ public:
+  RolloutWorld() { write("config/korvo/settings.json", R"({"codexLive": false})"); }
+};
 
 std::filesystem::path stateFile(const KorvoWorld& world) {
   return world.home() / ".local/state/korvo/codex.json";
@@ -38,7 +44,7 @@ mode_t permissions(const std::filesystem::path& path) {
 }
 
 TEST(CodexStateTest, PublishKeepsPlanCreditsAndOtherLimitsInKorvosOwnPrivateState) {
-  KorvoWorld world;
+  RolloutWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
   const mode_t previous = ::umask(0);
   const auto result = world.korvo({"publish"});
@@ -55,14 +61,36 @@ TEST(CodexStateTest, PublishKeepsPlanCreditsAndOtherLimitsInKorvosOwnPrivateStat
 }
 
 TEST(CodexStateTest, PrintWritesNoState) {
-  KorvoWorld world;
+  RolloutWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
+  world.write("codex/sessions/2026/11/14/rollout-team.jsonl", "{}\n");
   ASSERT_EQ(world.korvo({"publish", "--print"}).exitCode, 0);
   EXPECT_FALSE(std::filesystem::exists(stateFile(world)));
+  EXPECT_FALSE(std::filesystem::exists(world.home() / ".cache"));
+}
+
+TEST(CodexStateTest, PublishRemembersRolloutsWithoutLimitsPrivatelyByNameSizeAndTime) {
+  RolloutWorld world;
+  const auto team =
+      world.write("codex/sessions/2026/11/14/rollout-team.jsonl",
+                  R"({"type":"event_msg","payload":{"type":"token_count","rate_limits":null}})"
+                  "\n");
+  world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
+  const mode_t previous = ::umask(0);
+  const auto result = world.korvo({"publish"});
+  ::umask(previous);
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const auto memo = world.home() / ".cache/korvo/codex-rollouts.memo";
+  const std::string text = readFile(memo);
+  EXPECT_NE(text.find(" " + team.string() + "\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("rollout-a"), std::string::npos) << "a rollout with limits was remembered";
+  EXPECT_EQ(text.find("token_count"), std::string::npos);
+  EXPECT_EQ(permissions(memo), 0600u);
+  EXPECT_EQ(permissions(memo.parent_path()), 0700u);
 }
 
 TEST(CodexStateTest, APublishWithoutAReadingKeepsTheLastState) {
-  KorvoWorld world;
+  RolloutWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
   ASSERT_EQ(world.korvo({"publish"}).exitCode, 0);
   world.write(
@@ -74,7 +102,7 @@ TEST(CodexStateTest, APublishWithoutAReadingKeepsTheLastState) {
 }
 
 TEST(CodexStateTest, ANewerZipBombOrCorruptRolloutLeavesThePublishedFiguresAsTheyWere) {
-  KorvoWorld world;
+  RolloutWorld world;
   world.write("codex/sessions/2026/11/15/rollout-a.jsonl", rollout);
   ASSERT_EQ(world.korvo({"publish", "--now", "2026-11-15T02:00:00Z"}).exitCode, 0);
   const auto figures = [&] {
@@ -108,12 +136,13 @@ TEST(CodexStateTest, OtherKeysOfTheFileAreKeptAndABrokenFileIsStartedAnew) {
       std::nullopt,
       {}};
   const std::string reading =
-      R"({"source":"Codex CLI","fetchedAt":"1970-01-01T00:00:00Z","planType":"plus","credits":null,"otherLimits":[]})";
-  EXPECT_EQ(codex_state_file::document(R"({"live":{"x":1},"rollouts":{"old":true}})", limits),
+      R"({"source":"Codex CLI","fetchedAt":"1970-01-01T00:00:00Z","windows":[{"title":"5-hour","usedPercent":1.0,"resetsAt":null}],"planType":"plus","credits":null,"otherLimits":[]})";
+  EXPECT_EQ(codex_state_file::document(R"({"live":{"x":1},"rollouts":{"old":true}})", {limits, {}}),
             R"({"live":{"x":1},"rollouts":)" + reading + "}\n");
   for (const std::string& broken :
        std::vector<std::string>{"", "[1]", "{\"a\":", std::string(5000, '[')}) {
-    EXPECT_EQ(codex_state_file::document(broken, limits), R"({"rollouts":)" + reading + "}\n");
+    EXPECT_EQ(codex_state_file::document(broken, {limits, {}}),
+              R"({"rollouts":)" + reading + "}\n");
   }
 }
 

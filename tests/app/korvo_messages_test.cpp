@@ -69,7 +69,8 @@ TEST(KorvoMessagesTest, AnEmptyValueIsRefusedNotTakenForNone) {
            "availablePercent, availableGB, usedOfTotal\n"},
           {{"settings", ""},
            "korvo: unknown setting \"\"; valid: temperature, codex, claude, codexHome, "
-           "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, "
+           "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, codexLive, "
+           "codexLiveMinutes, codexCommand, "
            "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
           {{"open", ""},
            "korvo: not a korvo:// link: \"\"; valid: korvo://usage, korvo://ai, "
@@ -95,7 +96,8 @@ TEST(KorvoMessagesTest, ValuesEchoedAreEscapedOntoOneLine) {
            "korvo: temperature: not a boolean: \"on\\nyes\"; valid: true, false\n"},
           {{"settings", "col\x1bour", "red"},
            "korvo: unknown setting \"col\\x1Bour\"; valid: temperature, codex, claude, "
-           "codexHome, publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, "
+           "codexHome, publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, codexLive, "
+           "codexLiveMinutes, codexCommand, "
            "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
           {{"settings", "codexHome", "relative\r"},
            "korvo: codexHome: not an absolute path: \"relative\\r\"\n"},

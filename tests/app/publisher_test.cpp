@@ -18,6 +18,8 @@ const CodexLimits codexLimits{
     std::nullopt,
     {}};
 
+const CodexFound codexFound{codexLimits, codexLimits, std::nullopt, {}};
+
 const UsageState claudeFigures{
     true,
     UsageSnapshot{{{"5-hour", 10, std::nullopt}, {"Weekly", 20, std::nullopt}},
@@ -31,7 +33,7 @@ WidgetSnapshot fileWithClaude() {
 
 TEST(PublisherTest, AllOnWritesTheReadingCodexsWindowsAndKeepsClaudesFigures) {
   const auto snapshot =
-      compose(fileWithClaude(), Settings{}, Collected{hot, codexLimits, true}, now);
+      compose(fileWithClaude(), Settings{}, Collected{hot, codexFound, true}, now);
   const WidgetSnapshot expected{
       now,          61.5, now, true, UsageState{true, codexLimits.snapshot, std::nullopt, false},
       claudeFigures};
@@ -41,14 +43,14 @@ TEST(PublisherTest, AllOnWritesTheReadingCodexsWindowsAndKeepsClaudesFigures) {
 TEST(PublisherTest, TemperatureOffLeavesOutTheReading) {
   Settings settings;
   settings.temperature = false;
-  const auto snapshot = compose(fileWithClaude(), settings, Collected{hot, codexLimits, true}, now);
+  const auto snapshot = compose(fileWithClaude(), settings, Collected{hot, codexFound, true}, now);
   EXPECT_FALSE(snapshot.temperatureEnabled);
   EXPECT_EQ(snapshot.temperature, std::nullopt);
   EXPECT_EQ(snapshot.temperatureDate, std::nullopt);
 }
 
 TEST(PublisherTest, NoSensorLeavesOutTheReadingButKeepsItEnabled) {
-  const auto snapshot = compose({}, Settings{}, Collected{std::nullopt, codexLimits, true}, now);
+  const auto snapshot = compose({}, Settings{}, Collected{std::nullopt, codexFound, true}, now);
   EXPECT_TRUE(snapshot.temperatureEnabled);
   EXPECT_EQ(snapshot.temperature, std::nullopt);
 }
@@ -64,17 +66,18 @@ TEST(PublisherTest, DisabledProvidersAreTheBareDisabledState) {
 }
 
 TEST(PublisherTest, CodexShortfallsBecomeItsMessage) {
-  EXPECT_EQ(codexState(true, CodexShortfall::noSessions),
-            (UsageState{true, std::nullopt, "No Codex sessions found", false}));
-  EXPECT_EQ(codexState(true, CodexShortfall::noLimits),
+  EXPECT_EQ(
+      codexState(true, CodexFound{CodexShortfall::noSessions, std::nullopt, std::nullopt, {}}),
+      (UsageState{true, std::nullopt, "No Codex sessions found", false}));
+  EXPECT_EQ(codexState(true, CodexFound{CodexShortfall::noLimits, std::nullopt, std::nullopt, {}}),
             (UsageState{true, std::nullopt, "No limits in Codex logs yet", false}));
 }
 
 TEST(PublisherTest, ClaudeWithoutFiguresSaysTheStatusLineIsNotSetUpUnlessItIs) {
-  const auto notSetUp = compose({}, Settings{}, Collected{hot, codexLimits, false}, now);
+  const auto notSetUp = compose({}, Settings{}, Collected{hot, codexFound, false}, now);
   EXPECT_EQ(notSetUp.claude,
             (UsageState{true, std::nullopt, "Claude status line not set up", false}));
-  const auto setUp = compose({}, Settings{}, Collected{hot, codexLimits, true}, now);
+  const auto setUp = compose({}, Settings{}, Collected{hot, codexFound, true}, now);
   EXPECT_EQ(setUp.claude, (UsageState{true, std::nullopt, std::nullopt, false}));
 }
 
@@ -82,7 +85,7 @@ TEST(PublisherTest, IsRefreshingIsNeverWrittenTrue) {
   auto file = fileWithClaude();
   file.claude.isRefreshing = true;
   file.codex.isRefreshing = true;
-  const auto snapshot = compose(file, Settings{}, Collected{hot, codexLimits, true}, now);
+  const auto snapshot = compose(file, Settings{}, Collected{hot, codexFound, true}, now);
   EXPECT_FALSE(snapshot.codex.isRefreshing);
   EXPECT_FALSE(snapshot.claude.isRefreshing);
 }

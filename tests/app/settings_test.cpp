@@ -25,10 +25,12 @@ TEST(SettingsTest, EveryKeyIsRead) {
   const auto settings =
       parseSettings(R"({"temperature":false,"codex":false,"claude":false,"codexHome":"/srv/codex",)"
                     R"("publishSeconds":5,"awakeMinutes":90,"memoryDisplayMode":"usedGB",)"
-                    R"("waybarSignal":8,"awakeWhileAgentsWork":false,"agentIdleMinutes":240,)"
-                    R"("agentNotices":false})");
-  const Settings expected{false, false, false, "/srv/codex", 5, 90, DisplayMode::usedGB,
-                          8,     false, 240,   false};
+                    R"("waybarSignal":8,"codexLive":false,"codexLiveMinutes":1440,)"
+                    R"("codexCommand":"/opt/codex/bin/codex","awakeWhileAgentsWork":false,)"
+                    R"("agentIdleMinutes":240,"agentNotices":false})");
+  const Settings expected{
+      false, false, false, "/srv/codex",           5,     90,  DisplayMode::usedGB,
+      8,     false, 1440,  "/opt/codex/bin/codex", false, 240, false};
   EXPECT_EQ(std::get<Settings>(settings), expected);
 }
 
@@ -51,6 +53,11 @@ TEST(SettingsTest, BadDocumentsNameTheirFault) {
       {R"({"memoryDisplayMode":"percent"})", "memoryDisplayMode must be one of usedPercent"},
       {R"({"codexHome":"relative/codex"})", "codexHome must be an absolute path"},
       {R"({"claude":true,"claude":false})", "duplicate key claude"},
+      {R"({"codexLive":"on"})", "codexLive"},
+      {R"({"codexLiveMinutes":0})", "codexLiveMinutes must be a whole number in 1–1440"},
+      {R"({"codexLiveMinutes":1441})", "codexLiveMinutes"},
+      {R"({"codexCommand":""})", "codexCommand must not be empty"},
+      {R"({"codexCommand":7})", "codexCommand"},
   };
   for (const auto& [document, fault] : cases) {
     const auto settings = parseSettings(document);
@@ -70,6 +77,9 @@ TEST(SettingsTest, CommandLineValuesBecomeJsonValuesOfTheirKey) {
   EXPECT_EQ(settingValue("memoryDisplayMode", "availableGB"), "availableGB");
   EXPECT_EQ(settingValue("codexHome", "/srv/codex"), "/srv/codex");
   EXPECT_TRUE(settingValue("codexHome", "").is_null());
+  EXPECT_EQ(settingValue("codexLive", "false"), false);
+  EXPECT_EQ(settingValue("codexLiveMinutes", "30"), 30);
+  EXPECT_EQ(settingValue("codexCommand", "/opt/codex/bin/codex"), "/opt/codex/bin/codex");
 }
 
 TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
@@ -82,6 +92,9 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
       {"agentNotices", "no", "valid: true, false"},
       {"memoryDisplayMode", "used", "valid: usedPercent, usedGB, availablePercent"},
       {"codexHome", "codex", "not an absolute path"},
+      {"codexLiveMinutes", "0", "1–1440"},
+      {"codexLive", "1", "valid: true, false"},
+      {"codexCommand", "", "not a program name or path"},
       {"colour", "red", "valid: temperature, codex, claude, codexHome, publishSeconds"},
   };
   for (const auto& [key, value, hint] : cases) {
@@ -98,6 +111,7 @@ TEST(SettingsTest, TheDocumentListsEveryKeyInOrder) {
   EXPECT_EQ(settingsDocument(Settings{}).dump(),
             R"({"temperature":true,"codex":true,"claude":true,"publishSeconds":60,)"
             R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent","waybarSignal":0,)"
+            R"("codexLive":true,"codexLiveMinutes":5,"codexCommand":"codex",)"
             R"("awakeWhileAgentsWork":true,"agentIdleMinutes":5,"agentNotices":true})");
 }
 

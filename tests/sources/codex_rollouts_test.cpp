@@ -324,6 +324,86 @@ TEST_F(CodexRolloutsTest, OtherLimitsPlanAndCreditsComeWithTheReading) {
   EXPECT_EQ(found->snapshot.windows.at(0).usedPercent, 20);
 }
 
+TEST_F(CodexRolloutsTest, RolloutsReadWholeWithoutLimitsAreRememberedAndNotReadAgain) {
+  const std::string team = chatter + nullLimits("2026-11-15T01:30:05Z") + chatter;
+  const auto file = rollout("2026/11/15", "team", team, 1000);
+  rollout("2026/11/15", "chatter", chatter, 900);
+  RolloutMemo memo;
+  EXPECT_EQ(readCodexLimits(home.path(), now, &memo), noLimits);
+  EXPECT_TRUE(memo.changed);
+  ASSERT_EQ(memo.fruitless.size(), 2u);
+  EXPECT_EQ(memo.fruitless.at(file.native()).size, team.size());
+  EXPECT_EQ(memo.fruitless.at(file.native()).modifiedNanoseconds, 1000LL * 1'000'000'000);
+
+  // Same size and time: the memo is believed and the file not opened, even if it now held limits.
+  std::string usable = tokenCount("2026-11-15T01:30:05Z", 10, 20);
+  usable.resize(team.size() - 1, ' ');
+  rollout("2026/11/15", "team", usable + "\n", 1000);
+  memo.changed = false;
+  EXPECT_EQ(readCodexLimits(home.path(), now, &memo), noLimits);
+  EXPECT_FALSE(memo.changed);
+
+  // Written again, the file is read again and leaves the memo.
+  rollout("2026/11/15", "team", usable + "\n", 1001);
+  const auto result = readCodexLimits(home.path(), now, &memo);
+  ASSERT_TRUE(std::holds_alternative<CodexLimits>(result));
+  EXPECT_EQ(std::get<CodexLimits>(result).snapshot.windows.at(1).usedPercent, 20);
+  EXPECT_FALSE(memo.fruitless.contains(file.native()));
+  EXPECT_TRUE(memo.fruitless.contains(
+      (home.path() / "sessions/2026/11/15/rollout-chatter.jsonl").native()));
+}
+
+TEST_F(CodexRolloutsTest, FilesNoLongerThereLeaveTheMemoAndPartlyReadOnesNeverEnterIt) {
+  RolloutMemo memo;
+  memo.fruitless["/gone/rollout-x.jsonl"] = {10, 20};
+  // Over the budget, the second file is read only in part: it may hold limits further up.
+  rollout("2026/11/15", "newest", tokenCount("2026-11-15T01:30:05Z", 1, 2), 2000);
+  const std::string big(static_cast<std::size_t>(codex_rollouts::readBudgetBytes) + 4096, '\n');
+  rollout("2026/11/15", "big", tokenCount("2026-11-14T01:30:05Z", 1, 2) + big, 1000);
+  ASSERT_TRUE(std::holds_alternative<CodexLimits>(readCodexLimits(home.path(), now, &memo)));
+  EXPECT_TRUE(memo.changed);
+  EXPECT_TRUE(memo.fruitless.empty());
+}
+
+TEST_F(CodexRolloutsTest, AThousandNullLimitRolloutsAreReadSixtyFourMebibytesAtATimeThenNoMore) {
+  // A Team user's week: a thousand rollouts of a mebibyte, every token count's limits null.
+  std::string body;
+  while (body.size() < std::size_t{1} << 20) body += chatter + nullLimits("2026-11-15T01:30:05Z");
+  for (int index = 0; index < 1000; ++index) {
+    rollout("2026/11/" + std::to_string(10 + index / 200),
+            "2026-11-15T01-30-00-" + std::to_string(1000 + index), body, 99'000 - index * 60);
+  }
+  RolloutMemo memo;
+  // Each reading takes files, newest first, until the budget is spent, and remembers those it
+  // read whole (the last one it read only in part).
+  const std::size_t perReading = codex_rollouts::readBudgetBytes / body.size();
+  EXPECT_EQ(readCodexLimits(home.path(), now, &memo), noLimits);
+  EXPECT_EQ(memo.fruitless.size(), perReading);
+  std::size_t readings = 1;
+  while (memo.changed && readings < 100) {
+    memo.changed = false;
+    EXPECT_EQ(readCodexLimits(home.path(), now, &memo), noLimits);
+    ++readings;
+  }
+  EXPECT_EQ(memo.fruitless.size(), 1000u);
+  // Once all are known nothing changes: a reading is a listing.
+  EXPECT_EQ(readings, (1000 + perReading - 1) / perReading + 1);
+}
+
+TEST(RolloutMemoTest, TheTextGoesBothWaysAndOddLinesAreLeftOut) {
+  RolloutMemo memo;
+  memo.fruitless["/home/u/.codex/sessions/2026/11/15/rollout-a b.jsonl"] = {1048576,
+                                                                            1795600000123456789};
+  memo.fruitless["/a/rollout-\nnewline.jsonl"] = {1, 2};
+  const std::string text = memoText(memo);
+  EXPECT_EQ(text,
+            "1048576 1795600000123456789 /home/u/.codex/sessions/2026/11/15/rollout-a b.jsonl\n");
+  RolloutMemo back =
+      parseMemo(text + "x 1 /a\n1 y /a\n1 2 relative\n-1 2 /a\n1 2\n1 2 /unfinished");
+  memo.fruitless.erase("/a/rollout-\nnewline.jsonl");
+  EXPECT_EQ(back, memo);
+}
+
 TEST(CodexShortfallTest, MessagesAreTheShortTexts) {
   EXPECT_EQ(message(CodexShortfall::noSessions), "No Codex sessions found");
   EXPECT_EQ(message(CodexShortfall::noLimits), "No limits in Codex logs yet");

@@ -19,16 +19,23 @@ class KorvoWorld {
       : sysroot_(sysroot) {}
 
   std::map<std::string, std::string> environment() const {
-    return {{"HOME", home().string()},
-            {"XDG_DATA_HOME", (home() / "data").string()},
-            {"XDG_CONFIG_HOME", (home() / "config").string()},
-            {"CODEX_HOME", codexHome().string()},
-            {"CLAUDE_CONFIG_DIR", claudeDir().string()},
-            {"KORVO_SYSROOT", sysroot_.string()},
-            {"KORVO_BUNDLE_INFO", KORVO_BUILD_DATA_DIR "/Info.json"},
-            {"LANG", "C.UTF-8"},
-            {"TZ", "UTC"},
-            {"PATH", "/usr/bin:/bin"}};
+    auto variables = extraEnvironment_;
+    variables.merge(
+        std::map<std::string, std::string>{{"HOME", home().string()},
+                                           {"XDG_DATA_HOME", (home() / "data").string()},
+                                           {"XDG_CONFIG_HOME", (home() / "config").string()},
+                                           {"CODEX_HOME", codexHome().string()},
+                                           {"CLAUDE_CONFIG_DIR", claudeDir().string()},
+                                           {"KORVO_SYSROOT", sysroot_.string()},
+                                           {"KORVO_BUNDLE_INFO", KORVO_BUILD_DATA_DIR "/Info.json"},
+                                           {"LANG", "C.UTF-8"},
+                                           {"TZ", "UTC"},
+                                           {"PATH", "/usr/bin:/bin"}});
+    return variables;
+  }
+  // A variable korvo runs with from now on, over the world's own.
+  void setEnvironment(const std::string& name, const std::string& value) {
+    extraEnvironment_[name] = value;
   }
 
   ProcessResult korvo(const std::vector<std::string>& args, const std::string& input = {}) const {
@@ -51,6 +58,7 @@ class KorvoWorld {
  private:
   TemporaryDirectory directory_;
   std::filesystem::path sysroot_;
+  std::map<std::string, std::string> extraEnvironment_;
 };
 
 }  // namespace korvo::testing_support
