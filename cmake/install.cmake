@@ -53,6 +53,9 @@ if(TARGET korvo)
   # `korvo service` looks for its GLib side here (src/app/hand_over.cpp).
   install(TARGETS korvo-service RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/korvo")
   korvo_install_program_data(korvo com.tessmoor.Korvo)
+  # The status icon while Keep Awake holds the machine awake.
+  install(FILES "${KORVO_DATA}/icons/com.tessmoor.Korvo-awake.svg"
+          DESTINATION "${KORVO_DATADIR}/icons/hicolor/scalable/status")
   list(APPEND KORVO_SESSION_UNITS korvo.service)
   list(APPEND KORVO_SESSION_DBUS com.tessmoor.Korvo.service)
   list(APPEND KORVO_SESSION_AUTOSTART com.tessmoor.Korvo.Service.desktop)

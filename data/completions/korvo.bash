@@ -33,10 +33,12 @@ _korvo() {
         settings)
             if ((cword == 2)); then
                 COMPREPLY=($(compgen -W "temperature codex claude codexHome publishSeconds
-                    awakeMinutes memoryDisplayMode waybarSignal" -- "$cur"))
+                    awakeMinutes memoryDisplayMode waybarSignal awakeWhileAgentsWork agentIdleMinutes
+                    agentNotices" -- "$cur"))
             elif ((cword == 3)); then
                 case ${words[2]} in
-                    temperature | codex | claude) COMPREPLY=($(compgen -W "true false" -- "$cur")) ;;
+                    temperature | codex | claude | awakeWhileAgentsWork | agentNotices)
+                        COMPREPLY=($(compgen -W "true false" -- "$cur")) ;;
                     memoryDisplayMode)
                         COMPREPLY=($(compgen -W "usedPercent usedGB availablePercent availableGB
                             usedOfTotal" -- "$cur"))

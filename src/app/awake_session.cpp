@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "shared/json_reader.hpp"
+#include "shared/moment_text.hpp"
 
 namespace korvo {
 
@@ -54,17 +55,44 @@ std::string_view inhibitorWord(Inhibitor inhibitor) {
   return inhibitor == Inhibitor::logind ? "logind" : "session";
 }
 
+std::optional<AwakeReason> awakeReason(const std::optional<AwakeSession>& session,
+                                       const std::optional<AgentHold>& hold) {
+  if (session) return AwakeReason::session;
+  if (hold) return AwakeReason::agents;
+  return std::nullopt;
+}
+
+std::optional<Date> awakeUntil(const std::optional<AwakeSession>& session,
+                               const std::optional<AgentHold>& hold) {
+  if (session && !session->endsAt) return std::nullopt;
+  if (session && hold) return std::max(*session->endsAt, hold->until);
+  if (session) return session->endsAt;
+  if (hold) return hold->until;
+  return std::nullopt;
+}
+
 nlohmann::ordered_json awakeStatusDocument(const std::optional<AwakeSession>& session,
+                                           const std::optional<AgentHold>& hold,
                                            const std::vector<Inhibitor>& held) {
-  nlohmann::ordered_json document;
-  document["active"] = session.has_value();
-  document["endsAt"] = session && session->endsAt
-                           ? nlohmann::ordered_json(session->endsAt->secondsSinceReferenceDate)
-                           : nlohmann::ordered_json(nullptr);
+  using Json = nlohmann::ordered_json;
+  const auto reason = awakeReason(session, hold);
+  const auto until = awakeUntil(session, hold);
+  Json document;
+  document["active"] = reason.has_value();
+  document["endsAt"] = until ? Json(until->secondsSinceReferenceDate) : Json(nullptr);
+  document["endsAtISO"] = until ? Json(isoMoment(*until)) : Json(nullptr);
   document["indefinite"] = session && !session->endsAt;
-  document["inhibitors"] = nlohmann::ordered_json::array();
+  document["inhibitors"] = Json::array();
   for (const Inhibitor inhibitor : held) {
     document["inhibitors"].push_back(std::string(inhibitorWord(inhibitor)));
+  }
+  document["reason"] = !reason                           ? Json(nullptr)
+                       : *reason == AwakeReason::session ? Json("session")
+                                                         : Json("agents");
+  document["agents"] = Json::array();
+  if (hold) {
+    for (const Agent agent : hold->agents)
+      document["agents"].push_back(std::string(agentName(agent)));
   }
   return document;
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/agent_hold.hpp"
 #include "app/awake_duration.hpp"
 #include "base/date.hpp"
 #include "shared/decode_result.hpp"
@@ -39,8 +40,20 @@ Decoded<AwakeSession> parseAwakeState(std::string_view json);
 enum class Inhibitor { logind, session };
 std::string_view inhibitorWord(Inhibitor inhibitor);
 
-// `korvo awake status --json`: {"active", "endsAt" (date or null), "indefinite", "inhibitors"}.
+// What keeps the machine awake: a session while one runs (it was asked for), else the agents.
+enum class AwakeReason { session, agents };
+std::optional<AwakeReason> awakeReason(const std::optional<AwakeSession>& session,
+                                       const std::optional<AgentHold>& hold);
+
+// When the machine may sleep again unless something changes: the later of the session's end and
+// the agents' hold; none while nothing holds it or an indefinite session runs.
+std::optional<Date> awakeUntil(const std::optional<AwakeSession>& session,
+                               const std::optional<AgentHold>& hold);
+
+// `korvo awake status --json`: {"active", "endsAt" (date or null), "endsAtISO", "indefinite",
+// "inhibitors", "reason" ("session", "agents" or null), "agents" (their names)}.
 nlohmann::ordered_json awakeStatusDocument(const std::optional<AwakeSession>& session,
+                                           const std::optional<AgentHold>& hold,
                                            const std::vector<Inhibitor>& held);
 
 }  // namespace korvo

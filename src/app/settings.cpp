@@ -18,6 +18,7 @@ struct Range {
 };
 constexpr Range publishSecondsRange{5, 3600};
 constexpr Range awakeMinutesRange{1, 1440};
+constexpr Range agentIdleMinutesRange{1, 240};
 // Waybar's module signals count from SIGRTMIN; Linux has 30 of them above it.
 constexpr Range waybarSignalRange{0, 30};
 constexpr Range codexLiveMinutesRange{1, 1440};
@@ -50,6 +51,8 @@ std::optional<Range> wholeRange(SettingKey key) {
       return waybarSignalRange;
     case SettingKey::codexLiveMinutes:
       return codexLiveMinutesRange;
+    case SettingKey::agentIdleMinutes:
+      return agentIdleMinutesRange;
     default:
       return std::nullopt;
   }
@@ -109,6 +112,9 @@ Decoded<Settings> parseSettings(std::string_view json) {
         throw json_reader::Failure{keyText(SettingKey::codexCommand) + " must not be empty"};
       }
     }
+    boolean(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
+    whole(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
+    boolean(SettingKey::agentNotices, settings.agentNotices);
     if (const Json* value = member(SettingKey::memoryDisplayMode)) {
       const auto raw = json_reader::readString(*value, keyText(SettingKey::memoryDisplayMode));
       const auto mode = displayModeFromRaw(raw);
@@ -140,6 +146,9 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   set(SettingKey::codexLive, settings.codexLive);
   set(SettingKey::codexLiveMinutes, settings.codexLiveMinutes);
   set(SettingKey::codexCommand, settings.codexCommand);
+  set(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
+  set(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
+  set(SettingKey::agentNotices, settings.agentNotices);
   return document;
 }
 
@@ -177,6 +186,8 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::codex:
     case SettingKey::claude:
     case SettingKey::codexLive:
+    case SettingKey::awakeWhileAgentsWork:
+    case SettingKey::agentNotices:
       if (text == "true") return true;
       if (text == "false") return false;
       throw UsageError(name + ": not a boolean: \"" + displayText(text) + "\"; valid: true, false");
@@ -184,6 +195,7 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::awakeMinutes:
     case SettingKey::waybarSignal:
     case SettingKey::codexLiveMinutes:
+    case SettingKey::agentIdleMinutes:
       return wholeValue(name, text, *wholeRange(*key));
   }
   return nullptr;

@@ -24,6 +24,9 @@ struct Settings {
   bool codexLive = true;     // ask Codex's app-server for its current limits
   int codexLiveMinutes = 5;  // minutes between two asks of a publication
   std::string codexCommand = "codex";  // the Codex program: a path, or a name found on PATH
+  bool awakeWhileAgentsWork = true;    // keep the machine awake while Codex or Claude Code writes
+  int agentIdleMinutes = 5;  // minutes without a write after which an agent counts as done
+  bool agentNotices = true;  // notify when the agents' hold starts and ends
 
   friend bool operator==(const Settings&, const Settings&) = default;
 };
@@ -39,11 +42,14 @@ enum class SettingKey {
   waybarSignal,
   codexLive,
   codexLiveMinutes,
-  codexCommand
+  codexCommand,
+  awakeWhileAgentsWork,
+  agentIdleMinutes,
+  agentNotices
 };
 
 // The keys of the settings file, in the order they are listed.
-inline constexpr Words<SettingKey, 11> settingKeyWords{{
+inline constexpr Words<SettingKey, 14> settingKeyWords{{
     {"temperature", SettingKey::temperature},
     {"codex", SettingKey::codex},
     {"claude", SettingKey::claude},
@@ -55,6 +61,9 @@ inline constexpr Words<SettingKey, 11> settingKeyWords{{
     {"codexLive", SettingKey::codexLive},
     {"codexLiveMinutes", SettingKey::codexLiveMinutes},
     {"codexCommand", SettingKey::codexCommand},
+    {"awakeWhileAgentsWork", SettingKey::awakeWhileAgentsWork},
+    {"agentIdleMinutes", SettingKey::agentIdleMinutes},
+    {"agentNotices", SettingKey::agentNotices},
 }};
 
 // The key as the settings file writes it.

@@ -36,7 +36,7 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
       appearance_(std::nullopt, [this] { appearanceChanged(); }),
       ai_(appearance_),
       memory_(appearance_),
-      awake_(keepAwake, [this] { return current_.awakeMinutes; }),
+      awake_(keepAwake, current_),
       aiOpened_(std::move(aiOpened)) {
   gtk_window_set_title(GTK_WINDOW(window_), std::string(AppIdentity::applicationTitle).c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);

@@ -4,10 +4,12 @@
 #include <gtk/gtk.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <csignal>
 #include <iostream>
 #include <sstream>
 
+#include "app/awake_state_line.hpp"
 #include "app/settings_file.hpp"
 #include "base/clock.hpp"
 #include "base/command_line_words.hpp"
@@ -17,7 +19,7 @@
 #include "base/text.hpp"
 #include "dashboard/dashboard_window.hpp"
 #include "dashboard/tray_indicator.hpp"
-#include "gtk/notification.hpp"
+#include "gtk/notifier.hpp"
 #include "gtk/session_bus.hpp"
 #include "sampling/memory_format.hpp"
 #include "sampling/system_sampler.hpp"
@@ -28,6 +30,8 @@ namespace {
 
 // Seconds between two readings of the memory figure the indicator shows.
 constexpr guint figureSeconds = 60;
+// What "Extend 30 min" on the notification of a session's end adds.
+constexpr std::int64_t extendSeconds = std::int64_t{30} * 60;
 
 HostApplication& hostOf(gpointer self) {
   return *static_cast<HostApplication*>(self);
@@ -51,12 +55,23 @@ void complain(GApplicationCommandLine* invocation, const std::string& line) {
 }
 
 std::string statusLine(const std::optional<AwakeSession>& session,
-                       const std::vector<Inhibitor>& held) {
-  if (!session) return _("Keep Awake is off.");
-  const std::string until = session->endsAt
+                       const std::optional<AgentHold>& agents, const std::vector<Inhibitor>& held) {
+  if (!session && !agents) return _("Keep Awake is off.");
+  const std::string until = !session ? _("while ") + agentsWorkingText(agents->agents)
+                            : session->endsAt
                                 ? _("until ") + shortTimeOrDateTime(*session->endsAt, clock::now())
                                 : _("until stopped");
-  return _("Keep Awake is on ") + until + " (" + joined(held, ", ", inhibitorWord) + ").";
+  // The agents' hold stands even when no inhibitor could be had: the line says so.
+  const std::string inhibitors =
+      held.empty() ? _("no inhibitor held") : joined(held, ", ", inhibitorWord);
+  return _("Keep Awake is on ") + until + " (" + inhibitors + ").";
+}
+
+// "This machine stays awake until Codex has been quiet for 5 min.": when the agents' hold lets go.
+std::string quietText(const std::vector<Agent>& agents, const Settings& settings) {
+  return _("This machine stays awake until ") + joined(agents, _(" and "), agentName) +
+         (agents.size() == 1 ? _(" has been quiet for ") : _(" have been quiet for ")) +
+         std::to_string(settings.agentIdleMinutes) + _(" min.");
 }
 
 }  // namespace
@@ -83,8 +98,9 @@ HostApplication::~HostApplication() {
   if (figureTimer_ != 0) g_source_remove(figureTimer_);
   tray_.reset();
   dashboard_.reset();
-  keepAwake_.reset();
   publishing_.reset();
+  keepAwake_.reset();
+  notifier_.reset();
   g_object_unref(application_);
 }
 
@@ -104,30 +120,31 @@ void HostApplication::startup() {
         },
         this);
   }
-  publishing_ = std::make_unique<PublishLoop>(std::cerr);
-  publishing_->start();
+  settings_ = settings_file::load(std::cerr);
+  notifier_ = std::make_unique<gtk::Notifier>(gtk::sessionBus());
   keepAwake_ = std::make_unique<KeepAwake>(
-      std::cerr, clockRate_, gtk::sessionBus(), [this] { awakeChanged(); },
-      [] {
-        gtk::sendNotification(_("Keep Awake ended"),
-                              _("This machine may sleep again when it is idle."), "Korvo");
-      });
+      std::cerr, clockRate_, gtk::sessionBus(),
+      KeepAwake::Events{
+          [this] { awakeChanged(); }, [this] { sessionRanOut(); },
+          [this](bool started, const std::vector<Agent>& agents) { agentsHold(started, agents); }});
   keepAwake_->resume();
+  keepAwake_->watchAgents(settings_);
+  publishing_ = std::make_unique<PublishLoop>(std::cerr);
+  publishing_->onSettingsRead([this](const Settings& settings) {
+    settings_ = settings;
+    keepAwake_->watchAgents(settings);
+    showAwake();
+  });
+  publishing_->start();
   if (!graphical_) return;
-  tray_ = std::make_unique<TrayIndicator>(
-      TrayIndicator::Actions{[this](DashboardTab tab) {
-                               dashboard()->present({tab, std::nullopt});
-                             },
-                             [this] {
-                               if (keepAwake_->session()) {
-                                 keepAwake_->stop();
-                               } else {
-                                 const auto settings = settings_file::load(std::cerr);
-                                 keepAwake_->start(AwakeDuration{settings.awakeMinutes * 60LL});
-                               }
-                             },
-                             [this] { dashboard()->presentSettings(); }, [this] { quit(); }});
-  tray_->setAwake(keepAwake_->session().has_value());
+  tray_ = std::make_unique<TrayIndicator>(TrayIndicator::Actions{
+      [this](DashboardTab tab) {
+        dashboard()->present({tab, std::nullopt});
+      },
+      [this](AwakeDuration duration) { told(keepAwake_->start(duration)); },
+      [this] { told(keepAwake_->stop()); }, [this](bool on) { watchAgents(on); },
+      [this] { dashboard()->presentSettings(); }, [this] { quit(); }});
+  showAwake();
   showFigure();
   figureTimer_ = g_timeout_add_seconds(
       figureSeconds,
@@ -175,9 +192,11 @@ int HostApplication::commandLine(GApplicationCommandLine* invocation) {
 int HostApplication::carryOut(const AwakeCommand& command, GApplicationCommandLine* invocation) {
   using Action = AwakeCommand::Action;
   if (command.action == Action::status) {
-    say(invocation, command.json
-                        ? awakeStatusDocument(keepAwake_->session(), keepAwake_->held()).dump()
-                        : statusLine(keepAwake_->session(), keepAwake_->held()));
+    say(invocation,
+        command.json
+            ? awakeStatusDocument(keepAwake_->session(), keepAwake_->agents(), keepAwake_->held())
+                  .dump()
+            : statusLine(keepAwake_->session(), keepAwake_->agents(), keepAwake_->held()));
     return exitSuccess;
   }
   const AwakeDuration duration =
@@ -218,7 +237,70 @@ DashboardWindow* HostApplication::dashboard() {
 
 void HostApplication::awakeChanged() {
   if (dashboard_) dashboard_->awakeChanged();
-  if (tray_) tray_->setAwake(keepAwake_->session().has_value());
+  showAwake();
+}
+
+void HostApplication::showAwake() {
+  if (!tray_) return;
+  const auto& session = keepAwake_->session();
+  const auto agents = keepAwake_->agents();
+  const Date now = clock::now();
+  TrayAwake awake;
+  awake.kept = !keepAwake_->held().empty();
+  awake.session = session.has_value();
+  if (session && session->endsAt) {
+    awake.minutesLeft =
+        std::max(1, static_cast<int>(std::ceil(session->endsAt->secondsSince(now) / 60)));
+  }
+  awake.watchAgents = settings_.awakeWhileAgentsWork;
+  awake.state = awakeStateLine(session, agents, awake.kept, now);
+  tray_->setAwake(awake);
+}
+
+void HostApplication::told(const KeepAwake::Outcome& outcome) {
+  if (outcome.exitCode == exitSuccess) return;
+  notifier_->send(_("Cannot keep this machine awake"),
+                  outcome.refused ? _("Neither the system nor the desktop session accepted the "
+                                      "request.")
+                                  : outcome.message);
+}
+
+void HostApplication::watchAgents(bool on) {
+  try {
+    settings_file::set(settingKeyWord(SettingKey::awakeWhileAgentsWork), on);
+  } catch (const std::exception& error) {
+    std::cerr << "korvo service: " << error.what() << std::endl;
+    showAwake();
+    return;
+  }
+  settings_.awakeWhileAgentsWork = on;
+  keepAwake_->watchAgents(settings_);
+  showAwake();
+}
+
+void HostApplication::sessionRanOut() {
+  const auto agents = keepAwake_->agents();
+  const auto openAwake = [this] {
+    if (graphical_) dashboard()->present({DashboardTab::awake, std::nullopt});
+  };
+  notifier_->send(
+      _("Keep Awake ended"),
+      agents ? quietText(agents->agents, settings_)
+             : _("This machine may sleep again when it is idle."),
+      {{"extend", _("Extend 30 min"), [this] { keepAwake_->extend(AwakeDuration{extendSeconds}); }},
+       {"open", _("Open Keep Awake"), openAwake},
+       {"default", _("Open Keep Awake"), openAwake}});
+}
+
+void HostApplication::agentsHold(bool started, const std::vector<Agent>& agents) {
+  if (!settings_.agentNotices) return;
+  if (started) {
+    notifier_->send(agentsWorkingText(agents), quietText(agents, settings_));
+  } else {
+    notifier_->send(agentsQuietText(agents),
+                    _("Nothing written for ") + std::to_string(settings_.agentIdleMinutes) +
+                        _(" min: this machine may sleep again when it is idle."));
+  }
 }
 
 void HostApplication::showFigure() {
@@ -226,6 +308,7 @@ void HostApplication::showFigure() {
   const auto reading = sampler.readMemory();
   const auto mode = settings_file::load(std::cerr).memoryDisplayMode;
   tray_->setFigure(reading ? MemoryFormat::modeText(*reading, mode) : "—");
+  showAwake();  // the minutes left, on the same wake-up
 }
 
 }  // namespace korvo

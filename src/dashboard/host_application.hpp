@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/host_command.hpp"
+#include "gtk/notifier.hpp"
 #include "service/keep_awake.hpp"
 #include "service/publish_loop.hpp"
 
@@ -38,11 +39,20 @@ class HostApplication {
   int open(const OpenDashboard& command, GApplicationCommandLine* invocation);
   DashboardWindow* dashboard();
   void awakeChanged();
+  // The tray's Keep Awake: icon, title, Stop's minutes and the agents' switch.
+  void showAwake();
+  // A failed command from the tray, in a notification.
+  void told(const KeepAwake::Outcome& outcome);
+  void watchAgents(bool on);
+  void sessionRanOut();
+  void agentsHold(bool started, const std::vector<Agent>& agents);
   void showFigure();
 
   GApplication* application_;
   bool graphical_;
   double clockRate_;
+  Settings settings_;  // as the last publication read them
+  std::unique_ptr<gtk::Notifier> notifier_;
   std::unique_ptr<PublishLoop> publishing_;
   std::unique_ptr<KeepAwake> keepAwake_;
   std::unique_ptr<DashboardWindow> dashboard_;

@@ -80,6 +80,17 @@ SettingsPage::SettingsPage() {
         pageOf(data).write(SettingKey::awakeMinutes, gtk_spin_button_get_value_as_int(spin));
       }),
       this);
+  agents_ = row(content, _("While Codex or Claude Code works"),
+                toggle(*this, SettingKey::awakeWhileAgentsWork));
+  agentIdleMinutes_ = row(content, _("Until they are quiet for (minutes)"),
+                          gtk_spin_button_new_with_range(1, 240, 1));
+  g_signal_connect(
+      agentIdleMinutes_, "value-changed", G_CALLBACK(+[](GtkSpinButton* spin, gpointer data) {
+        pageOf(data).write(SettingKey::agentIdleMinutes, gtk_spin_button_get_value_as_int(spin));
+      }),
+      this);
+  agentNotices_ = row(content, _("Notify when the agents start and stop"),
+                      toggle(*this, SettingKey::agentNotices));
 
   gtk_box_pack_start(GTK_BOX(content), heading(_("Memory")), FALSE, FALSE, 0);
   displayMode_ = row(content, _("Memory figure"), gtk_combo_box_text_new());
@@ -107,6 +118,9 @@ void SettingsPage::show(const Settings& settings) {
                              : codexHomeDirectory();
   if (codexHome) gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(codexHome_), codexHome->c_str());
   gtk_spin_button_set_value(GTK_SPIN_BUTTON(awakeMinutes_), settings.awakeMinutes);
+  gtk_switch_set_active(GTK_SWITCH(agents_), gtk::glibBool(settings.awakeWhileAgentsWork));
+  gtk_spin_button_set_value(GTK_SPIN_BUTTON(agentIdleMinutes_), settings.agentIdleMinutes);
+  gtk_switch_set_active(GTK_SWITCH(agentNotices_), gtk::glibBool(settings.agentNotices));
   gtk_combo_box_set_active_id(GTK_COMBO_BOX(displayMode_),
                               std::string(rawValue(settings.memoryDisplayMode)).c_str());
   const bool installed = claude_settings_file::runsKorvo();

@@ -10,9 +10,9 @@
 namespace korvo {
 
 // The dashboard's settings: Monitors → CPU temperature, the two providers (Codex's sessions
-// folder; Claude's status line, installed or a button that installs it), the Keep Awake default
-// and the memory figure's form. Every change is written to the settings file at once (the
-// service republishes on the change).
+// folder; Claude's status line, installed or a button that installs it), Keep Awake's default
+// length and its hold while agents work, and the memory figure's form. Every change is written to
+// the settings file at once (the service republishes on the change).
 class SettingsPage {
  public:
   SettingsPage();
@@ -33,6 +33,9 @@ class SettingsPage {
   GtkWidget* statusLine_;
   GtkWidget* install_;
   GtkWidget* awakeMinutes_;
+  GtkWidget* agents_;
+  GtkWidget* agentIdleMinutes_;
+  GtkWidget* agentNotices_;
   GtkWidget* displayMode_;
   GtkWidget* message_;
   bool showing_ = false;  // changes made by show() are not the user's

@@ -3,21 +3,37 @@
 #include <gtk/gtk.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "app/awake_duration.hpp"
 #include "shared/dashboard_tab.hpp"
 
 using AppIndicator = struct _AppIndicator;
 
 namespace korvo {
 
+// What the status icon shows of Keep Awake.
+struct TrayAwake {
+  bool kept = false;               // the machine is kept awake, by a session or the agents
+  bool session = false;            // a session runs, which Stop ends
+  std::optional<int> minutesLeft;  // minutes to the session's end, rounded up; none: no end
+  bool watchAgents = false;        // awake while Codex or Claude Code works
+  std::string state;               // what keeps it awake, in words, for the title
+
+  friend bool operator==(const TrayAwake&, const TrayAwake&) = default;
+};
+
 // The status icon (StatusNotifierItem through Ayatana AppIndicator): the memory figure as its
-// label, and a menu of the three tabs, Keep Awake start/stop, Settings and Quit.
+// label, an icon of its own while the machine is kept awake, and a menu of the three tabs, Keep
+// Awake's lengths, Stop and the agents' switch, Settings and Quit.
 class TrayIndicator {
  public:
   struct Actions {
     std::function<void(DashboardTab)> openTab;
-    std::function<void()> toggleAwake;  // starts a session of the default length, or stops it
+    std::function<void(AwakeDuration)> startAwake;
+    std::function<void()> stopAwake;
+    std::function<void(bool)> watchAgents;
     std::function<void()> openSettings;
     std::function<void()> quit;
   };
@@ -29,16 +45,23 @@ class TrayIndicator {
 
   // The label beside the icon ("47%").
   void setFigure(const std::string& figure);
-  // Whether a session runs: the Keep Awake item says Start or Stop.
-  void setAwake(bool running);
+  void setAwake(const TrayAwake& awake);
 
   const Actions& actions() const { return actions_; }
+  // The agents' switch was flipped: by the user unless the indicator itself is showing a state.
+  void agentsToggled(bool on) const;
 
  private:
+  void showTitle();
+
   Actions actions_;
   AppIndicator* indicator_ = nullptr;
   GtkWidget* menu_ = nullptr;
-  GtkWidget* awakeItem_ = nullptr;
+  GtkWidget* stopItem_ = nullptr;
+  GtkWidget* agentsItem_ = nullptr;
+  std::string figure_;
+  TrayAwake awake_;
+  bool showing_ = false;
 };
 
 }  // namespace korvo

@@ -4,6 +4,8 @@
 #include <gio/gunixfdlist.h>
 #include <unistd.h>
 
+#include <utility>
+
 namespace korvo {
 namespace {
 
@@ -60,10 +62,15 @@ Inhibitors::~Inhibitors() {
   if (systemBus_ != nullptr) g_object_unref(systemBus_);
 }
 
-std::vector<Inhibitor> Inhibitors::take(std::vector<std::string>& faults) {
+std::vector<Inhibitor> Inhibitors::take(const std::string& reason,
+                                        std::vector<std::string>& faults) {
+  Held old;
+  if (held_.reason != reason) old = std::exchange(held_, Held{});
+  held_.reason = reason;
   std::string fault;
-  if (logindDescriptor_ < 0 && !takeLogind(fault)) faults.push_back("logind: " + fault);
-  if (!sessionCookie_ && !takeSession(fault)) faults.push_back("session: " + fault);
+  if (held_.logindDescriptor < 0 && !takeLogind(fault)) faults.push_back("logind: " + fault);
+  if (!held_.sessionCookie && !takeSession(fault)) faults.push_back("session: " + fault);
+  give(old);
   return held();
 }
 
@@ -78,7 +85,7 @@ bool Inhibitors::takeLogind(std::string& fault) {
   GVariant* reply = g_dbus_connection_call_with_unix_fd_list_sync(
       systemBus_, "org.freedesktop.login1", "/org/freedesktop/login1",
       "org.freedesktop.login1.Manager", "Inhibit",
-      g_variant_new("(ssss)", "idle:sleep", "Korvo", "Keep Awake session", "block"),
+      g_variant_new("(ssss)", "idle:sleep", "Korvo", held_.reason.c_str(), "block"),
       G_VARIANT_TYPE("(h)"), G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, &descriptors, nullptr,
       &error);
   if (reply == nullptr) {
@@ -89,10 +96,10 @@ bool Inhibitors::takeLogind(std::string& fault) {
   g_variant_get(reply, "(h)", &index);
   g_variant_unref(reply);
   if (descriptors != nullptr) {
-    logindDescriptor_ = g_unix_fd_list_get(descriptors, index, &error);
+    held_.logindDescriptor = g_unix_fd_list_get(descriptors, index, &error);
     g_object_unref(descriptors);
   }
-  if (logindDescriptor_ < 0) {
+  if (held_.logindDescriptor < 0) {
     fault = faultOf(error, "Inhibit returned no descriptor");
     return false;
   }
@@ -105,21 +112,20 @@ bool Inhibitors::takeSession(std::string& fault) {
     fault = "no session bus";
     return false;
   }
-  gnomeSession_ = nameHasOwner(bus, "org.gnome.SessionManager");
+  held_.gnomeSession = nameHasOwner(bus, "org.gnome.SessionManager");
+  const char* reason = held_.reason.c_str();
   GError* error = nullptr;
   GVariant* reply =
-      gnomeSession_
+      held_.gnomeSession
           ? g_dbus_connection_call_sync(
                 bus, "org.gnome.SessionManager", "/org/gnome/SessionManager",
                 "org.gnome.SessionManager", "Inhibit",
-                g_variant_new("(susu)", "Korvo", 0U, "Keep Awake session",
-                              gnomeInhibitSuspendAndIdle),
+                g_variant_new("(susu)", "Korvo", 0U, reason, gnomeInhibitSuspendAndIdle),
                 G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, &error)
           : g_dbus_connection_call_sync(
                 bus, "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
-                "org.freedesktop.ScreenSaver", "Inhibit",
-                g_variant_new("(ss)", "Korvo", "Keep Awake session"), G_VARIANT_TYPE("(u)"),
-                G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, &error);
+                "org.freedesktop.ScreenSaver", "Inhibit", g_variant_new("(ss)", "Korvo", reason),
+                G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, &error);
   if (reply == nullptr) {
     fault = faultOf(error, "Inhibit failed");
     return false;
@@ -127,34 +133,40 @@ bool Inhibitors::takeSession(std::string& fault) {
   guint32 cookie = 0;
   g_variant_get(reply, "(u)", &cookie);
   g_variant_unref(reply);
-  sessionCookie_ = cookie;
+  held_.sessionCookie = cookie;
   return true;
 }
 
 void Inhibitors::release() {
-  if (logindDescriptor_ >= 0) ::close(logindDescriptor_);
-  logindDescriptor_ = -1;
-  if (!sessionCookie_) return;
+  give(held_);
+  held_ = Held{};
+}
+
+void Inhibitors::give(Held& held) {
+  if (held.logindDescriptor >= 0) ::close(held.logindDescriptor);
+  held.logindDescriptor = -1;
+  if (!held.sessionCookie) return;
   if (GDBusConnection* bus = sessionBus_) {
-    GVariant* reply =
-        gnomeSession_
-            ? g_dbus_connection_call_sync(
-                  bus, "org.gnome.SessionManager", "/org/gnome/SessionManager",
-                  "org.gnome.SessionManager", "Uninhibit", g_variant_new("(u)", *sessionCookie_),
-                  nullptr, G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, nullptr)
-            : g_dbus_connection_call_sync(
-                  bus, "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
-                  "org.freedesktop.ScreenSaver", "UnInhibit", g_variant_new("(u)", *sessionCookie_),
-                  nullptr, G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, nullptr);
+    GVariant* reply = held.gnomeSession
+                          ? g_dbus_connection_call_sync(
+                                bus, "org.gnome.SessionManager", "/org/gnome/SessionManager",
+                                "org.gnome.SessionManager", "Uninhibit",
+                                g_variant_new("(u)", *held.sessionCookie), nullptr,
+                                G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, nullptr)
+                          : g_dbus_connection_call_sync(
+                                bus, "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+                                "org.freedesktop.ScreenSaver", "UnInhibit",
+                                g_variant_new("(u)", *held.sessionCookie), nullptr,
+                                G_DBUS_CALL_FLAGS_NONE, callTimeout, nullptr, nullptr);
     if (reply != nullptr) g_variant_unref(reply);
   }
-  sessionCookie_.reset();
+  held.sessionCookie.reset();
 }
 
 std::vector<Inhibitor> Inhibitors::held() const {
   std::vector<Inhibitor> list;
-  if (logindDescriptor_ >= 0) list.push_back(Inhibitor::logind);
-  if (sessionCookie_) list.push_back(Inhibitor::session);
+  if (held_.logindDescriptor >= 0) list.push_back(Inhibitor::logind);
+  if (held_.sessionCookie) list.push_back(Inhibitor::session);
   return list;
 }
 

@@ -23,22 +23,30 @@ class Inhibitors {
   Inhibitors(const Inhibitors&) = delete;
   Inhibitors& operator=(const Inhibitors&) = delete;
 
-  // Takes whichever of the two is not yet held and can be had; a line for each that could not
-  // goes to `faults`. Returns what is held afterwards.
-  std::vector<Inhibitor> take(std::vector<std::string>& faults);
+  // Takes whichever of the two is not yet held and can be had, for `reason` ("Keep Awake
+  // session", "Codex is working"); a line for each that could not goes to `faults`. Held for
+  // another reason, they are taken anew before the old ones are given back, so the machine is
+  // never left unguarded in between. Returns what is held afterwards.
+  std::vector<Inhibitor> take(const std::string& reason, std::vector<std::string>& faults);
   // Gives back both: closes logind's descriptor, uninhibits the session's cookie.
   void release();
   std::vector<Inhibitor> held() const;
 
  private:
+  struct Held {
+    int logindDescriptor = -1;
+    std::optional<std::uint32_t> sessionCookie;
+    bool gnomeSession = false;  // the cookie is org.gnome.SessionManager's, not the screen saver's
+    std::string reason;
+  };
+
   bool takeLogind(std::string& fault);
   bool takeSession(std::string& fault);
+  void give(Held& held);
 
-  int logindDescriptor_ = -1;
   GDBusConnection* sessionBus_;
   GDBusConnection* systemBus_ = nullptr;
-  std::optional<std::uint32_t> sessionCookie_;
-  bool gnomeSession_ = false;  // the cookie is org.gnome.SessionManager's, not the screen saver's
+  Held held_;
 };
 
 }  // namespace korvo

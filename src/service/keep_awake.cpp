@@ -1,5 +1,6 @@
 #include "service/keep_awake.hpp"
 
+#include <algorithm>
 #include <ostream>
 
 #include "app/awake_state_file.hpp"
@@ -8,16 +9,24 @@
 #include "base/exit_codes.hpp"
 #include "base/text.hpp"
 #include "base/wake_up.hpp"
+#include "sources/user_paths.hpp"
 
 namespace korvo {
 
+namespace {
+
+// The reason logind and the session list for a session's inhibitors.
+const std::string sessionReason = "Keep Awake session";
+
+}  // namespace
+
 KeepAwake::KeepAwake(std::ostream& log, double clockRate, GDBusConnection* sessionBus,
-                     std::function<void()> changed, std::function<void()> ended)
+                     Events events)
     : log_(log),
       clockRate_(clockRate),
-      changed_(std::move(changed)),
-      ended_(std::move(ended)),
-      inhibitors_(sessionBus) {}
+      events_(std::move(events)),
+      inhibitors_(sessionBus),
+      agentWatch_(clockRate, [this] { agentsChanged(); }) {}
 
 KeepAwake::~KeepAwake() {
   if (timer_ != 0) g_source_remove(timer_);
@@ -51,22 +60,28 @@ KeepAwake::Outcome KeepAwake::stop() {
 
 KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
   std::vector<std::string> faults;
-  const auto held = inhibitors_.take(faults);
+  const auto held = inhibitors_.take(sessionReason, faults);
   if (held.empty()) {
-    if (session_) end(false);
-    return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; ")};
+    // Taking them anew gave back what the agents held: they take theirs again.
+    if (session_) {
+      end(false);
+    } else {
+      followAgents();
+    }
+    return {exitFailure, _("Cannot keep this machine awake: ") + joined(faults, "; "), true};
   }
   // A session the state file does not hold would be lost by a restarted service: not started.
   try {
     awake_state_file::save(session);
   } catch (const std::exception& error) {
-    if (!session_) inhibitors_.release();
+    if (!session_) followAgents();
     return {exitFailure, error.what() + std::string(session_ ? "; the session is unchanged"
                                                              : "; Keep Awake not started")};
   }
   session_ = session;
+  agentsHolding_ = false;  // the session holds now; the agents' hold ends silently beneath it
   armTimer();
-  changed_();
+  events_.changed();
   std::string message =
       session.endsAt ? _("Keep Awake until ") + shortTimeOrDateTime(*session.endsAt, clock::now())
                      : _("Keep Awake until stopped");
@@ -81,11 +96,59 @@ KeepAwake::Outcome KeepAwake::hold(AwakeSession session) {
 void KeepAwake::end(bool ranOut) {
   if (timer_ != 0) g_source_remove(timer_);
   timer_ = 0;
-  inhibitors_.release();
   session_.reset();
   keep();
-  changed_();
-  if (ranOut) ended_();
+  followAgents();
+  // Agents still working hold on from here; the session's end says so, and their end will.
+  agentsHolding_ = agents().has_value();
+  events_.changed();
+  if (ranOut) events_.ranOut();
+}
+
+void KeepAwake::watchAgents(const Settings& settings) {
+  const auto codexHome =
+      settings.codexHome ? std::filesystem::path(*settings.codexHome) : codexHomeDirectory();
+  const auto claudeDirectory = claudeConfigDirectory();
+  AgentWatch::Folders folders;
+  if (codexHome) folders.codexSessions = *codexHome / "sessions";
+  if (claudeDirectory) folders.claudeProjects = *claudeDirectory / "projects";
+  agentWatch_.watch(settings.awakeWhileAgentsWork, settings.agentIdleMinutes, folders);
+}
+
+void KeepAwake::agentsChanged() {
+  const auto hold = agents();
+  if (hold) {
+    for (const Agent agent : hold->agents) {
+      if (std::find(worked_.begin(), worked_.end(), agent) == worked_.end())
+        worked_.push_back(agent);
+    }
+    std::sort(worked_.begin(), worked_.end());
+  }
+  if (!session_) {
+    const bool before = agentsHolding_;
+    followAgents();
+    agentsHolding_ = hold.has_value();
+    if (agentsHolding_ != before) events_.agentsHold(agentsHolding_, hold ? hold->agents : worked_);
+  }
+  if (!hold) worked_.clear();
+  events_.changed();
+}
+
+void KeepAwake::followAgents() {
+  const auto hold = agents();
+  if (!hold) {
+    inhibitors_.release();
+    agentFaults_.clear();
+    return;
+  }
+  std::vector<std::string> faults;
+  inhibitors_.take(agentsWorkingText(hold->agents), faults);
+  const std::string fault = joined(faults, "; ");
+  if (!fault.empty() && fault != agentFaults_) {
+    log_ << "korvo service: " << agentsWorkingText(hold->agents)
+         << ", but this machine cannot be kept fully awake: " << fault << std::endl;
+  }
+  agentFaults_ = fault;
 }
 
 void KeepAwake::keep() {

@@ -126,6 +126,7 @@ gboolean PublishLoop::onFinished(gpointer self) {
   }
   loop->settings_ = std::move(outcome.settings);
   loop->log_ << outcome.log << std::flush;
+  if (loop->settingsRead_) loop->settingsRead_(loop->settings_);
   loop->publishing_ = false;
   if (loop->again_) {
     loop->again_ = false;

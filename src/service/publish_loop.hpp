@@ -40,6 +40,10 @@ class PublishLoop {
   // Disarms both and stops a publication under way (one waiting for the lock gives up at once);
   // nothing is published after it.
   void stop();
+  // `read` gets the settings each publication read, on the main context, after it.
+  void onSettingsRead(std::function<void(const Settings&)> read) {
+    settingsRead_ = std::move(read);
+  }
   // Publishes now, asking Codex's app-server whenever it was last asked (the AI tab opened).
   void askCodexNow();
 
@@ -62,6 +66,7 @@ class PublishLoop {
   LoadSettings load_;
   Publish publish_;
   std::ostream& log_;
+  std::function<void(const Settings&)> settingsRead_;
   Settings settings_;
   guint timer_ = 0;
   guint settle_ = 0;

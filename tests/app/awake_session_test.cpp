@@ -50,16 +50,47 @@ TEST(AwakeSessionTest, ABadStateFileNamesItsFault) {
   }
 }
 
-TEST(AwakeSessionTest, StatusDocumentHasTheFourKeys) {
-  EXPECT_EQ(
-      awakeStatusDocument(AwakeSession{Date{816400020}}, {Inhibitor::logind, Inhibitor::session})
-          .dump(),
-      R"({"active":true,"endsAt":816400020.0,"indefinite":false,)"
-      R"("inhibitors":["logind","session"]})");
-  EXPECT_EQ(awakeStatusDocument(AwakeSession{}, {Inhibitor::session}).dump(),
-            R"({"active":true,"endsAt":null,"indefinite":true,"inhibitors":["session"]})");
-  EXPECT_EQ(awakeStatusDocument(std::nullopt, {}).dump(),
-            R"({"active":false,"endsAt":null,"indefinite":false,"inhibitors":[]})");
+TEST(AwakeSessionTest, StatusDocumentSaysWhatHoldsUntilWhenAndWhy) {
+  const AgentHold codex{{Agent::codex}, Date{816400320}};
+  EXPECT_EQ(awakeStatusDocument(AwakeSession{Date{816400020}}, std::nullopt,
+                                {Inhibitor::logind, Inhibitor::session})
+                .dump(),
+            R"({"active":true,"endsAt":816400020.0,"endsAtISO":"2026-11-15T01:47:00Z",)"
+            R"("indefinite":false,"inhibitors":["logind","session"],"reason":"session",)"
+            R"("agents":[]})");
+  EXPECT_EQ(awakeStatusDocument(AwakeSession{}, codex, {Inhibitor::session}).dump(),
+            R"({"active":true,"endsAt":null,"endsAtISO":null,"indefinite":true,)"
+            R"("inhibitors":["session"],"reason":"session","agents":["Codex"]})");
+  EXPECT_EQ(awakeStatusDocument(std::nullopt, std::nullopt, {}).dump(),
+            R"({"active":false,"endsAt":null,"endsAtISO":null,"indefinite":false,)"
+            R"("inhibitors":[],"reason":null,"agents":[]})");
+  EXPECT_EQ(awakeStatusDocument(std::nullopt,
+                                AgentHold{{Agent::codex, Agent::claudeCode}, Date{816400020}},
+                                {Inhibitor::logind})
+                .dump(),
+            R"({"active":true,"endsAt":816400020.0,"endsAtISO":"2026-11-15T01:47:00Z",)"
+            R"("indefinite":false,"inhibitors":["logind"],"reason":"agents",)"
+            R"("agents":["Codex","Claude Code"]})");
+}
+
+TEST(AwakeSessionTest, ASessionAndTheAgentsHoldCombineTheLaterEndWinning) {
+  const AgentHold hold{{Agent::claudeCode}, Date{1000}};
+  EXPECT_EQ(awakeUntil(AwakeSession{Date{900}}, hold), Date{1000});
+  EXPECT_EQ(awakeUntil(AwakeSession{Date{1100}}, hold), Date{1100});
+  EXPECT_EQ(awakeUntil(AwakeSession{}, hold), std::nullopt);
+  EXPECT_EQ(awakeUntil(std::nullopt, hold), Date{1000});
+  EXPECT_EQ(awakeReason(AwakeSession{Date{900}}, hold), AwakeReason::session);
+  EXPECT_EQ(awakeReason(std::nullopt, hold), AwakeReason::agents);
+  EXPECT_EQ(awakeReason(std::nullopt, std::nullopt), std::nullopt);
+}
+
+TEST(AwakeSessionTest, TheAgentsReasonNamesThem) {
+  EXPECT_EQ(agentsWorkingText({Agent::codex}), "Codex is working");
+  EXPECT_EQ(agentsWorkingText({Agent::claudeCode}), "Claude Code is working");
+  EXPECT_EQ(agentsWorkingText({Agent::codex, Agent::claudeCode}),
+            "Codex and Claude Code are working");
+  EXPECT_EQ(agentsQuietText({Agent::claudeCode}), "Claude Code is quiet");
+  EXPECT_EQ(agentsQuietText({Agent::codex, Agent::claudeCode}), "Codex and Claude Code are quiet");
 }
 
 }  // namespace

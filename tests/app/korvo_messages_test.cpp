@@ -70,7 +70,8 @@ TEST(KorvoMessagesTest, AnEmptyValueIsRefusedNotTakenForNone) {
           {{"settings", ""},
            "korvo: unknown setting \"\"; valid: temperature, codex, claude, codexHome, "
            "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, codexLive, "
-           "codexLiveMinutes, codexCommand\n"},
+           "codexLiveMinutes, codexCommand, "
+           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
           {{"open", ""},
            "korvo: not a korvo:// link: \"\"; valid: korvo://usage, korvo://ai, "
            "korvo://resources, korvo://memory, korvo://awake\n"},
@@ -96,7 +97,8 @@ TEST(KorvoMessagesTest, ValuesEchoedAreEscapedOntoOneLine) {
           {{"settings", "col\x1bour", "red"},
            "korvo: unknown setting \"col\\x1Bour\"; valid: temperature, codex, claude, "
            "codexHome, publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, codexLive, "
-           "codexLiveMinutes, codexCommand\n"},
+           "codexLiveMinutes, codexCommand, "
+           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
           {{"settings", "codexHome", "relative\r"},
            "korvo: codexHome: not an absolute path: \"relative\\r\"\n"},
           {{"publish", "--now", "noon\n"},

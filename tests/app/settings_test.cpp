@@ -16,6 +16,8 @@ TEST(SettingsTest, MissingKeysTakeTheirDefaultsAndUnknownKeysAreIgnored) {
   EXPECT_EQ(std::get<Settings>(settings), Settings{});
   EXPECT_EQ(Settings{}.publishSeconds, 60);
   EXPECT_EQ(Settings{}.awakeMinutes, 60);
+  EXPECT_EQ(Settings{}.agentIdleMinutes, 5);
+  EXPECT_TRUE(Settings{}.awakeWhileAgentsWork && Settings{}.agentNotices);
   EXPECT_TRUE(Settings{}.temperature && Settings{}.codex && Settings{}.claude);
 }
 
@@ -24,9 +26,11 @@ TEST(SettingsTest, EveryKeyIsRead) {
       parseSettings(R"({"temperature":false,"codex":false,"claude":false,"codexHome":"/srv/codex",)"
                     R"("publishSeconds":5,"awakeMinutes":90,"memoryDisplayMode":"usedGB",)"
                     R"("waybarSignal":8,"codexLive":false,"codexLiveMinutes":1440,)"
-                    R"("codexCommand":"/opt/codex/bin/codex"})");
-  const Settings expected{false, false, false, "/srv/codex",          5, 90, DisplayMode::usedGB,
-                          8,     false, 1440,  "/opt/codex/bin/codex"};
+                    R"("codexCommand":"/opt/codex/bin/codex","awakeWhileAgentsWork":false,)"
+                    R"("agentIdleMinutes":240,"agentNotices":false})");
+  const Settings expected{
+      false, false, false, "/srv/codex",           5,     90,  DisplayMode::usedGB,
+      8,     false, 1440,  "/opt/codex/bin/codex", false, 240, false};
   EXPECT_EQ(std::get<Settings>(settings), expected);
 }
 
@@ -41,6 +45,10 @@ TEST(SettingsTest, BadDocumentsNameTheirFault) {
       {R"({"publishSeconds":3601})", "publishSeconds"},
       {R"({"publishSeconds":60.5})", "publishSeconds"},
       {R"({"awakeMinutes":0})", "awakeMinutes"},
+      {R"({"agentIdleMinutes":0})", "agentIdleMinutes must be a whole number in 1–240"},
+      {R"({"agentIdleMinutes":241})", "agentIdleMinutes"},
+      {R"({"awakeWhileAgentsWork":"on"})", "awakeWhileAgentsWork"},
+      {R"({"agentNotices":0})", "agentNotices"},
       {R"({"waybarSignal":31})", "waybarSignal must be a whole number in 0–30"},
       {R"({"memoryDisplayMode":"percent"})", "memoryDisplayMode must be one of usedPercent"},
       {R"({"codexHome":"relative/codex"})", "codexHome must be an absolute path"},
@@ -63,6 +71,9 @@ TEST(SettingsTest, CommandLineValuesBecomeJsonValuesOfTheirKey) {
   EXPECT_EQ(settingValue("claude", "true"), true);
   EXPECT_EQ(settingValue("publishSeconds", "3600"), 3600);
   EXPECT_EQ(settingValue("awakeMinutes", "15"), 15);
+  EXPECT_EQ(settingValue("awakeWhileAgentsWork", "false"), false);
+  EXPECT_EQ(settingValue("agentIdleMinutes", "240"), 240);
+  EXPECT_EQ(settingValue("agentNotices", "true"), true);
   EXPECT_EQ(settingValue("memoryDisplayMode", "availableGB"), "availableGB");
   EXPECT_EQ(settingValue("codexHome", "/srv/codex"), "/srv/codex");
   EXPECT_TRUE(settingValue("codexHome", "").is_null());
@@ -77,6 +88,8 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
       {"publishSeconds", "4", "5–3600"},
       {"publishSeconds", "60s", "5–3600"},
       {"awakeMinutes", "", "1–1440"},
+      {"agentIdleMinutes", "0", "1–240"},
+      {"agentNotices", "no", "valid: true, false"},
       {"memoryDisplayMode", "used", "valid: usedPercent, usedGB, availablePercent"},
       {"codexHome", "codex", "not an absolute path"},
       {"codexLiveMinutes", "0", "1–1440"},
@@ -98,7 +111,8 @@ TEST(SettingsTest, TheDocumentListsEveryKeyInOrder) {
   EXPECT_EQ(settingsDocument(Settings{}).dump(),
             R"({"temperature":true,"codex":true,"claude":true,"publishSeconds":60,)"
             R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent","waybarSignal":0,)"
-            R"("codexLive":true,"codexLiveMinutes":5,"codexCommand":"codex"})");
+            R"("codexLive":true,"codexLiveMinutes":5,"codexCommand":"codex",)"
+            R"("awakeWhileAgentsWork":true,"agentIdleMinutes":5,"agentNotices":true})");
 }
 
 }  // namespace

@@ -16,7 +16,8 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// The page's switches in the order it shows them: CPU temperature, Codex, Claude.
+// The page's switches in the order it shows them: CPU temperature, Codex, Claude, awake while
+// agents work, the agents' notices.
 std::vector<GtkSwitch*> switchesOf(GtkWidget* widget) {
   std::vector<GtkSwitch*> found;
   if (GTK_IS_SWITCH(widget)) found.push_back(GTK_SWITCH(widget));
@@ -56,7 +57,7 @@ TEST_F(SettingsPageTest, TurningCpuTemperatureOffWritesTheFileAtOnceAndTheWidget
   SettingsPage page;
   page.show(settings_file::load(std::cerr));
   const auto switches = switchesOf(page.widget());
-  ASSERT_EQ(switches.size(), 3U);
+  ASSERT_EQ(switches.size(), 5U);
   EXPECT_TRUE(gtk_switch_get_active(switches[0]));
   EXPECT_FALSE(gtk_switch_get_active(switches[1]));
 
@@ -76,6 +77,23 @@ TEST_F(SettingsPageTest, TurningCpuTemperatureOffWritesTheFileAtOnceAndTheWidget
   const auto render = testing_support::runProgram(
       KORVO_BINARY, {"render", "temperature", "--format", "json"}, world.environment());
   EXPECT_THAT(render.out, HasSubstr("Enable in Korvo"));
+  g_object_ref_sink(page.widget());
+  gtk_widget_destroy(page.widget());
+  g_object_unref(page.widget());
+}
+
+TEST_F(SettingsPageTest, TheKeepAwakeSwitchesWriteTheAgentsWatchAndItsNotices) {
+  SettingsPage page;
+  page.show(Settings{});
+  const auto switches = switchesOf(page.widget());
+  ASSERT_EQ(switches.size(), 5U);
+  EXPECT_TRUE(gtk_switch_get_active(switches[3]));
+  EXPECT_TRUE(gtk_switch_get_active(switches[4]));
+  gtk_switch_set_active(switches[4], FALSE);
+  EXPECT_FALSE(settings_file::load(std::cerr).agentNotices);
+  EXPECT_TRUE(settings_file::load(std::cerr).awakeWhileAgentsWork);
+  gtk_switch_set_active(switches[3], FALSE);
+  EXPECT_FALSE(settings_file::load(std::cerr).awakeWhileAgentsWork);
   g_object_ref_sink(page.widget());
   gtk_widget_destroy(page.widget());
   g_object_unref(page.widget());

@@ -96,9 +96,10 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
           "share/applications/com.tessmoor.Korvo.desktop",
           "etc/xdg/autostart/com.tessmoor.Korvo.Service.desktop", "lib/systemd/user/korvo.service",
           "share/dbus-1/services/com.tessmoor.Korvo.service",
-          "share/icons/hicolor/scalable/apps/com.tessmoor.Korvo.svg", "share/man/man1/korvo.1",
-          "share/bash-completion/completions/korvo", "share/zsh/site-functions/_korvo",
-          "share/fish/vendor_completions.d/korvo.fish"}) {
+          "share/icons/hicolor/scalable/apps/com.tessmoor.Korvo.svg",
+          "share/icons/hicolor/scalable/status/com.tessmoor.Korvo-awake.svg",
+          "share/man/man1/korvo.1", "share/bash-completion/completions/korvo",
+          "share/zsh/site-functions/_korvo", "share/fish/vendor_completions.d/korvo.fish"}) {
       expected.emplace_back(file);
     }
   }
