@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/c_format.hpp"
+#include "desktop/core/arrangement.hpp"
 #include "desktop/core/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "desktop/monitors.hpp"
@@ -181,6 +183,24 @@ void DesktopHost::arrange() {
     }
     onMonitor[monitor].push_back(index);
   }
+  const auto areaOf = [&](std::size_t monitor) {
+    return monitors.empty() ? ui::Rect{0, 0, 1280, 800} : monitors[monitor].workArea;
+  };
+  std::vector<FittedArrangement> fitted;
+  for (std::size_t monitor = 0; monitor < onMonitor.size(); ++monitor) {
+    std::vector<Placement> placements;
+    for (const auto index : onMonitor[monitor]) placements.push_back(windows_[index]->placement());
+    fitted.push_back(arrangeToFit(placements, options_.scale, areaOf(monitor)));
+    if (fitted.back().scale < options_.scale) {
+      notices.push_back(cFormat("the widgets do not all fit %s at scale %g; drawn at %g",
+                                monitors.empty() || monitors[monitor].name.empty()
+                                    ? "the monitor"
+                                    : monitors[monitor].name.c_str(),
+                                options_.scale, fitted.back().scale));
+    }
+    notices.insert(notices.end(), fitted.back().arrangement.moved.begin(),
+                   fitted.back().arrangement.moved.end());
+  }
   // Said once when a widget moves over, not again each time the same monitors are arranged.
   for (const auto& notice : notices) {
     if (std::find(notices_.begin(), notices_.end(), notice) == notices_.end()) {
@@ -189,20 +209,10 @@ void DesktopHost::arrange() {
   }
   notices_ = std::move(notices);
   for (std::size_t monitor = 0; monitor < onMonitor.size(); ++monitor) {
-    std::vector<Placement> placements;
-    std::vector<ui::Size> sizes;
-    for (const auto index : onMonitor[monitor]) {
-      placements.push_back(windows_[index]->placement());
-      sizes.push_back(windows_[index]->logicalSize());
-    }
-    const auto area = monitors.empty() ? ui::Rect{0, 0, 1280, 800} : monitors[monitor].workArea;
-    const auto arrangement = arrangeWindows(placements, sizes, area);
-    for (const auto& moved : arrangement.moved) {
-      std::fprintf(stderr, "korvo-widgets: %s\n", moved.c_str());
-    }
     GdkMonitor* gdkMonitor = monitors.empty() ? nullptr : monitors[monitor].monitor;
     for (std::size_t slot = 0; slot < onMonitor[monitor].size(); ++slot) {
-      windows_[onMonitor[monitor][slot]]->place(arrangement.origins[slot], area, gdkMonitor);
+      windows_[onMonitor[monitor][slot]]->place(fitted[monitor].arrangement.origins[slot],
+                                                areaOf(monitor), gdkMonitor, fitted[monitor].scale);
     }
   }
 }

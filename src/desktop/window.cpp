@@ -10,6 +10,7 @@
 
 #include "base/clock.hpp"
 #include "base/wake_up.hpp"
+#include "desktop/core/arrangement.hpp"
 #include "desktop/heap_trim.hpp"
 #include "gtk/accessibility.hpp"
 #include "gtk/accessible_card.hpp"
@@ -124,7 +125,8 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
       options_(options),
       appearance_(appearance),
       theme_(theme),
-      lost_(std::move(lost)) {
+      lost_(std::move(lost)),
+      scale_(options.scale) {
   window_ = gtk::newCardWindow();
   GtkWindow* window = GTK_WINDOW(window_);
   gtk_window_set_title(window, widget_.displayName.c_str());
@@ -178,13 +180,22 @@ WidgetWindow::~WidgetWindow() {
 }
 
 ui::Size WidgetWindow::logicalSize() const {
-  const auto points = ui::familySize(placement_.family);
-  return {std::ceil(points.width * options_.scale), std::ceil(points.height * options_.scale)};
+  return cardSize(placement_.family, scale_);
 }
 
-void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor) {
+void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor, double scale) {
   GtkWindow* window = GTK_WINDOW(window_);
   monitor_ = monitor;
+  if (scale != scale_) {
+    scale_ = scale;
+    const auto size = logicalSize();
+    gtk_widget_set_size_request(window_, static_cast<int>(size.width),
+                                static_cast<int>(size.height));
+    gtk_window_resize(window, static_cast<int>(size.width), static_cast<int>(size.height));
+    applyCardShape();
+    layoutStale_ = true;
+    redraw();
+  }
   if (layerShell_) {
     // Left to itself the compositor would pick the output with focus.
     gtk_layer_set_monitor(window, monitor);
@@ -197,7 +208,7 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monito
 }
 
 void WidgetWindow::applyCardShape() {
-  cairo_region_t* card = gtk::cardRegion(logicalSize(), ui::widgetCornerRadius * options_.scale);
+  cairo_region_t* card = gtk::cardRegion(logicalSize(), ui::widgetCornerRadius * scale_);
   gtk_widget_input_shape_combine_region(window_, card);
   // Without a compositor the transparent corners would show black: cut them off instead.
   const bool composited = gdk_screen_is_composited(gtk_widget_get_screen(window_)) != FALSE;
@@ -211,7 +222,7 @@ void WidgetWindow::appearanceChanged() {
 }
 
 double WidgetWindow::deviceScale() const {
-  return options_.scale * gtk_widget_get_scale_factor(window_);
+  return scale_ * gtk_widget_get_scale_factor(window_);
 }
 
 ui::Environment WidgetWindow::environment() const {
@@ -235,7 +246,7 @@ void WidgetWindow::relayout() {
   const auto environment = this->environment();
   layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment), environment,
                              render::PangoTextMeasurer::shared(), deviceScale());
-  gtk::describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, options_.scale,
+  gtk::describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, scale_,
                                        options_.logRequests);
 }
 
@@ -249,7 +260,7 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
   if (layoutStale_) relayout();
   if (!layout_) return TRUE;
   cairo_save(cr);
-  cairo_scale(cr, options_.scale, options_.scale);
+  cairo_scale(cr, scale_, scale_);
   render::paintWidget(cr, *layout_);
   cairo_restore(cr);
   trimHeapWhenIdle();
@@ -265,7 +276,7 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
   const bool click = pressed_ && event->button == GDK_BUTTON_PRIMARY;
   pressed_ = false;
   if (!click || !layout_) return TRUE;
-  const ui::Point point{event->x / options_.scale, event->y / options_.scale};
+  const ui::Point point{event->x / scale_, event->y / scale_};
   if (const auto url = ui::urlAt(*layout_, point)) gtk::openURL(*url);
   return TRUE;
 }

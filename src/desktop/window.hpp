@@ -34,11 +34,12 @@ class WidgetWindow {
 
   const Placement& placement() const { return placement_; }
   const WidgetConfiguration& widget() const { return widget_; }
-  // The window's size in logical pixels: the card's points times the host's scale.
+  // The window's size in logical pixels: the card's points times its scale.
   ui::Size logicalSize() const;
   // Moves the window so its top-left corner is at `origin` (logical pixels) in the work area of
-  // `monitor` and shows it.
-  void place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor);
+  // `monitor`, draws the card at `scale` (the host's, or less where the monitor is too small for
+  // every card at it) and shows it.
+  void place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor, double scale);
   // The desktop's colours or scheme changed: lay out and paint again.
   void appearanceChanged();
   // Clicks and, without a compositor, the window itself follow the card's rounded corners.
@@ -77,6 +78,7 @@ class WidgetWindow {
   const gtk::AppearanceWatch& appearance_;
   const gtk::ThemeProbe& theme_;
   std::function<void(GdkMonitor*)> lost_;
+  double scale_;  // logical pixels per point, as last placed
   GtkWidget* window_ = nullptr;
   GdkMonitor* monitor_ = nullptr;  // where place() last put the window
   std::optional<TimelineCursor<AnyEntry>> cursor_;
