@@ -13,6 +13,7 @@
 #include "desktop/core/placement_file.hpp"
 #include "desktop/monitors.hpp"
 #include "extension/korvo_widgets.hpp"
+#include "gtk/notification.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
 namespace korvo::desktop {
@@ -118,11 +119,21 @@ void DesktopHost::reloadPlacements() {
     apply(defaultPlacements(lookup_));
   } else {
     const bool first = windows_.empty();
-    std::fprintf(stderr, "korvo-widgets: %s; %s\n",
-                 std::get<PlacementError>(loaded).message.c_str(),
-                 first ? "showing the default widgets" : "keeping the widgets shown");
+    const auto& fault = std::get<PlacementError>(loaded).message;
+    const char* outcome = first ? "showing the default widgets" : "keeping the widgets shown";
+    std::fprintf(stderr, "korvo-widgets: %s; %s\n", fault.c_str(), outcome);
+    // Nobody reads standard error of a host started at login; a notification is seen, once for
+    // each version of the file, not again on every SIGHUP.
+    const std::pair reported{fileStamp(*placementsFile_), fault};
+    if (reported != reportedFault_) {
+      reportedFault_ = reported;
+      gtk::sendNotification("The widgets' placements file has a fault",
+                            fault + "; " + outcome + ".");
+    }
     if (first) apply(defaultPlacements(lookup_));
+    return;
   }
+  reportedFault_.reset();
 }
 
 void DesktopHost::watchPlacementsFile() {

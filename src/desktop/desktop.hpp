@@ -10,6 +10,7 @@
 
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
+#include "desktop/core/placement_file.hpp"
 #include "desktop/core/widget_lookup.hpp"
 #include "desktop/window.hpp"
 #include "extension/widget_configuration.hpp"
@@ -69,6 +70,8 @@ class DesktopHost {
   guint arrangeSource_ = 0;
   std::vector<GdkMonitor*> refused_;  // monitors whose output closed a widget's surface
   std::vector<std::string> notices_;  // widgets shown away from their output, as last said
+  // The version of the placements file and its fault last notified, while it is bad.
+  std::optional<std::pair<std::optional<FileStamp>, std::string>> reportedFault_;
 };
 
 }  // namespace korvo::desktop

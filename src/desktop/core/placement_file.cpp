@@ -25,6 +25,15 @@ std::optional<std::filesystem::path> placementsPath(const char* xdgConfigHome, c
   return base / "korvo-widgets" / "placements.json";
 }
 
+std::optional<FileStamp> fileStamp(const std::filesystem::path& file) {
+  std::error_code error;
+  FileStamp stamp{std::filesystem::last_write_time(file, error), 0};
+  if (error) return std::nullopt;
+  stamp.size = std::filesystem::file_size(file, error);
+  if (error) return std::nullopt;
+  return stamp;
+}
+
 std::variant<std::vector<Placement>, NoPlacementsFile, PlacementError> loadPlacementsFile(
     const std::filesystem::path& file, const KindLookup& lookup) {
   const std::string name = file.string();
