@@ -11,6 +11,7 @@
 #include "base/clock.hpp"
 #include "base/wake_up.hpp"
 #include "desktop/core/arrangement.hpp"
+#include "desktop/core/click_hint.hpp"
 #include "desktop/heap_trim.hpp"
 #include "gtk/accessibility.hpp"
 #include "gtk/accessible_card.hpp"
@@ -40,6 +41,14 @@ gboolean onButtonPress(GtkWidget*, GdkEventButton* event, gpointer window) {
 
 gboolean onButtonRelease(GtkWidget*, GdkEventButton* event, gpointer window) {
   return self(window).buttonRelease(event);
+}
+
+gboolean onMotion(GtkWidget*, GdkEventMotion* event, gpointer window) {
+  return self(window).pointerMoved(event);
+}
+
+gboolean onLeave(GtkWidget*, GdkEventCrossing*, gpointer window) {
+  return self(window).pointerLeft();
 }
 
 gboolean onDelete(GtkWidget*, GdkEvent*, gpointer window) {
@@ -154,12 +163,15 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
     gtk_window_set_keep_below(window, TRUE);
     gtk_window_stick(window);
   }
-  gtk_widget_add_events(window_,
-                        GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_STRUCTURE_MASK);
+  gtk_widget_add_events(window_, GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK |
+                                     GDK_POINTER_MOTION_MASK | GDK_LEAVE_NOTIFY_MASK |
+                                     GDK_STRUCTURE_MASK);
   g_signal_connect_after(window_, "realize", G_CALLBACK(onRealize), nullptr);
   g_signal_connect(window_, "draw", G_CALLBACK(onDraw), this);
   g_signal_connect(window_, "button-press-event", G_CALLBACK(onButtonPress), this);
   g_signal_connect(window_, "button-release-event", G_CALLBACK(onButtonRelease), this);
+  g_signal_connect(window_, "motion-notify-event", G_CALLBACK(onMotion), this);
+  g_signal_connect(window_, "leave-notify-event", G_CALLBACK(onLeave), this);
   g_signal_connect(window_, "delete-event", G_CALLBACK(onDelete), this);
   g_signal_connect(window_, "map-event", G_CALLBACK(onMap), this);
   g_signal_connect(window_, "unmap-event", G_CALLBACK(onUnmap), this);
@@ -276,9 +288,34 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
   const bool click = pressed_ && event->button == GDK_BUTTON_PRIMARY;
   pressed_ = false;
   if (!click || !layout_) return TRUE;
-  const ui::Point point{event->x / scale_, event->y / scale_};
-  if (const auto url = ui::urlAt(*layout_, point)) gtk::openURL(*url);
+  if (const auto url = ui::urlAt(*layout_, cardPoint(event->x, event->y))) gtk::openURL(*url);
   return TRUE;
+}
+
+gboolean WidgetWindow::pointerMoved(GdkEventMotion* event) {
+  hover(layout_ ? ui::urlAt(*layout_, cardPoint(event->x, event->y)) : std::nullopt);
+  return FALSE;
+}
+
+gboolean WidgetWindow::pointerLeft() {
+  hover(std::nullopt);
+  return FALSE;
+}
+
+ui::Point WidgetWindow::cardPoint(double x, double y) const {
+  return {x / scale_, y / scale_};
+}
+
+void WidgetWindow::hover(std::optional<std::string> url) {
+  if (url == hovered_) return;
+  hovered_ = std::move(url);
+  GdkWindow* window = gtk_widget_get_window(window_);
+  if (window == nullptr) return;
+  GdkCursor* cursor =
+      hovered_ ? gdk_cursor_new_from_name(gdk_window_get_display(window), "pointer") : nullptr;
+  gdk_window_set_cursor(window, cursor);
+  if (cursor != nullptr) g_object_unref(cursor);
+  gtk_widget_set_tooltip_text(window_, hovered_ ? clickHint(*hovered_).c_str() : nullptr);
 }
 
 gboolean WidgetWindow::closeRequested() {

@@ -53,6 +53,8 @@ class WidgetWindow {
   gboolean draw(cairo_t* cr);
   gboolean buttonPress(GdkEventButton* event);
   gboolean buttonRelease(GdkEventButton* event);
+  gboolean pointerMoved(GdkEventMotion* event);
+  gboolean pointerLeft();
   // The compositor closed the window (layer-shell does so when an output goes): keep it, hidden
   // until it is placed again.
   gboolean closeRequested();
@@ -64,6 +66,11 @@ class WidgetWindow {
 
  private:
   ui::Environment environment() const;
+  // A point of the window (logical pixels) in the card's points.
+  ui::Point cardPoint(double x, double y) const;
+  // The pointer is over what opens `url` (nothing: over no link): the hand cursor and a tooltip
+  // naming it.
+  void hover(std::optional<std::string> url);
   double deviceScale() const;
   void relayout();
   void showCurrentEntry();
@@ -86,6 +93,7 @@ class WidgetWindow {
   bool layoutStale_ = true;  // the entry, appearance, scale or a live text changed since layout_
   bool mapped_ = false;
   bool pressed_ = false;
+  std::optional<std::string> hovered_;  // what a click where the pointer is would open
   bool layerShell_ = false;
   guint timelineTimer_ = 0;
   guint liveTimer_ = 0;
