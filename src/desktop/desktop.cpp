@@ -47,6 +47,11 @@ void onScreenChanged(GdkScreen*, gpointer host) {
   self(host).monitorsChanged();
 }
 
+// A compositor came or went: the windows gain or lose the room for their shadows.
+void onCompositedChanged(GdkScreen*, gpointer host) {
+  self(host).arrange();
+}
+
 gboolean onArrangeDue(gpointer host) {
   self(host).arrangeDue();
   return G_SOURCE_REMOVE;
@@ -81,6 +86,7 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
   GdkScreen* screen = gdk_screen_get_default();
   g_signal_connect(screen, "monitors-changed", G_CALLBACK(onScreenChanged), this);
   g_signal_connect(screen, "size-changed", G_CALLBACK(onScreenChanged), this);
+  g_signal_connect(screen, "composited-changed", G_CALLBACK(onCompositedChanged), this);
 }
 
 DesktopHost::~DesktopHost() {

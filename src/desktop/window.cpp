@@ -18,6 +18,7 @@
 #include "gtk/card_shape.hpp"
 #include "gtk/glib_bool.hpp"
 #include "gtk/url_opener.hpp"
+#include "render/card_shadow.hpp"
 #include "render/painter.hpp"
 #include "render/pango_text_measurer.hpp"
 #include "ui/hit_test.hpp"
@@ -147,9 +148,10 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
   if (GdkVisual* visual = gdk_screen_get_rgba_visual(gtk_widget_get_screen(window_))) {
     gtk_widget_set_visual(window_, visual);
   }
-  const auto size = logicalSize();
-  gtk_widget_set_size_request(window_, static_cast<int>(size.width), static_cast<int>(size.height));
   layerShell_ = gtk_layer_is_supported() != FALSE;
+  inset_ = shadowInset();
+  const auto size = windowSize();
+  gtk_widget_set_size_request(window_, static_cast<int>(size.width), static_cast<int>(size.height));
   if (layerShell_) {
     gtk_layer_init_for_window(window);
     gtk_layer_set_namespace(window, "korvo-widgets");
@@ -191,6 +193,16 @@ WidgetWindow::~WidgetWindow() {
   gtk_widget_destroy(window_);
 }
 
+ui::Size WidgetWindow::windowSize() const {
+  const auto card = logicalSize();
+  return {card.width + 2 * inset_, card.height + 2 * inset_};
+}
+
+double WidgetWindow::shadowInset() const {
+  const bool composited = gdk_screen_is_composited(gtk_widget_get_screen(window_)) != FALSE;
+  return layerShell_ || composited ? std::ceil(render::cardShadowExtent) : 0;
+}
+
 ui::Size WidgetWindow::logicalSize() const {
   return cardSize(placement_.family, scale_);
 }
@@ -198,9 +210,10 @@ ui::Size WidgetWindow::logicalSize() const {
 void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor, double scale) {
   GtkWindow* window = GTK_WINDOW(window_);
   monitor_ = monitor;
-  if (scale != scale_) {
+  if (scale != scale_ || shadowInset() != inset_) {
     scale_ = scale;
-    const auto size = logicalSize();
+    inset_ = shadowInset();
+    const auto size = windowSize();
     gtk_widget_set_size_request(window_, static_cast<int>(size.width),
                                 static_cast<int>(size.height));
     gtk_window_resize(window, static_cast<int>(size.width), static_cast<int>(size.height));
@@ -208,19 +221,23 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monito
     layoutStale_ = true;
     redraw();
   }
+  // The window reaches past the card by the shadow's room on every side.
+  const ui::Point windowOrigin{origin.x - inset_, origin.y - inset_};
   if (layerShell_) {
     // Left to itself the compositor would pick the output with focus.
     gtk_layer_set_monitor(window, monitor);
-    anchorLayerSurface(window, placement_, origin, logicalSize(), workArea);
+    anchorLayerSurface(window, placement_, windowOrigin, windowSize(), workArea);
   } else {
-    gtk_window_move(window, static_cast<int>(std::lround(origin.x)),
-                    static_cast<int>(std::lround(origin.y)));
+    gtk_window_move(window, static_cast<int>(std::lround(windowOrigin.x)),
+                    static_cast<int>(std::lround(windowOrigin.y)));
   }
   gtk_widget_show(window_);
 }
 
 void WidgetWindow::applyCardShape() {
   cairo_region_t* card = gtk::cardRegion(logicalSize(), ui::widgetCornerRadius * scale_);
+  const auto inset = static_cast<int>(inset_);
+  cairo_region_translate(card, inset, inset);
   gtk_widget_input_shape_combine_region(window_, card);
   // Without a compositor the transparent corners would show black: cut them off instead.
   const bool composited = gdk_screen_is_composited(gtk_widget_get_screen(window_)) != FALSE;
@@ -258,7 +275,7 @@ void WidgetWindow::relayout() {
   const auto environment = this->environment();
   layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment), environment,
                              render::PangoTextMeasurer::shared(), deviceScale());
-  gtk::describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, scale_,
+  gtk::describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, {scale_, inset_},
                                        options_.logRequests);
 }
 
@@ -271,7 +288,13 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
   // Uncovering the window only repaints; the tree is laid out again when what it shows changed.
   if (layoutStale_) relayout();
   if (!layout_) return TRUE;
+  const auto card = logicalSize();
+  if (inset_ > 0) {
+    render::paintCardShadow(cr, {inset_, inset_, card.width, card.height},
+                            ui::widgetCornerRadius * scale_);
+  }
   cairo_save(cr);
+  cairo_translate(cr, inset_, inset_);
   cairo_scale(cr, scale_, scale_);
   render::paintWidget(cr, *layout_);
   cairo_restore(cr);
@@ -303,7 +326,7 @@ gboolean WidgetWindow::pointerLeft() {
 }
 
 ui::Point WidgetWindow::cardPoint(double x, double y) const {
-  return {x / scale_, y / scale_};
+  return {(x - inset_) / scale_, (y - inset_) / scale_};
 }
 
 void WidgetWindow::hover(std::optional<std::string> url) {

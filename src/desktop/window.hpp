@@ -34,10 +34,10 @@ class WidgetWindow {
 
   const Placement& placement() const { return placement_; }
   const WidgetConfiguration& widget() const { return widget_; }
-  // The window's size in logical pixels: the card's points times its scale.
+  // The card's size in logical pixels: its points times its scale.
   ui::Size logicalSize() const;
-  // Moves the window so its top-left corner is at `origin` (logical pixels) in the work area of
-  // `monitor`, draws the card at `scale` (the host's, or less where the monitor is too small for
+  // Moves the window so the card's top-left corner is at `origin` (logical pixels) in the work area
+  // of `monitor`, draws the card at `scale` (the host's, or less where the monitor is too small for
   // every card at it) and shows it.
   void place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor, double scale);
   // The desktop's colours or scheme changed: lay out and paint again.
@@ -66,6 +66,11 @@ class WidgetWindow {
 
  private:
   ui::Environment environment() const;
+  // The card and the room for its shadow around it, logical pixels.
+  ui::Size windowSize() const;
+  // Room for the shadow on each side, logical pixels: none where nothing could show it (an X
+  // screen without a compositor cuts the window to the card).
+  double shadowInset() const;
   // A point of the window (logical pixels) in the card's points.
   ui::Point cardPoint(double x, double y) const;
   // The pointer is over what opens `url` (nothing: over no link): the hand cursor and a tooltip
@@ -85,7 +90,8 @@ class WidgetWindow {
   const gtk::AppearanceWatch& appearance_;
   const gtk::ThemeProbe& theme_;
   std::function<void(GdkMonitor*)> lost_;
-  double scale_;  // logical pixels per point, as last placed
+  double scale_;      // logical pixels per point, as last placed
+  double inset_ = 0;  // logical pixels from the window's corner to the card's
   GtkWidget* window_ = nullptr;
   GdkMonitor* monitor_ = nullptr;  // where place() last put the window
   std::optional<TimelineCursor<AnyEntry>> cursor_;

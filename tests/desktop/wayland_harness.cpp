@@ -209,8 +209,9 @@ std::string Sway::log() const {
 std::optional<PixelRect> paintedBounds(const fs::path& picture, PixelRect area) {
   const auto crop = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
                     std::to_string(area.x) + "+" + std::to_string(area.y);
+  // The fuzz passes over the cards' soft shadows (at most 16 % black) but not their edges.
   const auto result = runCommand({"convert", picture.string(), "-crop", crop, "+repage", "-fuzz",
-                                  "4%", "-format", "%@", "info:"},
+                                  "12%", "-format", "%@", "info:"},
                                  {{"PATH", "/usr/bin:/bin"}});
   // "WxH+X+Y"; ImageMagick trims a uniform picture to a single pixel at -1, -1.
   const auto& text = result.output;

@@ -269,6 +269,57 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
   EXPECT_GT(blurred, 4 * std::max(differing, 1L)) << "the comparison cannot tell blur apart";
 }
 
+// A card on a wallpaper of nearly its own colour: the host's soft shadow outside the card's
+// rounded shape gives it an edge, and fades out before the next card could start.
+struct ShadowCase {
+  const char* appearance;
+  const char* wallpaper;
+};
+
+class CardShadow : public WaylandHost, public testing::WithParamInterface<ShadowCase> {};
+
+// The sum of the three channels of "RRGGBB".
+int brightness(const std::string& color) {
+  if (color.size() != 6) return -1;
+  int sum = 0;
+  for (std::size_t channel = 0; channel < 3; ++channel) {
+    sum += std::stoi(color.substr(channel * 2, 2), nullptr, 16);
+  }
+  return sum;
+}
+
+TEST_P(CardShadow, GivesTheCardAnEdgeOnAWallpaperOfItsOwnColourAtScaleTwo) {
+  ASSERT_NO_FATAL_FAILURE(startSway(2));
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 40}])");
+  startHost({"--appearance", GetParam().appearance});
+  ASSERT_TRUE(startSurface("background", GetParam().wallpaper))
+      << readFile(folder_.path() / "background.err");
+  ASSERT_TRUE(waitFor([&] { return colorAt(40 + 85, 40 + 85) != GetParam().wallpaper; }))
+      << readFile(hostLog());
+  sway_->screenshot(screen());
+  fs::copy_file(screen(),
+                fs::path(KORVO_SCREENSHOT_DIR) /
+                    ("shadow-" + std::string(GetParam().appearance) + "-scale-2.png"),
+                fs::copy_options::overwrite_existing);
+  // Picture pixels at scale 2: the card's left edge is at 80, its middle row at 250.
+  using Outside = std::function<std::string(int)>;
+  const Outside left = [&](int distance) { return pixel(screen(), 80 - 1 - distance, 250); };
+  const Outside above = [&](int distance) { return pixel(screen(), 250, 80 - 1 - distance); };
+  const int wallpaper = brightness(GetParam().wallpaper);
+  for (const Outside& outside : {left, above}) {
+    EXPECT_LT(brightness(outside(0)), wallpaper - 12) << outside(0);
+    EXPECT_LT(brightness(outside(0)), brightness(outside(4))) << "the shadow does not fade";
+    // Five logical pixels out (ten picture pixels) it has gone.
+    EXPECT_EQ(outside(10), GetParam().wallpaper);
+  }
+  EXPECT_TRUE(host_->running());
+}
+
+INSTANTIATE_TEST_SUITE_P(Appearances, CardShadow,
+                         testing::Values(ShadowCase{"light", "ECECEC"},
+                                         ShadowCase{"dark", "323232"}),
+                         [](const auto& info) { return std::string(info.param.appearance); });
+
 TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurfaceBelow) {
   ASSERT_NO_FATAL_FAILURE(startSway(1));
   registerUrlRecorder(folder_.path());
