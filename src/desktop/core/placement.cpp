@@ -133,6 +133,32 @@ std::optional<ScreenAnchor> anchorFromName(std::string_view name) {
   return std::nullopt;
 }
 
+std::string_view anchorName(ScreenAnchor anchor) {
+  for (const auto& [name, value] : anchorNames) {
+    if (value == anchor) return name;
+  }
+  return {};
+}
+
+std::string placementsText(const std::vector<Placement>& placements) {
+  // Keys in the order a person reads them, which nlohmann's ordered objects keep.
+  auto document = nlohmann::ordered_json::array();
+  for (const auto& placement : placements) {
+    nlohmann::ordered_json item;
+    item["kind"] = placement.kind;
+    item["family"] = ui::familyWord(placement.family);
+    if (placement.position) {
+      item["position"] = {{"x", placement.position->x}, {"y", placement.position->y}};
+    } else {
+      item["anchor"] = anchorName(placement.anchor);
+    }
+    if (placement.margin != defaultPlacementMargin) item["margin"] = placement.margin;
+    if (placement.output) item["output"] = *placement.output;
+    document.push_back(std::move(item));
+  }
+  return document.dump(2) + "\n";
+}
+
 PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup) {
   // The parser takes a NUL byte for the end of its input; JSON has no place for one anywhere.
   if (const auto nul = json.find('\0'); nul != std::string_view::npos) {

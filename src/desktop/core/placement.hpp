@@ -61,5 +61,11 @@ std::vector<Placement> defaultPlacements(const KindLookup& lookup);
 
 // "top-left", "top-right", "bottom-left", "bottom-right".
 std::optional<ScreenAnchor> anchorFromName(std::string_view name);
+std::string_view anchorName(ScreenAnchor anchor);
+
+// The placements document for `placements`, as parsePlacements reads it back: full kinds,
+// families and anchors by their words, the margin and output only where they are not the
+// defaults.
+std::string placementsText(const std::vector<Placement>& placements);
 
 }  // namespace korvo::desktop

@@ -22,6 +22,11 @@ struct FileStamp {
 // The file's stamp; nothing when it cannot be read.
 std::optional<FileStamp> fileStamp(const std::filesystem::path& file);
 
+// Writes `placements` to `file` in one step (a reader sees the old file or the new one), making
+// its folder when missing; a message naming the file when it cannot.
+std::optional<std::string> savePlacementsFile(const std::filesystem::path& file,
+                                              const std::vector<Placement>& placements);
+
 // The file does not exist: the defaults apply.
 struct NoPlacementsFile {};
 
