@@ -8,12 +8,14 @@
 #include <cstdlib>
 
 #include "base/c_format.hpp"
+#include "desktop/card_menu.hpp"
 #include "desktop/core/arrangement.hpp"
 #include "desktop/core/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "desktop/monitors.hpp"
 #include "extension/korvo_widgets.hpp"
 #include "gtk/notification.hpp"
+#include "gtk/url_opener.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
 namespace korvo::desktop {
@@ -90,6 +92,7 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
 }
 
 DesktopHost::~DesktopHost() {
+  if (menu_ != nullptr) gtk_widget_destroy(menu_);
   if (arrangeSource_ != 0) g_source_remove(arrangeSource_);
   g_signal_handlers_disconnect_by_data(gdk_screen_get_default(), this);
   for (const auto source : signalSources_) g_source_remove(source);
@@ -171,10 +174,82 @@ void DesktopHost::apply(std::vector<Placement> placements) {
     if (widget == nullptr) continue;
     next.push_back(std::make_unique<WidgetWindow>(
         *widget, std::move(placements[index]), static_cast<int>(index) + 1, options_, *appearance_,
-        *theme_, [this](GdkMonitor* monitor) { surfaceLost(monitor); }));
+        *theme_,
+        WindowCallbacks{
+            [this](GdkMonitor* monitor) { surfaceLost(monitor); },
+            [this](WidgetWindow& window, const GdkEvent* event) { showMenu(window, event); }}));
   }
   windows_ = std::move(next);
   arrange();
+}
+
+std::vector<Placement> DesktopHost::shownPlacements() const {
+  std::vector<Placement> placements;
+  for (const auto& window : windows_) placements.push_back(window->placement());
+  return placements;
+}
+
+bool DesktopHost::holds(const WidgetWindow* window) const {
+  return std::any_of(windows_.begin(), windows_.end(),
+                     [window](const auto& held) { return held.get() == window; });
+}
+
+void DesktopHost::showMenu(WidgetWindow& window, const GdkEvent* event) {
+  CardMenuContent content;
+  content.family = window.placement().family;
+  content.families = window.widget().supportedFamilies;
+  if (!window.placement().position) content.anchor = window.placement().anchor;
+  for (const auto& widget : widgets_) {
+    const bool shown = std::any_of(windows_.begin(), windows_.end(), [&](const auto& held) {
+      return held->placement().kind == widget.kind;
+    });
+    if (!shown) content.addable.push_back({widget.kind, widget.displayName});
+  }
+  // Choices name the window, not its place: by the time one runs the windows may have changed.
+  const WidgetWindow* chosen = &window;
+  CardMenuActions actions{[this, chosen](const PlacementEdit& change) { edit(chosen, change); },
+                          [this, chosen] {
+                            if (holds(chosen) && !chosen->url().empty())
+                              gtk::openURL(chosen->url());
+                          },
+                          [this] { arrangeWidgets(); }};
+  if (menu_ != nullptr) gtk_widget_destroy(menu_);
+  menu_ = newCardMenu(content, std::move(actions));
+  if (event != nullptr) {
+    gtk_menu_popup_at_pointer(GTK_MENU(menu_), event);
+  } else {
+    gtk_menu_popup_at_widget(GTK_MENU(menu_), window.gtkWindow(), GDK_GRAVITY_CENTER,
+                             GDK_GRAVITY_NORTH_WEST, nullptr);
+  }
+  gtk_menu_shell_select_first(GTK_MENU_SHELL(menu_), FALSE);
+}
+
+void DesktopHost::edit(const WidgetWindow* window, const PlacementEdit& change) {
+  const auto at = std::find_if(windows_.begin(), windows_.end(),
+                               [window](const auto& held) { return held.get() == window; });
+  if (at == windows_.end()) return;
+  auto placements = editPlacements(
+      shownPlacements(), static_cast<std::size_t>(at - windows_.begin()), change, lookup_);
+  // Shown with --widget the placements file is not in use: the change lasts until the host ends.
+  if (options_.widgets.empty() && placementsFile_) {
+    if (const auto failure = savePlacementsFile(*placementsFile_, placements)) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", failure->c_str());
+    }
+  }
+  apply(std::move(placements));
+}
+
+void DesktopHost::arrangeWidgets() {
+  if (!placementsFile_) return;
+  if (!std::filesystem::exists(*placementsFile_)) {
+    if (const auto failure = savePlacementsFile(*placementsFile_, shownPlacements())) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", failure->c_str());
+      return;
+    }
+  }
+  gchar* uri = g_filename_to_uri(placementsFile_->c_str(), nullptr, nullptr);
+  if (uri != nullptr) gtk::openURL(uri);
+  g_free(uri);
 }
 
 void DesktopHost::arrange() {

@@ -10,6 +10,7 @@
 
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
+#include "desktop/core/placement_edit.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "desktop/core/widget_lookup.hpp"
 #include "desktop/window.hpp"
@@ -51,9 +52,19 @@ class DesktopHost {
   void appearanceChanged();
   // The shared file changed: the widgets that show it ask their providers again at once.
   void sharedFileChanged();
+  // Pops up `window`'s menu at the pointer (`event`) or over the card (the Menu key).
+  void showMenu(WidgetWindow& window, const GdkEvent* event);
+  // Makes `edit` to `window`'s placement, saves the placements and shows them.
+  void edit(const WidgetWindow* window, const PlacementEdit& edit);
+  // Opens the placements file in the user's editor, written first when there is none.
+  void arrangeWidgets();
 
  private:
   void apply(std::vector<Placement> placements);
+  // The placements shown, in order.
+  std::vector<Placement> shownPlacements() const;
+  // Whether `window` is still one of the host's.
+  bool holds(const WidgetWindow* window) const;
   void watchPlacementsFile();
   void watchSharedFile();
 
@@ -67,6 +78,7 @@ class DesktopHost {
   std::unique_ptr<gtk::FileWatch> placementsWatch_;
   std::unique_ptr<gtk::FileWatch> sharedFileWatch_;
   std::vector<guint> signalSources_;
+  GtkWidget* menu_ = nullptr;  // the last card menu popped up
   guint arrangeSource_ = 0;
   std::vector<GdkMonitor*> refused_;  // monitors whose output closed a widget's surface
   std::vector<std::string> notices_;  // widgets shown away from their output, as last said

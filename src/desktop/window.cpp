@@ -52,6 +52,10 @@ gboolean onLeave(GtkWidget*, GdkEventCrossing*, gpointer window) {
   return self(window).pointerLeft();
 }
 
+gboolean onPopupMenu(GtkWidget*, gpointer window) {
+  return self(window).menuKey();
+}
+
 gboolean onDelete(GtkWidget*, GdkEvent*, gpointer window) {
   return self(window).closeRequested();
 }
@@ -128,21 +132,21 @@ void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point
 
 WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
                            const HostOptions& options, const gtk::AppearanceWatch& appearance,
-                           const gtk::ThemeProbe& theme, std::function<void(GdkMonitor*)> lost)
+                           const gtk::ThemeProbe& theme, WindowCallbacks callbacks)
     : widget_(widget),
       placement_(std::move(placement)),
       index_(index),
       options_(options),
       appearance_(appearance),
       theme_(theme),
-      lost_(std::move(lost)),
+      callbacks_(std::move(callbacks)),
       scale_(options.scale) {
   window_ = gtk::newCardWindow();
   GtkWindow* window = GTK_WINDOW(window_);
   gtk_window_set_title(window, widget_.displayName.c_str());
   gtk_window_set_decorated(window, FALSE);
   gtk_window_set_resizable(window, FALSE);
-  gtk_window_set_accept_focus(window, FALSE);
+  // Focus comes with a click, so that the Menu key reaches the card; never when it appears.
   gtk_window_set_focus_on_map(window, FALSE);
   gtk_widget_set_app_paintable(window_, TRUE);
   if (GdkVisual* visual = gdk_screen_get_rgba_visual(gtk_widget_get_screen(window_))) {
@@ -156,7 +160,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
     gtk_layer_init_for_window(window);
     gtk_layer_set_namespace(window, "korvo-widgets");
     gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_BOTTOM);
-    gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+    gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND);
   } else {
     // On X11 the window manager reads these hints; elsewhere they are harmless.
     gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_UTILITY);
@@ -174,6 +178,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
   g_signal_connect(window_, "button-release-event", G_CALLBACK(onButtonRelease), this);
   g_signal_connect(window_, "motion-notify-event", G_CALLBACK(onMotion), this);
   g_signal_connect(window_, "leave-notify-event", G_CALLBACK(onLeave), this);
+  g_signal_connect(window_, "popup-menu", G_CALLBACK(onPopupMenu), this);
   g_signal_connect(window_, "delete-event", G_CALLBACK(onDelete), this);
   g_signal_connect(window_, "map-event", G_CALLBACK(onMap), this);
   g_signal_connect(window_, "unmap-event", G_CALLBACK(onUnmap), this);
@@ -304,7 +309,19 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
 
 gboolean WidgetWindow::buttonPress(GdkEventButton* event) {
   pressed_ = event->button == GDK_BUTTON_PRIMARY;
+  if (gdk_event_triggers_context_menu(reinterpret_cast<GdkEvent*>(event)) != FALSE) {
+    callbacks_.menu(*this, reinterpret_cast<GdkEvent*>(event));
+  }
   return TRUE;
+}
+
+gboolean WidgetWindow::menuKey() {
+  callbacks_.menu(*this, nullptr);
+  return TRUE;
+}
+
+std::string WidgetWindow::url() const {
+  return layout_ ? layout_->url : std::string();
 }
 
 gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
@@ -345,7 +362,7 @@ gboolean WidgetWindow::closeRequested() {
   gtk_widget_hide(window_);
   // Only a layer surface is closed for its output's sake; a window manager's close request just
   // brings the widget back.
-  lost_(layerShell_ ? monitor_ : nullptr);
+  callbacks_.lost(layerShell_ ? monitor_ : nullptr);
   return TRUE;
 }
 

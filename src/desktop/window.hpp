@@ -15,6 +15,17 @@
 
 namespace korvo::desktop {
 
+class WidgetWindow;
+
+// What a window tells the host.
+struct WindowCallbacks {
+  // The window was closed from outside: with its monitor when the compositor took its layer
+  // surface away (the output went), with none when a window manager asked.
+  std::function<void(GdkMonitor*)> lost;
+  // A right-click (its event) or the Menu key (no event) asks for the card's menu.
+  std::function<void(WidgetWindow&, const GdkEvent*)> menu;
+};
+
 // One placed widget on the desktop: an undecorated, transparent window below the others that
 // shows the current entry of its provider's timeline.
 //
@@ -22,18 +33,19 @@ namespace korvo::desktop {
 // reloads) and, while the window is mapped, one at the moment a live relative text would change.
 class WidgetWindow {
  public:
-  // `index` numbers the window among the placements (from 1) for its dump file's name; `lost`
-  // runs when the window was closed from outside: with its monitor when the compositor took its
-  // layer surface away (the output went), with none when a window manager asked.
+  // `index` numbers the window among the placements (from 1) for its dump file's name.
   WidgetWindow(const WidgetConfiguration& widget, Placement placement, int index,
                const HostOptions& options, const gtk::AppearanceWatch& appearance,
-               const gtk::ThemeProbe& theme, std::function<void(GdkMonitor*)> lost);
+               const gtk::ThemeProbe& theme, WindowCallbacks callbacks);
   ~WidgetWindow();
   WidgetWindow(const WidgetWindow&) = delete;
   WidgetWindow& operator=(const WidgetWindow&) = delete;
 
   const Placement& placement() const { return placement_; }
   const WidgetConfiguration& widget() const { return widget_; }
+  GtkWidget* gtkWindow() const { return window_; }
+  // What a click on the card as a whole opens; empty before the first entry.
+  std::string url() const;
   // The card's size in logical pixels: its points times its scale.
   ui::Size logicalSize() const;
   // Moves the window so the card's top-left corner is at `origin` (logical pixels) in the work area
@@ -54,6 +66,7 @@ class WidgetWindow {
   gboolean buttonPress(GdkEventButton* event);
   gboolean buttonRelease(GdkEventButton* event);
   gboolean pointerMoved(GdkEventMotion* event);
+  gboolean menuKey();
   gboolean pointerLeft();
   // The compositor closed the window (layer-shell does so when an output goes): keep it, hidden
   // until it is placed again.
@@ -89,7 +102,7 @@ class WidgetWindow {
   const HostOptions& options_;
   const gtk::AppearanceWatch& appearance_;
   const gtk::ThemeProbe& theme_;
-  std::function<void(GdkMonitor*)> lost_;
+  WindowCallbacks callbacks_;
   double scale_;      // logical pixels per point, as last placed
   double inset_ = 0;  // logical pixels from the window's corner to the card's
   GtkWidget* window_ = nullptr;
