@@ -10,6 +10,7 @@
 #include "base/c_format.hpp"
 #include "desktop/card_menu.hpp"
 #include "desktop/core/arrangement.hpp"
+#include "desktop/core/drop_snap.hpp"
 #include "desktop/core/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "desktop/monitors.hpp"
@@ -166,7 +167,11 @@ void DesktopHost::sharedFileChanged() {
 void DesktopHost::apply(std::vector<Placement> placements) {
   std::vector<std::unique_ptr<WidgetWindow>> next;
   for (std::size_t index = 0; index < placements.size(); ++index) {
-    if (index < windows_.size() && windows_[index]->placement() == placements[index]) {
+    // A card that only moves keeps its window (and what it shows); a new kind or family needs
+    // a window of its own.
+    if (index < windows_.size() && windows_[index]->placement().kind == placements[index].kind &&
+        windows_[index]->placement().family == placements[index].family) {
+      windows_[index]->setPlacement(std::move(placements[index]));
       next.push_back(std::move(windows_[index]));
       continue;
     }
@@ -177,7 +182,10 @@ void DesktopHost::apply(std::vector<Placement> placements) {
         *theme_,
         WindowCallbacks{
             [this](GdkMonitor* monitor) { surfaceLost(monitor); },
-            [this](WidgetWindow& window, const GdkEvent* event) { showMenu(window, event); }}));
+            [this](WidgetWindow& window, const GdkEvent* event) { showMenu(window, event); },
+            [this](WidgetWindow& window, ui::Point origin, GdkMonitor* monitor) {
+              dropped(&window, origin, monitor);
+            }}));
   }
   windows_ = std::move(next);
   arrange();
@@ -237,6 +245,24 @@ void DesktopHost::edit(const WidgetWindow* window, const PlacementEdit& change) 
     }
   }
   apply(std::move(placements));
+}
+
+void DesktopHost::dropped(const WidgetWindow* window, ui::Point origin, GdkMonitor* monitor) {
+  const auto monitors = displayMonitors(gdk_display_get_default());
+  const auto on = std::find_if(monitors.begin(), monitors.end(),
+                               [monitor](const Monitor& each) { return each.monitor == monitor; });
+  const ui::Rect area = on != monitors.end() ? on->workArea
+                        : monitors.empty()   ? ui::Rect{0, 0, 1280, 800}
+                                             : monitors.front().workArea;
+  std::vector<ui::Rect> others;
+  for (const auto& held : windows_) {
+    if (held.get() != window) others.push_back(held->cardRect());
+  }
+  const auto card = window->cardRect();
+  const auto position = snapDrop(origin, {card.width, card.height}, others, area);
+  std::optional<std::string> output;
+  if (on != monitors.end() && !on->name.empty()) output = on->name;
+  edit(window, MoveToPosition{position, output});
 }
 
 void DesktopHost::arrangeWidgets() {

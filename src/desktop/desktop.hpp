@@ -58,6 +58,9 @@ class DesktopHost {
   void edit(const WidgetWindow* window, const PlacementEdit& edit);
   // Opens the placements file in the user's editor, written first when there is none.
   void arrangeWidgets();
+  // `window` was dragged and let go at `origin` on `monitor`: it settles there as a position,
+  // snapped to the grid and to the cards nearby.
+  void dropped(const WidgetWindow* window, ui::Point origin, GdkMonitor* monitor);
 
  private:
   void apply(std::vector<Placement> placements);

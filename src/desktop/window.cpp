@@ -102,13 +102,20 @@ gboolean onLiveTextDue(gpointer window) {
   return self(window).liveTextDue();
 }
 
-// Pins a layer-shell surface to the corner its placement names, at the offsets `origin` gives.
-void anchorLayerSurface(GtkWindow* window, const Placement& placement, ui::Point origin,
+gboolean onMoveCheck(gpointer window) {
+  return self(window).moveCheck();
+}
+
+// How often a window the window manager is moving asks whether the button is still down: a
+// drop settles within this long of the release.
+constexpr guint moveCheckMilliseconds = 30;
+
+// Pins a layer-shell surface to `corner` (the top-left one for none), at the offsets `origin`
+// gives.
+void anchorLayerSurface(GtkWindow* window, std::optional<ScreenAnchor> corner, ui::Point origin,
                         ui::Size size, ui::Rect area) {
-  const bool right = !placement.position && (placement.anchor == ScreenAnchor::topRight ||
-                                             placement.anchor == ScreenAnchor::bottomRight);
-  const bool bottom = !placement.position && (placement.anchor == ScreenAnchor::bottomLeft ||
-                                              placement.anchor == ScreenAnchor::bottomRight);
+  const bool right = corner == ScreenAnchor::topRight || corner == ScreenAnchor::bottomRight;
+  const bool bottom = corner == ScreenAnchor::bottomLeft || corner == ScreenAnchor::bottomRight;
   gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_LEFT, gtk::glibBool(!right));
   gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_RIGHT, gtk::glibBool(right));
   gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, gtk::glibBool(!bottom));
@@ -193,6 +200,7 @@ WidgetWindow::WidgetWindow(const WidgetConfiguration& widget, Placement placemen
 WidgetWindow::~WidgetWindow() {
   cancel(timelineTimer_);
   cancel(liveTimer_);
+  cancel(moveTimer_);
   g_signal_handlers_disconnect_by_data(window_, this);
   g_signal_handlers_disconnect_by_data(gtk_widget_get_screen(window_), this);
   gtk_widget_destroy(window_);
@@ -215,6 +223,7 @@ ui::Size WidgetWindow::logicalSize() const {
 void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monitor, double scale) {
   GtkWindow* window = GTK_WINDOW(window_);
   monitor_ = monitor;
+  endDrag();
   if (scale != scale_ || shadowInset() != inset_) {
     scale_ = scale;
     inset_ = shadowInset();
@@ -226,17 +235,34 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monito
     layoutStale_ = true;
     redraw();
   }
+  origin_ = origin;
+  workArea_ = workArea;
+  moveTo(origin);
+  gtk_widget_show(window_);
+}
+
+void WidgetWindow::moveTo(ui::Point origin) {
+  GtkWindow* window = GTK_WINDOW(window_);
   // The window reaches past the card by the shadow's room on every side.
   const ui::Point windowOrigin{origin.x - inset_, origin.y - inset_};
   if (layerShell_) {
     // Left to itself the compositor would pick the output with focus.
-    gtk_layer_set_monitor(window, monitor);
-    anchorLayerSurface(window, placement_, windowOrigin, windowSize(), workArea);
+    gtk_layer_set_monitor(window, monitor_);
+    // Kept at the placement's corner, so that a change of work area keeps it there; a card being
+    // dragged counts from the top-left.
+    const auto corner = placement_.position || dragging_
+                            ? std::optional<ScreenAnchor>{}
+                            : std::optional<ScreenAnchor>{placement_.anchor};
+    anchorLayerSurface(window, corner, windowOrigin, windowSize(), workArea_);
   } else {
     gtk_window_move(window, static_cast<int>(std::lround(windowOrigin.x)),
                     static_cast<int>(std::lround(windowOrigin.y)));
   }
-  gtk_widget_show(window_);
+}
+
+ui::Rect WidgetWindow::cardRect() const {
+  const auto size = logicalSize();
+  return {origin_.x, origin_.y, size.width, size.height};
 }
 
 void WidgetWindow::applyCardShape() {
@@ -309,6 +335,8 @@ gboolean WidgetWindow::draw(cairo_t* cr) {
 
 gboolean WidgetWindow::buttonPress(GdkEventButton* event) {
   pressed_ = event->button == GDK_BUTTON_PRIMARY;
+  pressAt_ = {event->x, event->y};
+  pressRoot_ = {event->x_root, event->y_root};
   if (gdk_event_triggers_context_menu(reinterpret_cast<GdkEvent*>(event)) != FALSE) {
     callbacks_.menu(*this, reinterpret_cast<GdkEvent*>(event));
   }
@@ -325,6 +353,10 @@ std::string WidgetWindow::url() const {
 }
 
 gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
+  if (dragging_) {
+    drop();
+    return TRUE;
+  }
   const bool click = pressed_ && event->button == GDK_BUTTON_PRIMARY;
   pressed_ = false;
   if (!click || !layout_) return TRUE;
@@ -333,8 +365,71 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
 }
 
 gboolean WidgetWindow::pointerMoved(GdkEventMotion* event) {
+  if (dragging_) {
+    if (layerShell_) {
+      // The surface moves under the pointer: the pointer's offset from where it took the card
+      // is how far the card still has to go.
+      origin_.x += event->x - pressAt_.x;
+      origin_.y += event->y - pressAt_.y;
+      moveTo(origin_);
+    }
+    return TRUE;
+  }
+  if (pressed_ && (event->state & GDK_BUTTON1_MASK) != 0 &&
+      gtk_drag_check_threshold(window_, static_cast<int>(pressRoot_.x),
+                               static_cast<int>(pressRoot_.y), static_cast<int>(event->x_root),
+                               static_cast<int>(event->y_root)) != FALSE) {
+    startDrag(event);
+    return TRUE;
+  }
   hover(layout_ ? ui::urlAt(*layout_, cardPoint(event->x, event->y)) : std::nullopt);
   return FALSE;
+}
+
+void WidgetWindow::startDrag(GdkEventMotion* event) {
+  pressed_ = false;
+  dragging_ = true;
+  hover(std::nullopt);
+  if (layerShell_) return;
+  // The window manager moves the window, as it moves any. It holds the pointer meanwhile and
+  // tells the window nothing when the button goes up, so the window asks the pointer until then.
+  gtk_window_begin_move_drag(GTK_WINDOW(window_), GDK_BUTTON_PRIMARY,
+                             static_cast<int>(event->x_root), static_cast<int>(event->y_root),
+                             event->time);
+  cancel(moveTimer_);
+  moveTimer_ = g_timeout_add(moveCheckMilliseconds, onMoveCheck, this);
+}
+
+gboolean WidgetWindow::moveCheck() {
+  GdkWindow* window = gtk_widget_get_window(window_);
+  GdkDevice* pointer =
+      gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_window_get_display(window)));
+  GdkModifierType state{};
+  gdk_device_get_state(pointer, window, nullptr, &state);
+  if ((state & GDK_BUTTON1_MASK) != 0) return G_SOURCE_CONTINUE;
+  moveTimer_ = 0;
+  drop();
+  return G_SOURCE_REMOVE;
+}
+
+void WidgetWindow::drop() {
+  dragging_ = false;
+  if (!layerShell_) {
+    // Asked of the X server: the last configure event may still be on its way.
+    gint x = 0;
+    gint y = 0;
+    gdk_window_get_origin(gtk_widget_get_window(window_), &x, &y);
+    origin_ = {x + inset_, y + inset_};
+    monitor_ = gdk_display_get_monitor_at_window(gtk_widget_get_display(window_),
+                                                 gtk_widget_get_window(window_));
+  }
+  callbacks_.dropped(*this, origin_, monitor_);
+}
+
+void WidgetWindow::endDrag() {
+  cancel(moveTimer_);
+  dragging_ = false;
+  pressed_ = false;
 }
 
 gboolean WidgetWindow::pointerLeft() {

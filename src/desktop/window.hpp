@@ -24,6 +24,9 @@ struct WindowCallbacks {
   std::function<void(GdkMonitor*)> lost;
   // A right-click (its event) or the Menu key (no event) asks for the card's menu.
   std::function<void(WidgetWindow&, const GdkEvent*)> menu;
+  // The card was dragged and let go with its top-left corner at a point (logical pixels, screen
+  // coordinates) on a monitor.
+  std::function<void(WidgetWindow&, ui::Point, GdkMonitor*)> dropped;
 };
 
 // One placed widget on the desktop: an undecorated, transparent window below the others that
@@ -42,8 +45,12 @@ class WidgetWindow {
   WidgetWindow& operator=(const WidgetWindow&) = delete;
 
   const Placement& placement() const { return placement_; }
+  // Where the card goes now; its kind and family stay. Takes effect when it is placed.
+  void setPlacement(Placement placement) { placement_ = std::move(placement); }
   const WidgetConfiguration& widget() const { return widget_; }
   GtkWidget* gtkWindow() const { return window_; }
+  // The card where it was last placed, logical pixels.
+  ui::Rect cardRect() const;
   // What a click on the card as a whole opens; empty before the first entry.
   std::string url() const;
   // The card's size in logical pixels: its points times its scale.
@@ -66,6 +73,7 @@ class WidgetWindow {
   gboolean buttonPress(GdkEventButton* event);
   gboolean buttonRelease(GdkEventButton* event);
   gboolean pointerMoved(GdkEventMotion* event);
+  gboolean moveCheck();
   gboolean menuKey();
   gboolean pointerLeft();
   // The compositor closed the window (layer-shell does so when an output goes): keep it, hidden
@@ -89,6 +97,14 @@ class WidgetWindow {
   // The pointer is over what opens `url` (nothing: over no link): the hand cursor and a tooltip
   // naming it.
   void hover(std::optional<std::string> url);
+  // Moves the window so the card's top-left corner is at `origin`.
+  void moveTo(ui::Point origin);
+  // A press became a drag: past GTK's drag threshold with the primary button held.
+  void startDrag(GdkEventMotion* event);
+  // The drag ended: tells the host where the card was let go.
+  void drop();
+  // Forgets a press or drag under way (the card is being placed anew).
+  void endDrag();
   double deviceScale() const;
   void relayout();
   void showCurrentEntry();
@@ -112,10 +128,16 @@ class WidgetWindow {
   bool layoutStale_ = true;  // the entry, appearance, scale or a live text changed since layout_
   bool mapped_ = false;
   bool pressed_ = false;
+  bool dragging_ = false;               // moved past the drag threshold since the press
+  ui::Point pressAt_{};                 // the press in window coordinates, logical pixels
+  ui::Point pressRoot_{};               // the press in root coordinates
+  ui::Point origin_{};                  // the card's top-left, as placed or while dragged
+  ui::Rect workArea_{};                 // of the monitor the card was placed on
   std::optional<std::string> hovered_;  // what a click where the pointer is would open
   bool layerShell_ = false;
   guint timelineTimer_ = 0;
   guint liveTimer_ = 0;
+  guint moveTimer_ = 0;  // while the window manager moves the window
 };
 
 }  // namespace korvo::desktop

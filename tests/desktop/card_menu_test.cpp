@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "support/desktop_harness.hpp"
+#include "managed_desktop.hpp"
 #include "support/host_environment.hpp"
 
 // A card's menu, under a real window manager (openbox): every choice is saved to the placements
@@ -11,99 +11,9 @@
 namespace korvo::desktop_test {
 namespace {
 
-namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
-constexpr int screenWidth = 1280;
-constexpr int screenHeight = 1024;
-
-class CardMenu : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_STRNE(KORVO_BINARY, "") << "korvo-widgets was not built";
-    server_ = std::make_unique<XServer>(screenWidth, screenHeight, folder_.path());
-    environment_ = hostEnvironment(folder_.path(), {
-                                                       {"DISPLAY", server_->display()},
-                                                       {"GDK_BACKEND", "x11"},
-                                                       {"NO_AT_BRIDGE", "1"},
-                                                       {"KORVO_TEST_URL_LOG", urlLog().string()},
-                                                   });
-    windowManager_ =
-        std::make_unique<Process>(std::vector<std::string>{"openbox"}, environment_,
-                                  folder_.path() / "openbox.out", folder_.path() / "openbox.err");
-    // Openbox manages the screen once it names itself on the root window.
-    ASSERT_TRUE(waitFor([&] {
-      return runCommand({"xprop", "-root", "_NET_SUPPORTING_WM_CHECK"}, environment_)
-                 .output.find("window id") != std::string::npos;
-    })) << readFile(folder_.path() / "openbox.err");
-  }
-
-  void TearDown() override {
-    host_.reset();
-    windowManager_.reset();
-    server_.reset();
-  }
-
-  void startHost(const std::string& placements) {
-    writeFile(placementsFile(), placements);
-    host_ = std::make_unique<Process>(std::vector<std::string>{KORVO_BINARY, "run"}, environment_,
-                                      folder_.path() / "host.out", hostLog());
-  }
-
-  fs::path placementsFile() const {
-    return folder_.path() / "config" / "korvo-widgets" / "placements.json";
-  }
-  fs::path hostLog() const { return folder_.path() / "host.err"; }
-  fs::path urlLog() const { return folder_.path() / "urls.txt"; }
-
-  Json placements() const {
-    try {
-      return Json::parse(readFile(placementsFile()));
-    } catch (const Json::exception&) {
-      return nullptr;
-    }
-  }
-
-  // The one mapped window titled `title` once `ready` holds for it, or the last one seen.
-  std::optional<WindowGeometry> window(
-      const std::string& title,
-      const std::function<bool(const WindowGeometry&)>& ready = [](const auto&) { return true; }) {
-    std::optional<WindowGeometry> found;
-    waitFor([&] {
-      const auto ids = visibleWindows(server_->display(), "^" + title + "$");
-      found = ids.size() == 1 ? windowGeometry(server_->display(), ids.front()) : std::nullopt;
-      return found && ready(*found);
-    });
-    return found;
-  }
-
-  // The host's menus shown on screen: its windows named after the program, on screen (GTK keeps
-  // one mapped off screen) and taller than a tooltip, which shares the name.
-  std::size_t popups() const {
-    std::size_t shown = 0;
-    for (const auto& id : visibleWindows(server_->display(), "^korvo-widgets$")) {
-      const auto geometry = windowGeometry(server_->display(), id);
-      if (geometry && geometry->x >= 0 && geometry->y >= 0 && geometry->height > 60) ++shown;
-    }
-    return shown;
-  }
-
-  // Right-clicks the card titled `title` and types `keys` into its menu once it shows.
-  void choose(const std::string& title, const std::vector<std::string>& keys) {
-    const auto card = window(title);
-    ASSERT_TRUE(card) << title << " is not shown; host log:\n" << readFile(hostLog());
-    rightClick(server_->display(), card->x + card->width / 2, card->y + card->height / 2);
-    ASSERT_TRUE(waitFor([&] { return popups() == 1; })) << "no menu over " << title;
-    for (const auto& key : keys) pressKey(server_->display(), key);
-    ASSERT_TRUE(waitFor([&] { return popups() == 0; })) << "the menu stayed open";
-  }
-
-  TemporaryDirectory folder_;
-  std::unique_ptr<XServer> server_;
-  Environment environment_;
-  std::unique_ptr<Process> windowManager_;
-  std::unique_ptr<Process> host_;
-};
+class CardMenu : public ManagedDesktop {};
 
 TEST_F(CardMenu, EachChoiceIsSavedToThePlacementsFileAndShownAtOnce) {
   startHost(R"([{"kind": "memory"}])");
