@@ -354,6 +354,7 @@ std::string WidgetWindow::url() const {
 
 gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
   if (dragging_) {
+    if (layerShell_) origin_ = dragTarget(event->x, event->y);
     drop();
     return TRUE;
   }
@@ -367,11 +368,12 @@ gboolean WidgetWindow::buttonRelease(GdkEventButton* event) {
 gboolean WidgetWindow::pointerMoved(GdkEventMotion* event) {
   if (dragging_) {
     if (layerShell_) {
-      // The surface moves under the pointer: the pointer's offset from where it took the card
-      // is how far the card still has to go.
-      origin_.x += event->x - pressAt_.x;
-      origin_.y += event->y - pressAt_.y;
-      moveTo(origin_);
+      // The margins follow the pointer.
+      const ui::Point target = dragTarget(event->x, event->y);
+      if (target != origin_) {
+        origin_ = target;
+        moveTo(origin_);
+      }
     }
     return TRUE;
   }
@@ -390,7 +392,10 @@ void WidgetWindow::startDrag(GdkEventMotion* event) {
   pressed_ = false;
   dragging_ = true;
   hover(std::nullopt);
-  if (layerShell_) return;
+  if (layerShell_) {
+    dragFrom_ = origin_;
+    return;
+  }
   // The window manager moves the window, as it moves any. It holds the pointer meanwhile and
   // tells the window nothing when the button goes up, so the window asks the pointer until then.
   gtk_window_begin_move_drag(GTK_WINDOW(window_), GDK_BUTTON_PRIMARY,
@@ -424,6 +429,12 @@ void WidgetWindow::drop() {
                                                  gtk_widget_get_window(window_));
   }
   callbacks_.dropped(*this, origin_, monitor_);
+}
+
+ui::Point WidgetWindow::dragTarget(double x, double y) const {
+  // The compositor reports the pointer over a pressed surface from where the surface was at the
+  // press (sway does, whatever moved since), so the card goes as far as the pointer went.
+  return {dragFrom_.x + x - pressAt_.x, dragFrom_.y + y - pressAt_.y};
 }
 
 void WidgetWindow::endDrag() {

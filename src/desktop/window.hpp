@@ -105,6 +105,8 @@ class WidgetWindow {
   void drop();
   // Forgets a press or drag under way (the card is being placed anew).
   void endDrag();
+  // Where a layer surface being dragged goes for the pointer at (x, y) in it.
+  ui::Point dragTarget(double x, double y) const;
   double deviceScale() const;
   void relayout();
   void showCurrentEntry();
@@ -137,7 +139,8 @@ class WidgetWindow {
   bool layerShell_ = false;
   guint timelineTimer_ = 0;
   guint liveTimer_ = 0;
-  guint moveTimer_ = 0;  // while the window manager moves the window
+  guint moveTimer_ = 0;   // while the window manager moves the window
+  ui::Point dragFrom_{};  // where a dragged layer surface's card was at the press
 };
 
 }  // namespace korvo::desktop

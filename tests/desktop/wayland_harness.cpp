@@ -202,6 +202,13 @@ void Sway::click(int x, int y) const {
   message({"seat", "-", "cursor", "release", "button1"});
 }
 
+void Sway::drag(int x, int y, int dx, int dy, int steps) const {
+  message({"seat", "-", "cursor", "set", std::to_string(x), std::to_string(y)});
+  runCommand(asTestUser({KORVO_VIRTUAL_POINTER, "drag", std::to_string(dx), std::to_string(dy),
+                         std::to_string(steps)}),
+             environment({{"PATH", "/usr/bin:/bin"}}));
+}
+
 std::string Sway::log() const {
   return readFile(folder_ / "sway.err");
 }

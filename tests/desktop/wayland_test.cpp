@@ -269,6 +269,34 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
   EXPECT_GT(blurred, 4 * std::max(differing, 1L)) << "the comparison cannot tell blur apart";
 }
 
+// On layer-shell the card's margins follow the pointer while it is dragged; let go, it settles on
+// the 8-pixel grid, saved as a position.
+TEST_F(WaylandHost, ADraggedCardFollowsThePointerAndSettlesOnTheGrid) {
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
+  // The host, as the test user, writes the file back.
+  handToTestUser(folder_.path() / "config");
+  startHost({});
+  ASSERT_TRUE(startSurface("background", belowColor))
+      << readFile(folder_.path() / "background.err");
+  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "drag-before.png");
+
+  // Pressed in the card and moved (312, 196) in steps of a virtual mouse.
+  sway_->drag(101, 101, 312, 196, 8);
+
+  const auto placements = folder_.path() / "config" / "korvo-widgets" / "placements.json";
+  const Json settled{{"x", 328}, {"y", 216}};
+  EXPECT_TRUE(waitFor([&] {
+    const auto document = Json::parse(readFile(placements), nullptr, false);
+    return document.is_array() && !document.empty() &&
+           document[0].value("position", Json()) == settled;
+  })) << readFile(placements)
+      << readFile(hostLog());
+  expectWidgetsAt({{"awake", {328, 216, 170, 170}}}, "drag-after.png");
+  EXPECT_TRUE(lines(urlLog()).empty()) << "the drag opened the card's link";
+  EXPECT_TRUE(host_->running());
+}
+
 // A card on a wallpaper of nearly its own colour: the host's soft shadow outside the card's
 // rounded shape gives it an edge, and fades out before the next card could start.
 struct ShadowCase {
