@@ -235,6 +235,12 @@ void WidgetWindow::place(ui::Point origin, ui::Rect workArea, GdkMonitor* monito
     layoutStale_ = true;
     redraw();
   }
+  // When the work area changes under a shown layer surface whose margins stay the same, sway 1.7
+  // was seen to leave the card where the old edge was; shown anew, the surface is laid out on the
+  // output as it is now.
+  if (layerShell_ && workArea != workArea_ && gtk_widget_get_mapped(window_) != FALSE) {
+    gtk_widget_hide(window_);
+  }
   origin_ = origin;
   workArea_ = workArea;
   moveTo(origin);
