@@ -54,8 +54,8 @@ class DesktopHost {
   void sharedFileChanged();
   // Pops up `window`'s menu at the pointer (`event`) or over the card (the Menu key).
   void showMenu(WidgetWindow& window, const GdkEvent* event);
-  // Makes `edit` to `window`'s placement, saves the placements and shows them.
-  void edit(const WidgetWindow* window, const PlacementEdit& edit);
+  // Makes `change` to `window`'s placement, saves the placements and shows them.
+  void edit(const WidgetWindow* window, const PlacementEdit& change);
   // Opens the placements file in the user's editor, written first when there is none.
   void arrangeWidgets();
   // `window` was dragged and let go at `origin` on `monitor`: it settles there as a position,
