@@ -82,7 +82,9 @@ std::optional<ui::Point> stack(Column& column, ScreenAnchor anchor, ui::Size siz
     if (column.along + size.height > area.height - column.margin) {
       // A window taller than the whole column fits in no column.
       if (column.along == column.margin && column.width == 0) return std::nullopt;
-      column.offset += std::max(column.width, size.width) + placementSpacing;
+      // Past the widest window of this column; past this one when windows of other corners took
+      // the whole column.
+      column.offset += (column.width > 0 ? column.width : size.width) + placementSpacing;
       column.along = column.margin;
       column.width = 0;
       continue;

@@ -168,6 +168,16 @@ TEST(ArrangeToFit, TheDefaultCardsAtScaleTwoOnFullHDWrapIntoASecondColumnAtFullS
   EXPECT_TRUE(fitted.arrangement.moved.empty());
 }
 
+TEST(ArrangeToFit, AWideCardStartsTheNextColumnBesideTheNarrowOnesBeforeIt) {
+  const auto placements = defaultPlacements(kindLookup(bundle()));
+  const auto fitted = arrangeToFit(placements, 2, {0, 0, 1280, 1024});
+  EXPECT_EQ(fitted.scale, 2);
+  // Memory and Keep Awake fill the first column; AI Usage opens the second one right beside
+  // them, and CPU Temperature follows it there.
+  EXPECT_EQ(fitted.arrangement.origins,
+            (std::vector<ui::Point>{{924, 16}, {924, 368}, {184, 16}, {572, 368}}));
+}
+
 TEST(ArrangeToFit, CardsThatCannotFitAtTheirScaleShrinkUntilTheyDo) {
   std::vector<Placement> placements{{"a", WidgetFamily::systemMedium},
                                     {"b", WidgetFamily::systemMedium},
