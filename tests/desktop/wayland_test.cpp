@@ -98,12 +98,14 @@ class WaylandHost : public testing::Test {
   // A surface of the test's own: "background" (below the widgets, logging its clicks) or
   // "window" (an ordinary window, which sway tiles over the whole output). Returns once it shows
   // on screen (it shows through the cards' rounded corners, so pictures wait for it), or false.
-  bool startSurface(const std::string& layer, const std::string& color) {
+  // `probe` is a layout point no widget covers.
+  bool startSurface(const std::string& layer, const std::string& color,
+                    std::pair<int, int> probe = {700, 700}) {
     clients_.push_back(std::make_unique<Process>(
         asTestUser({"python3", KORVO_TEST_SURFACE, "--layer", layer, "--color", "#" + color,
                     "--clicks", clicksBelow().string()}),
         environment_, folder_.path() / (layer + ".out"), folder_.path() / (layer + ".err")));
-    return waitFor([&] { return colorAt(700, 700) == color; });
+    return waitFor([&] { return colorAt(probe.first, probe.second) == color; });
   }
 
   // A session bus of the test user's own, which the clients started from now on join.
@@ -267,6 +269,21 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
   EXPECT_LT(differing, pixels / 200) << "the card differs from the 2x render in " << differing
                                      << " pixels (a stretched 1x render: " << blurred << ")";
   EXPECT_GT(blurred, 4 * std::max(differing, 1L)) << "the comparison cannot tell blur apart";
+}
+
+// The four default cards at scale 2 do not fit one column of a 1280x1024 output: the column
+// wraps into a second one inward, and no card covers another.
+TEST_F(WaylandHost, AtScaleTwoTheDefaultCardsWrapIntoASecondColumnWithoutOverlapping) {
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
+  startHost({"--scale", "2"});
+  ASSERT_TRUE(startSurface("background", belowColor, {100, 900}))
+      << readFile(folder_.path() / "background.err");
+  expectWidgetsAt({{"memory", {924, 16, 340, 340}},
+                   {"awake below it", {924, 368, 340, 340}},
+                   {"usage opening the second column", {184, 16, 728, 340}},
+                   {"temperature below usage", {572, 368, 340, 340}}},
+                  "default-scale-2.png");
+  EXPECT_TRUE(host_->running());
 }
 
 // On layer-shell the card's margins follow the pointer while it is dragged; let go, it settles on
