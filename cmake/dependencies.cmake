@@ -14,6 +14,8 @@ find_package(Intl REQUIRED)
 if(KORVO_BUILD_TESTS)
   find_package(GTest REQUIRED)
   include(GoogleTest)
+  # The desktop tests read which cursor the X server shows over a card.
+  pkg_check_modules(XFIXES REQUIRED IMPORTED_TARGET x11 xfixes)
 endif()
 if(KORVO_BUILD_BENCHMARKS)
   find_package(benchmark REQUIRED)

@@ -4,7 +4,7 @@ _korvo_widgets() {
     local cur prev words cword
     _init_completion || return
 
-    local commands="list timeline render gallery snapshot memory status run reload"
+    local commands="list timeline render gallery snapshot memory status run reload stop"
     local kinds="memory awake usage temperature"
     local status_kinds="memory usage temperature"
     local modes="usedPercent usedGB availablePercent availableGB usedOfTotal"
@@ -63,7 +63,7 @@ _korvo_widgets() {
                     usage:medium" -- "$cur"))
             fi
             ;;
-        reload)
+        reload | stop)
             COMPREPLY=($(compgen -W "--help" -- "$cur"))
             ;;
     esac

@@ -1,6 +1,6 @@
 # fish completion for korvo-widgets
 
-set -l commands list timeline render gallery snapshot memory status run reload
+set -l commands list timeline render gallery snapshot memory status run reload stop
 set -l kinds memory awake usage temperature
 set -l status_kinds memory usage temperature
 
@@ -14,6 +14,7 @@ complete -c korvo-widgets -n "not __fish_seen_subcommand_from $commands" -a memo
 complete -c korvo-widgets -n "not __fish_seen_subcommand_from $commands" -a status -d "One line for a status bar"
 complete -c korvo-widgets -n "not __fish_seen_subcommand_from $commands" -a run -d "The widgets on the desktop"
 complete -c korvo-widgets -n "not __fish_seen_subcommand_from $commands" -a reload -d "Ask every provider again now"
+complete -c korvo-widgets -n "not __fish_seen_subcommand_from $commands" -a stop -d "End the desktop host"
 
 complete -c korvo-widgets -n "__fish_seen_subcommand_from timeline render; and not __fish_seen_subcommand_from $kinds" -a "$kinds"
 complete -c korvo-widgets -n "__fish_seen_subcommand_from status; and not __fish_seen_subcommand_from $status_kinds" -a "$status_kinds"

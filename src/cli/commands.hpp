@@ -20,5 +20,7 @@ void addStatusCommand(CLI::App& app, desktop::CommandOutcome& outcome);
 void addRunCommand(CLI::App& app, desktop::CommandOutcome& outcome);
 // `reload`: asks the running desktop host to ask every provider again.
 void addReloadCommand(CLI::App& app, desktop::CommandOutcome& outcome);
+// `stop`: ends the running desktop host.
+void addStopCommand(CLI::App& app, desktop::CommandOutcome& outcome);
 
 }  // namespace korvo::cli

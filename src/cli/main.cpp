@@ -25,6 +25,7 @@ int run(int argc, char** argv) {
   korvo::cli::addStatusCommand(app, outcome);
   korvo::cli::addRunCommand(app, outcome);
   korvo::cli::addReloadCommand(app, outcome);
+  korvo::cli::addStopCommand(app, outcome);
   return korvo::desktop::parseAndRun(app, argc, argv, "korvo-widgets", outcome);
 }
 

@@ -7,10 +7,16 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/c_format.hpp"
+#include "desktop/card_menu.hpp"
+#include "desktop/core/arrangement.hpp"
+#include "desktop/core/drop_snap.hpp"
 #include "desktop/core/host_record.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "desktop/monitors.hpp"
 #include "extension/korvo_widgets.hpp"
+#include "gtk/notification.hpp"
+#include "gtk/url_opener.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
 namespace korvo::desktop {
@@ -42,6 +48,11 @@ gboolean onStop(gpointer) {
 
 void onScreenChanged(GdkScreen*, gpointer host) {
   self(host).monitorsChanged();
+}
+
+// A compositor came or went: the windows gain or lose the room for their shadows.
+void onCompositedChanged(GdkScreen*, gpointer host) {
+  self(host).arrange();
 }
 
 gboolean onArrangeDue(gpointer host) {
@@ -78,9 +89,11 @@ DesktopHost::DesktopHost(const std::vector<WidgetConfiguration>& widgets, HostOp
   GdkScreen* screen = gdk_screen_get_default();
   g_signal_connect(screen, "monitors-changed", G_CALLBACK(onScreenChanged), this);
   g_signal_connect(screen, "size-changed", G_CALLBACK(onScreenChanged), this);
+  g_signal_connect(screen, "composited-changed", G_CALLBACK(onCompositedChanged), this);
 }
 
 DesktopHost::~DesktopHost() {
+  if (menu_ != nullptr) gtk_widget_destroy(menu_);
   if (arrangeSource_ != 0) g_source_remove(arrangeSource_);
   g_signal_handlers_disconnect_by_data(gdk_screen_get_default(), this);
   for (const auto source : signalSources_) g_source_remove(source);
@@ -116,11 +129,21 @@ void DesktopHost::reloadPlacements() {
     apply(defaultPlacements(lookup_));
   } else {
     const bool first = windows_.empty();
-    std::fprintf(stderr, "korvo-widgets: %s; %s\n",
-                 std::get<PlacementError>(loaded).message.c_str(),
-                 first ? "showing the default widgets" : "keeping the widgets shown");
+    const auto& fault = std::get<PlacementError>(loaded).message;
+    const char* outcome = first ? "showing the default widgets" : "keeping the widgets shown";
+    std::fprintf(stderr, "korvo-widgets: %s; %s\n", fault.c_str(), outcome);
+    // Nobody reads standard error of a host started at login; a notification is seen, once for
+    // each version of the file, not again on every SIGHUP.
+    const std::pair reported{fileStamp(*placementsFile_), fault};
+    if (reported != reportedFault_) {
+      reportedFault_ = reported;
+      gtk::sendNotification("The widgets' placements file has a fault",
+                            fault + "; " + outcome + ".");
+    }
     if (first) apply(defaultPlacements(lookup_));
+    return;
   }
+  reportedFault_.reset();
 }
 
 void DesktopHost::watchPlacementsFile() {
@@ -144,7 +167,11 @@ void DesktopHost::sharedFileChanged() {
 void DesktopHost::apply(std::vector<Placement> placements) {
   std::vector<std::unique_ptr<WidgetWindow>> next;
   for (std::size_t index = 0; index < placements.size(); ++index) {
-    if (index < windows_.size() && windows_[index]->placement() == placements[index]) {
+    // A card that only moves keeps its window (and what it shows); a new kind or family needs
+    // a window of its own.
+    if (index < windows_.size() && windows_[index]->placement().kind == placements[index].kind &&
+        windows_[index]->placement().family == placements[index].family) {
+      windows_[index]->setPlacement(std::move(placements[index]));
       next.push_back(std::move(windows_[index]));
       continue;
     }
@@ -152,10 +179,103 @@ void DesktopHost::apply(std::vector<Placement> placements) {
     if (widget == nullptr) continue;
     next.push_back(std::make_unique<WidgetWindow>(
         *widget, std::move(placements[index]), static_cast<int>(index) + 1, options_, *appearance_,
-        *theme_, [this](GdkMonitor* monitor) { surfaceLost(monitor); }));
+        *theme_,
+        WindowCallbacks{
+            [this](GdkMonitor* monitor) { surfaceLost(monitor); },
+            [this](WidgetWindow& window, const GdkEvent* event) { showMenu(window, event); },
+            [this](WidgetWindow& window, ui::Point origin, GdkMonitor* monitor) {
+              dropped(&window, origin, monitor);
+            }}));
   }
   windows_ = std::move(next);
   arrange();
+}
+
+std::vector<Placement> DesktopHost::shownPlacements() const {
+  std::vector<Placement> placements;
+  for (const auto& window : windows_) placements.push_back(window->placement());
+  return placements;
+}
+
+bool DesktopHost::holds(const WidgetWindow* window) const {
+  return std::any_of(windows_.begin(), windows_.end(),
+                     [window](const auto& held) { return held.get() == window; });
+}
+
+void DesktopHost::showMenu(WidgetWindow& window, const GdkEvent* event) {
+  CardMenuContent content;
+  content.family = window.placement().family;
+  content.families = window.widget().supportedFamilies;
+  if (!window.placement().position) content.anchor = window.placement().anchor;
+  for (const auto& widget : widgets_) {
+    const bool shown = std::any_of(windows_.begin(), windows_.end(), [&](const auto& held) {
+      return held->placement().kind == widget.kind;
+    });
+    if (!shown) content.addable.push_back({widget.kind, widget.displayName});
+  }
+  // Choices name the window, not its place: by the time one runs the windows may have changed.
+  const WidgetWindow* chosen = &window;
+  CardMenuActions actions{[this, chosen](const PlacementEdit& change) { edit(chosen, change); },
+                          [this, chosen] {
+                            if (holds(chosen) && !chosen->url().empty())
+                              gtk::openURL(chosen->url());
+                          },
+                          [this] { arrangeWidgets(); }};
+  if (menu_ != nullptr) gtk_widget_destroy(menu_);
+  menu_ = newCardMenu(content, std::move(actions));
+  if (event != nullptr) {
+    gtk_menu_popup_at_pointer(GTK_MENU(menu_), event);
+  } else {
+    gtk_menu_popup_at_widget(GTK_MENU(menu_), window.gtkWindow(), GDK_GRAVITY_CENTER,
+                             GDK_GRAVITY_NORTH_WEST, nullptr);
+  }
+  gtk_menu_shell_select_first(GTK_MENU_SHELL(menu_), FALSE);
+}
+
+void DesktopHost::edit(const WidgetWindow* window, const PlacementEdit& change) {
+  const auto at = std::find_if(windows_.begin(), windows_.end(),
+                               [window](const auto& held) { return held.get() == window; });
+  if (at == windows_.end()) return;
+  auto placements = editPlacements(
+      shownPlacements(), static_cast<std::size_t>(at - windows_.begin()), change, lookup_);
+  // Shown with --widget the placements file is not in use: the change lasts until the host ends.
+  if (options_.widgets.empty() && placementsFile_) {
+    if (const auto failure = savePlacementsFile(*placementsFile_, placements)) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", failure->c_str());
+    }
+  }
+  apply(std::move(placements));
+}
+
+void DesktopHost::dropped(const WidgetWindow* window, ui::Point origin, GdkMonitor* monitor) {
+  const auto monitors = displayMonitors(gdk_display_get_default());
+  const auto on = std::find_if(monitors.begin(), monitors.end(),
+                               [monitor](const Monitor& each) { return each.monitor == monitor; });
+  const ui::Rect area = on != monitors.end() ? on->workArea
+                        : monitors.empty()   ? ui::Rect{0, 0, 1280, 800}
+                                             : monitors.front().workArea;
+  std::vector<ui::Rect> others;
+  for (const auto& held : windows_) {
+    if (held.get() != window) others.push_back(held->cardRect());
+  }
+  const auto card = window->cardRect();
+  const auto position = snapDrop(origin, {card.width, card.height}, others, area);
+  std::optional<std::string> output;
+  if (on != monitors.end() && !on->name.empty()) output = on->name;
+  edit(window, MoveToPosition{position, output});
+}
+
+void DesktopHost::arrangeWidgets() {
+  if (!placementsFile_) return;
+  if (!std::filesystem::exists(*placementsFile_)) {
+    if (const auto failure = savePlacementsFile(*placementsFile_, shownPlacements())) {
+      std::fprintf(stderr, "korvo-widgets: %s\n", failure->c_str());
+      return;
+    }
+  }
+  gchar* uri = g_filename_to_uri(placementsFile_->c_str(), nullptr, nullptr);
+  if (uri != nullptr) gtk::openURL(uri);
+  g_free(uri);
 }
 
 void DesktopHost::arrange() {
@@ -181,6 +301,24 @@ void DesktopHost::arrange() {
     }
     onMonitor[monitor].push_back(index);
   }
+  const auto areaOf = [&](std::size_t monitor) {
+    return monitors.empty() ? ui::Rect{0, 0, 1280, 800} : monitors[monitor].workArea;
+  };
+  std::vector<FittedArrangement> fitted;
+  for (std::size_t monitor = 0; monitor < onMonitor.size(); ++monitor) {
+    std::vector<Placement> placements;
+    for (const auto index : onMonitor[monitor]) placements.push_back(windows_[index]->placement());
+    fitted.push_back(arrangeToFit(placements, options_.scale, areaOf(monitor)));
+    if (fitted.back().scale < options_.scale) {
+      notices.push_back(cFormat("the widgets do not all fit %s at scale %g; drawn at %g",
+                                monitors.empty() || monitors[monitor].name.empty()
+                                    ? "the monitor"
+                                    : monitors[monitor].name.c_str(),
+                                options_.scale, fitted.back().scale));
+    }
+    notices.insert(notices.end(), fitted.back().arrangement.moved.begin(),
+                   fitted.back().arrangement.moved.end());
+  }
   // Said once when a widget moves over, not again each time the same monitors are arranged.
   for (const auto& notice : notices) {
     if (std::find(notices_.begin(), notices_.end(), notice) == notices_.end()) {
@@ -189,20 +327,10 @@ void DesktopHost::arrange() {
   }
   notices_ = std::move(notices);
   for (std::size_t monitor = 0; monitor < onMonitor.size(); ++monitor) {
-    std::vector<Placement> placements;
-    std::vector<ui::Size> sizes;
-    for (const auto index : onMonitor[monitor]) {
-      placements.push_back(windows_[index]->placement());
-      sizes.push_back(windows_[index]->logicalSize());
-    }
-    const auto area = monitors.empty() ? ui::Rect{0, 0, 1280, 800} : monitors[monitor].workArea;
-    const auto arrangement = arrangeWindows(placements, sizes, area);
-    for (const auto& moved : arrangement.moved) {
-      std::fprintf(stderr, "korvo-widgets: %s\n", moved.c_str());
-    }
     GdkMonitor* gdkMonitor = monitors.empty() ? nullptr : monitors[monitor].monitor;
     for (std::size_t slot = 0; slot < onMonitor[monitor].size(); ++slot) {
-      windows_[onMonitor[monitor][slot]]->place(arrangement.origins[slot], area, gdkMonitor);
+      windows_[onMonitor[monitor][slot]]->place(fitted[monitor].arrangement.origins[slot],
+                                                areaOf(monitor), gdkMonitor, fitted[monitor].scale);
     }
   }
 }

@@ -10,6 +10,8 @@
 
 #include "desktop/core/options.hpp"
 #include "desktop/core/placement.hpp"
+#include "desktop/core/placement_edit.hpp"
+#include "desktop/core/placement_file.hpp"
 #include "desktop/core/widget_lookup.hpp"
 #include "desktop/window.hpp"
 #include "extension/widget_configuration.hpp"
@@ -50,9 +52,22 @@ class DesktopHost {
   void appearanceChanged();
   // The shared file changed: the widgets that show it ask their providers again at once.
   void sharedFileChanged();
+  // Pops up `window`'s menu at the pointer (`event`) or over the card (the Menu key).
+  void showMenu(WidgetWindow& window, const GdkEvent* event);
+  // Makes `change` to `window`'s placement, saves the placements and shows them.
+  void edit(const WidgetWindow* window, const PlacementEdit& change);
+  // Opens the placements file in the user's editor, written first when there is none.
+  void arrangeWidgets();
+  // `window` was dragged and let go at `origin` on `monitor`: it settles there as a position,
+  // snapped to the grid and to the cards nearby.
+  void dropped(const WidgetWindow* window, ui::Point origin, GdkMonitor* monitor);
 
  private:
   void apply(std::vector<Placement> placements);
+  // The placements shown, in order.
+  std::vector<Placement> shownPlacements() const;
+  // Whether `window` is still one of the host's.
+  bool holds(const WidgetWindow* window) const;
   void watchPlacementsFile();
   void watchSharedFile();
 
@@ -66,9 +81,12 @@ class DesktopHost {
   std::unique_ptr<gtk::FileWatch> placementsWatch_;
   std::unique_ptr<gtk::FileWatch> sharedFileWatch_;
   std::vector<guint> signalSources_;
+  GtkWidget* menu_ = nullptr;  // the last card menu popped up
   guint arrangeSource_ = 0;
   std::vector<GdkMonitor*> refused_;  // monitors whose output closed a widget's surface
   std::vector<std::string> notices_;  // widgets shown away from their output, as last said
+  // The version of the placements file and its fault last notified, while it is bad.
+  std::optional<std::pair<std::optional<FileStamp>, std::string>> reportedFault_;
 };
 
 }  // namespace korvo::desktop

@@ -10,7 +10,8 @@
 namespace korvo::gtk {
 
 void describeToAssistiveTechnologies(GtkWidget* card, const std::string& displayName,
-                                     const ui::WidgetLayout& widget, double scale, bool logTime) {
+                                     const ui::WidgetLayout& widget, CardPixels pixels,
+                                     bool logTime) {
   const gint64 start = g_get_monotonic_time();
   AtkObject* accessible = gtk_widget_get_accessible(card);
   if (accessible == nullptr) return;
@@ -19,7 +20,7 @@ void describeToAssistiveTechnologies(GtkWidget* card, const std::string& display
     atk_object_set_name(accessible, displayName.c_str());
   }
   const std::size_t edits =
-      showAccessibleElements(card, widget.url, ui::accessibleElements(widget), scale);
+      showAccessibleElements(card, widget.url, ui::accessibleElements(widget), pixels);
   if (logTime) {
     std::fprintf(stderr, "korvo-widgets: accessible children of %s: %zu edits in %lld us\n",
                  displayName.c_str(), edits,

@@ -167,7 +167,7 @@ GtkWidget* newCardArea() {
 
 std::size_t showAccessibleElements(GtkWidget* cardWidget, const std::string& url,
                                    const std::vector<ui::AccessibleElement>& elements,
-                                   double scale) {
+                                   CardPixels pixels) {
   AtkObject* card = gtk_widget_get_accessible(cardWidget);
   if (stateOf(card) == nullptr) return 0;
   CardState& held = state(card);
@@ -187,7 +187,7 @@ std::size_t showAccessibleElements(GtkWidget* cardWidget, const std::string& url
         break;
       }
       case ui::AccessibleEdit::Kind::insert: {
-        AtkObject* child = newAccessibleElement(card, elements[edit.index], scale);
+        AtkObject* child = newAccessibleElement(card, elements[edit.index], pixels);
         children.insert(at, child);
         g_signal_emit_by_name(card, "children-changed::add", index, child);
         break;
@@ -198,6 +198,7 @@ std::size_t showAccessibleElements(GtkWidget* cardWidget, const std::string& url
     }
   }
   held.elements = elements;
+  for (AtkObject* child : children) placeAccessibleElement(child, pixels);
   return edits.size();
 }
 

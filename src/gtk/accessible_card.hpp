@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "gtk/card_pixels.hpp"
 #include "ui/accessible_tree.hpp"
 
 using GtkWidget = struct _GtkWidget;
@@ -19,12 +20,12 @@ GtkWidget* newCardWindow();
 GtkWidget* newCardArea();
 
 // Makes the children of the accessible object of `cardWidget` (made by newCardWindow or
-// newCardArea) show `elements`, drawn at `scale` logical pixels per point from its corner, and
+// newCardArea) show `elements`, drawn where `pixels` puts the card in that widget, and
 // its action open `url`. Only what changed is touched and
 // announced (children added or removed, names, values, bounds). Returns how many children were
 // added, removed or updated.
 std::size_t showAccessibleElements(GtkWidget* cardWidget, const std::string& url,
                                    const std::vector<ui::AccessibleElement>& elements,
-                                   double scale);
+                                   CardPixels pixels);
 
 }  // namespace korvo::gtk

@@ -12,7 +12,7 @@ namespace {
 
 struct ElementState {
   ui::AccessibleElement element;
-  double scale = 1;
+  CardPixels pixels{};
   AtkObject* card = nullptr;  // not held: the card holds its elements; null once let go
 };
 
@@ -127,7 +127,7 @@ AtkRectangle extents(gpointer object, AtkCoordType coordinates) {
   const ui::Rect& frame = element.element.frame;
   // Rounding both edges keeps neighbours from overlapping or parting by a pixel.
   const auto pixel = [&](double points) {
-    return static_cast<gint>(std::lround(points * element.scale));
+    return static_cast<gint>(std::lround(points * element.pixels.scale + element.pixels.inset));
   };
   return {originX + pixel(frame.x), originY + pixel(frame.y), pixel(frame.maxX()) - pixel(frame.x),
           pixel(frame.maxY()) - pixel(frame.y)};
@@ -248,11 +248,11 @@ void deleteURL(gpointer url) {
 }  // namespace
 
 AtkObject* newAccessibleElement(AtkObject* card, const ui::AccessibleElement& element,
-                                double scale) {
+                                CardPixels pixels) {
   auto* object = ATK_OBJECT(g_object_new(typeOf(element.role), nullptr));
   ElementState& held = state(object);
   held.element = element;
-  held.scale = scale;
+  held.pixels = pixels;
   held.card = card;
   atk_object_set_role(object, atkRole(element.role));
   atk_object_set_name(object, element.name.c_str());
@@ -261,6 +261,10 @@ AtkObject* newAccessibleElement(AtkObject* card, const ui::AccessibleElement& el
     atk_object_set_description(object, element.value.c_str());
   }
   return object;
+}
+
+void placeAccessibleElement(AtkObject* object, CardPixels pixels) {
+  state(object).pixels = pixels;
 }
 
 void updateAccessibleElement(AtkObject* object, const ui::AccessibleElement& element) {

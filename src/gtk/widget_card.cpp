@@ -41,7 +41,7 @@ gboolean WidgetCard::draw(cairo_t* cr) {
                                        render::PangoTextMeasurer::shared(), scale);
   render::paintWidget(cr, layout);
   // What is drawn is what a screen reader reads, live texts as they read now.
-  gtk::describeToAssistiveTechnologies(area_, widget_.displayName, layout, 1, false);
+  gtk::describeToAssistiveTechnologies(area_, widget_.displayName, layout, {}, false);
   return TRUE;
 }
 

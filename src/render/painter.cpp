@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "render/pango_text.hpp"
+#include "render/rounded_path.hpp"
 
 namespace korvo::render {
 
@@ -23,17 +24,6 @@ using ui::TextLine;
 
 void setColor(cairo_t* cr, const Color& color) {
   cairo_set_source_rgba(cr, color.red, color.green, color.blue, color.alpha);
-}
-
-void roundedRectPath(cairo_t* cr, const Rect& rect, double radius) {
-  radius = std::clamp(radius, 0.0, std::min(rect.width, rect.height) / 2);
-  const double degrees = M_PI / 180.0;
-  cairo_new_sub_path(cr);
-  cairo_arc(cr, rect.maxX() - radius, rect.y + radius, radius, -90 * degrees, 0);
-  cairo_arc(cr, rect.maxX() - radius, rect.maxY() - radius, radius, 0, 90 * degrees);
-  cairo_arc(cr, rect.x + radius, rect.maxY() - radius, radius, 90 * degrees, 180 * degrees);
-  cairo_arc(cr, rect.x + radius, rect.y + radius, radius, 180 * degrees, 270 * degrees);
-  cairo_close_path(cr);
 }
 
 void paintShape(cairo_t* cr, const LayoutNode& node) {

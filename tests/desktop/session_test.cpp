@@ -3,10 +3,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <string>
 
 #include "support/desktop_harness.hpp"
 #include "support/host_environment.hpp"
+#include "support/private_buses.hpp"
 
 namespace korvo::desktop_test {
 namespace {
@@ -156,6 +158,66 @@ TEST_F(Session, ARecordLeftByAHostThatIsGoneIsNotAHost) {
   writeFile(folder_.path() / "run" / "korvo-widgets" / "desktop.pid",
             std::to_string(::getpid()) + "\n");
   EXPECT_EQ(run(std::string(KORVO_BINARY) + " reload").exitStatus, 1);
+}
+
+TEST_F(Session, StopEndsTheRunningHostAndAfterItStopSaysNoneRunsAndExitsOne) {
+  Process& host = startHost({"--widget", "memory"});
+  ASSERT_TRUE(waitFor([&] { return requested(0, memory); })) << readFile(log(0));
+
+  const CommandResult stop = run(std::string(KORVO_BINARY) + " stop");
+  EXPECT_EQ(stop.exitStatus, 0) << stop.output;
+  EXPECT_EQ(stop.output, "");
+  // `stop` returns once the host has gone.
+  EXPECT_FALSE(fs::exists(folder_.path() / "run" / "korvo-widgets" / "desktop.pid"));
+  EXPECT_TRUE(waitFor([&] { return !host.running(); }));
+
+  const CommandResult again = run(std::string(KORVO_BINARY) + " stop");
+  EXPECT_EQ(again.exitStatus, 1);
+  EXPECT_TRUE(contains(again.output, "korvo-widgets: no desktop host is running")) << again.output;
+  EXPECT_EQ(std::count(again.output.begin(), again.output.end(), '\n'), 1);
+}
+
+// A host started at login has no terminal: a bad placements file is also said in a notification
+// naming the file and the fault, once for each version of the file.
+TEST_F(Session, ABadPlacementsFileIsNotifiedOnceForEachVersionOfIt) {
+  const bus_test::Mock notifications(environment_, folder_.path(),
+                                     {"--template", "notification_daemon"},
+                                     "org.freedesktop.Notifications", false);
+  const auto notified = [&] {
+    const std::string calls =
+        bus_test::call(environment_, false, "org.freedesktop.Notifications",
+                       "/org/freedesktop/Notifications", "org.freedesktop.DBus.Mock.GetCalls");
+    std::vector<std::string> bodies;
+    for (auto at = calls.find("'Notify'"); at != std::string::npos;
+         at = calls.find("'Notify'", at + 1)) {
+      bodies.push_back(calls.substr(at, calls.find("'Notify'", at + 1) - at));
+    }
+    return bodies;
+  };
+  const auto placements = folder_.path() / "config" / "korvo-widgets" / "placements.json";
+  writeFile(placements, R"([{"kind": "memory", "family": "large"}])");
+  startHost({});
+  ASSERT_TRUE(waitFor([&] { return notified().size() == 1; })) << readFile(log(0));
+  EXPECT_TRUE(contains(notified()[0],
+                       placements.string() + ": [0].family: \"large\" is not offered by memory"))
+      << notified()[0];
+  EXPECT_TRUE(contains(notified()[0], "showing the default widgets")) << notified()[0];
+
+  // Read again unchanged (SIGHUP): the log says it again, the notification does not.
+  const auto complaints = [&] {
+    const auto text = readFile(log(0));
+    return std::count_if(text.begin(), text.end(), [](char c) { return c == '\n'; });
+  };
+  const auto before = complaints();
+  hosts_[0]->signal(SIGHUP);
+  ASSERT_TRUE(waitFor([&] { return complaints() > before; })) << readFile(log(0));
+  EXPECT_EQ(notified().size(), 1U);
+
+  // Another fault is another version of the file: notified once more.
+  writeFile(placements, R"([{"kind": "clock"}])");
+  ASSERT_TRUE(waitFor([&] { return notified().size() == 2; })) << readFile(log(0));
+  EXPECT_TRUE(contains(notified()[1], "[0].kind: unknown widget \"clock\"")) << notified()[1];
+  EXPECT_TRUE(contains(notified()[1], "keeping the widgets shown")) << notified()[1];
 }
 
 }  // namespace

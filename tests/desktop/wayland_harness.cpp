@@ -202,6 +202,13 @@ void Sway::click(int x, int y) const {
   message({"seat", "-", "cursor", "release", "button1"});
 }
 
+void Sway::drag(int x, int y, int dx, int dy, int steps) const {
+  message({"seat", "-", "cursor", "set", std::to_string(x), std::to_string(y)});
+  runCommand(asTestUser({KORVO_VIRTUAL_POINTER, "drag", std::to_string(dx), std::to_string(dy),
+                         std::to_string(steps)}),
+             environment({{"PATH", "/usr/bin:/bin"}}));
+}
+
 std::string Sway::log() const {
   return readFile(folder_ / "sway.err");
 }
@@ -209,8 +216,9 @@ std::string Sway::log() const {
 std::optional<PixelRect> paintedBounds(const fs::path& picture, PixelRect area) {
   const auto crop = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
                     std::to_string(area.x) + "+" + std::to_string(area.y);
+  // The fuzz passes over the cards' soft shadows (at most 16 % black) but not their edges.
   const auto result = runCommand({"convert", picture.string(), "-crop", crop, "+repage", "-fuzz",
-                                  "4%", "-format", "%@", "info:"},
+                                  "12%", "-format", "%@", "info:"},
                                  {{"PATH", "/usr/bin:/bin"}});
   // "WxH+X+Y"; ImageMagick trims a uniform picture to a single pixel at -1, -1.
   const auto& text = result.output;

@@ -64,6 +64,9 @@ class Sway {
   bool unplug(const std::string& output) const;
   // Moves the cursor to (x, y) in layout coordinates and clicks the primary button.
   void click(int x, int y) const;
+  // Presses the primary button at (x, y) in layout coordinates, moves by (dx, dy) in `steps`
+  // equal moves of a virtual mouse, and releases it.
+  void drag(int x, int y, int dx, int dy, int steps) const;
   std::string log() const;
 
  private:

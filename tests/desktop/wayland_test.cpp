@@ -98,12 +98,14 @@ class WaylandHost : public testing::Test {
   // A surface of the test's own: "background" (below the widgets, logging its clicks) or
   // "window" (an ordinary window, which sway tiles over the whole output). Returns once it shows
   // on screen (it shows through the cards' rounded corners, so pictures wait for it), or false.
-  bool startSurface(const std::string& layer, const std::string& color) {
+  // `probe` is a layout point no widget covers.
+  bool startSurface(const std::string& layer, const std::string& color,
+                    std::pair<int, int> probe = {700, 700}) {
     clients_.push_back(std::make_unique<Process>(
         asTestUser({"python3", KORVO_TEST_SURFACE, "--layer", layer, "--color", "#" + color,
                     "--clicks", clicksBelow().string()}),
         environment_, folder_.path() / (layer + ".out"), folder_.path() / (layer + ".err")));
-    return waitFor([&] { return colorAt(700, 700) == color; });
+    return waitFor([&] { return colorAt(probe.first, probe.second) == color; });
   }
 
   // A session bus of the test user's own, which the clients started from now on join.
@@ -268,6 +270,100 @@ TEST_F(WaylandHost, AtScaleTwoTheCardIsAsSharpAsATwoTimesHeadlessRender) {
                                      << " pixels (a stretched 1x render: " << blurred << ")";
   EXPECT_GT(blurred, 4 * std::max(differing, 1L)) << "the comparison cannot tell blur apart";
 }
+
+// The four default cards at scale 2 do not fit one column of a 1280x1024 output: the column
+// wraps into a second one inward, and no card covers another.
+TEST_F(WaylandHost, AtScaleTwoTheDefaultCardsWrapIntoASecondColumnWithoutOverlapping) {
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
+  startHost({"--scale", "2"});
+  ASSERT_TRUE(startSurface("background", belowColor, {100, 900}))
+      << readFile(folder_.path() / "background.err");
+  expectWidgetsAt({{"memory", {924, 16, 340, 340}},
+                   {"awake below it", {924, 368, 340, 340}},
+                   {"usage opening the second column", {184, 16, 728, 340}},
+                   {"temperature below usage", {572, 368, 340, 340}}},
+                  "default-scale-2.png");
+  EXPECT_TRUE(host_->running());
+}
+
+// On layer-shell the card's margins follow the pointer while it is dragged; let go, it settles on
+// the 8-pixel grid, saved as a position.
+TEST_F(WaylandHost, ADraggedCardFollowsThePointerAndSettlesOnTheGrid) {
+  ASSERT_NO_FATAL_FAILURE(startSway(1));
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 16}])");
+  // The host, as the test user, writes the file back.
+  handToTestUser(folder_.path() / "config");
+  startHost({});
+  ASSERT_TRUE(startSurface("background", belowColor))
+      << readFile(folder_.path() / "background.err");
+  expectWidgetsAt({{"awake", {16, 16, 170, 170}}}, "drag-before.png");
+
+  // Pressed in the card and moved (312, 196) in steps of a virtual mouse.
+  sway_->drag(101, 101, 312, 196, 8);
+
+  const auto placements = folder_.path() / "config" / "korvo-widgets" / "placements.json";
+  const Json settled{{"x", 328}, {"y", 216}};
+  EXPECT_TRUE(waitFor([&] {
+    const auto document = Json::parse(readFile(placements), nullptr, false);
+    return document.is_array() && !document.empty() &&
+           document[0].value("position", Json()) == settled;
+  })) << readFile(placements)
+      << readFile(hostLog());
+  expectWidgetsAt({{"awake", {328, 216, 170, 170}}}, "drag-after.png");
+  EXPECT_TRUE(lines(urlLog()).empty()) << "the drag opened the card's link";
+  EXPECT_TRUE(host_->running());
+}
+
+// A card on a wallpaper of nearly its own colour: the host's soft shadow outside the card's
+// rounded shape gives it an edge, and fades out before the next card could start.
+struct ShadowCase {
+  const char* appearance;
+  const char* wallpaper;
+};
+
+class CardShadow : public WaylandHost, public testing::WithParamInterface<ShadowCase> {};
+
+// The sum of the three channels of "RRGGBB".
+int brightness(const std::string& color) {
+  if (color.size() != 6) return -1;
+  int sum = 0;
+  for (std::size_t channel = 0; channel < 3; ++channel) {
+    sum += std::stoi(color.substr(channel * 2, 2), nullptr, 16);
+  }
+  return sum;
+}
+
+TEST_P(CardShadow, GivesTheCardAnEdgeOnAWallpaperOfItsOwnColourAtScaleTwo) {
+  ASSERT_NO_FATAL_FAILURE(startSway(2));
+  writePlacements(R"([{"kind": "awake", "anchor": "top-left", "margin": 40}])");
+  startHost({"--appearance", GetParam().appearance});
+  ASSERT_TRUE(startSurface("background", GetParam().wallpaper))
+      << readFile(folder_.path() / "background.err");
+  ASSERT_TRUE(waitFor([&] { return colorAt(40 + 85, 40 + 85) != GetParam().wallpaper; }))
+      << readFile(hostLog());
+  sway_->screenshot(screen());
+  fs::copy_file(screen(),
+                fs::path(KORVO_SCREENSHOT_DIR) /
+                    ("shadow-" + std::string(GetParam().appearance) + "-scale-2.png"),
+                fs::copy_options::overwrite_existing);
+  // Picture pixels at scale 2: the card's left edge is at 80, its middle row at 250.
+  using Outside = std::function<std::string(int)>;
+  const Outside left = [&](int distance) { return pixel(screen(), 80 - 1 - distance, 250); };
+  const Outside above = [&](int distance) { return pixel(screen(), 250, 80 - 1 - distance); };
+  const int wallpaper = brightness(GetParam().wallpaper);
+  for (const Outside& outside : {left, above}) {
+    EXPECT_LT(brightness(outside(0)), wallpaper - 12) << outside(0);
+    EXPECT_LT(brightness(outside(0)), brightness(outside(4))) << "the shadow does not fade";
+    // Five logical pixels out (ten picture pixels) it has gone.
+    EXPECT_EQ(outside(10), GetParam().wallpaper);
+  }
+  EXPECT_TRUE(host_->running());
+}
+
+INSTANTIATE_TEST_SUITE_P(Appearances, CardShadow,
+                         testing::Values(ShadowCase{"light", "ECECEC"},
+                                         ShadowCase{"dark", "323232"}),
+                         [](const auto& info) { return std::string(info.param.appearance); });
 
 TEST_F(WaylandHost, AClickOpensTheCardsLinkAndBesideARoundedCornerReachesTheSurfaceBelow) {
   ASSERT_NO_FATAL_FAILURE(startSway(1));

@@ -111,7 +111,7 @@ const std::vector<AccessibleElement> reading{
 };
 
 TEST_F(AccessibleCard, ElementsAreChildrenWithTheirRolesNamesAndValues) {
-  showAccessibleElements(window_, "korvo://resources", reading, 1);
+  showAccessibleElements(window_, "korvo://resources", reading, {});
   const auto shown = children();
   ASSERT_EQ(shown.size(), 4u);
   EXPECT_EQ(atk_object_get_role(shown[0]), ATK_ROLE_LABEL);
@@ -136,7 +136,7 @@ TEST_F(AccessibleCard, ElementsAreChildrenWithTheirRolesNamesAndValues) {
 }
 
 TEST_F(AccessibleCard, BoundsAreTheFramesScaledFromTheWindowsCorner) {
-  showAccessibleElements(window_, "korvo://resources", reading, 1.5);
+  showAccessibleElements(window_, "korvo://resources", reading, {1.5});
   const auto shown = children();
   ASSERT_EQ(shown.size(), 4u);
   gint x = 0, y = 0, width = 0, height = 0;
@@ -148,6 +148,25 @@ TEST_F(AccessibleCard, BoundsAreTheFramesScaledFromTheWindowsCorner) {
   atk_component_get_extents(ATK_COMPONENT(shown[2]), &x, &y, &width, &height, ATK_XY_WINDOW);
   EXPECT_EQ(x, 24);
   EXPECT_EQ(y, 132);
+}
+
+// The desktop host leaves room for a shadow around the card and may draw it smaller on a small
+// monitor: the bounds follow, also of elements that did not change.
+TEST_F(AccessibleCard, BoundsFollowTheCardsInsetAndANewScale) {
+  showAccessibleElements(window_, "korvo://resources", reading, {1, 5});
+  const auto shown = children();
+  ASSERT_EQ(shown.size(), 4u);
+  gint x = 0, y = 0, width = 0, height = 0;
+  atk_component_get_extents(ATK_COMPONENT(shown[2]), &x, &y, &width, &height, ATK_XY_WINDOW);
+  EXPECT_EQ(x, 16 + 5);
+  EXPECT_EQ(y, 88 + 5);
+
+  showAccessibleElements(window_, "korvo://resources", reading, {1.5, 5});
+  EXPECT_EQ(children(), shown);
+  atk_component_get_extents(ATK_COMPONENT(shown[2]), &x, &y, &width, &height, ATK_XY_WINDOW);
+  EXPECT_EQ(x, 24 + 5);
+  EXPECT_EQ(y, 132 + 5);
+  EXPECT_EQ(width, 207);
 }
 
 // A card drawn inside another window (the dashboard's): a panel whose children's bounds start at
@@ -172,7 +191,7 @@ TEST_F(AccessibleCard, ACardAreaInsideAWindowCountsFromItsOwnCorner) {
   AtkObject* card = gtk_widget_get_accessible(area);
   EXPECT_EQ(atk_object_get_role(card), ATK_ROLE_PANEL);
 
-  showAccessibleElements(area, "korvo://resources", reading, 1);
+  showAccessibleElements(area, "korvo://resources", reading, {});
   ASSERT_EQ(atk_object_get_n_accessible_children(card), 4);
   AtkObject* meter = atk_object_ref_accessible_child(card, 2);
   EXPECT_STREQ(atk_object_get_name(meter), "Memory used");
@@ -191,43 +210,43 @@ TEST_F(AccessibleCard, ACardAreaInsideAWindowCountsFromItsOwnCorner) {
 }
 
 TEST_F(AccessibleCard, TheCardsActionIsTheTapOnlyWhileThereIsAWidgetURL) {
-  showAccessibleElements(window_, "korvo://resources", reading, 1);
+  showAccessibleElements(window_, "korvo://resources", reading, {});
   ASSERT_TRUE(ATK_IS_ACTION(card_));
   EXPECT_EQ(atk_action_get_n_actions(ATK_ACTION(card_)), 1);
   EXPECT_STREQ(atk_action_get_name(ATK_ACTION(card_), 0), "click");
-  showAccessibleElements(window_, "", reading, 1);
+  showAccessibleElements(window_, "", reading, {});
   EXPECT_EQ(atk_action_get_n_actions(ATK_ACTION(card_)), 0);
 }
 
 TEST_F(AccessibleCard, AnAdvancingLiveTextRenamesOneChildAndKeepsTheOthers) {
   const std::vector<AccessibleElement> before{text("Updated"), text("4 min"), text("ago")};
-  showAccessibleElements(window_, "korvo://usage", before, 1);
+  showAccessibleElements(window_, "korvo://usage", before, {});
   const auto kept = children();
   childrenChanged_.clear();
   watchNames();
 
   showAccessibleElements(window_, "korvo://usage", {text("Updated"), text("5 min"), text("ago")},
-                         1);
+                         {});
   EXPECT_EQ(children(), kept) << "unchanged elements were rebuilt";
   EXPECT_TRUE(childrenChanged_.empty());
   EXPECT_EQ(namesChanged_, 1);
   EXPECT_STREQ(atk_object_get_name(kept[1]), "5 min");
 
   showAccessibleElements(window_, "korvo://usage", {text("Updated"), text("5 min"), text("ago")},
-                         1);
+                         {});
   EXPECT_EQ(namesChanged_, 1) << "the same texts were announced again";
 }
 
 TEST_F(AccessibleCard, AReadingThatArrivesAddsItsMeterAndRenamesTheTexts) {
   const std::vector<AccessibleElement> unavailable{text("MEMORY"), text("Unavailable"),
                                                    text("Open Korvo to retry")};
-  showAccessibleElements(window_, "korvo://resources", unavailable, 1);
+  showAccessibleElements(window_, "korvo://resources", unavailable, {});
   const auto before = children();
   childrenChanged_.clear();
 
   const std::vector<AccessibleElement> arrived{text("MEMORY"), text("42%"), reading[2],
                                                text("9.0 GB of 16.0 GB")};
-  showAccessibleElements(window_, "korvo://resources", arrived, 1);
+  showAccessibleElements(window_, "korvo://resources", arrived, {});
   const auto after = children();
   ASSERT_EQ(after.size(), 4u);
   EXPECT_EQ(childrenChanged_, std::vector<guint>{2}) << "one child added, at the meter's place";
@@ -240,10 +259,10 @@ TEST_F(AccessibleCard, AReadingThatArrivesAddsItsMeterAndRenamesTheTexts) {
 }
 
 TEST_F(AccessibleCard, ARemovedChildIsDefunct) {
-  showAccessibleElements(window_, "korvo://resources", reading, 1);
+  showAccessibleElements(window_, "korvo://resources", reading, {});
   AtkObject* meter = children()[2];
   g_object_ref(meter);
-  showAccessibleElements(window_, "korvo://resources", {reading[0], reading[1], reading[3]}, 1);
+  showAccessibleElements(window_, "korvo://resources", {reading[0], reading[1], reading[3]}, {});
   EXPECT_EQ(children().size(), 3u);
   AtkStateSet* states = atk_object_ref_state_set(meter);
   EXPECT_TRUE(atk_state_set_contains_state(states, ATK_STATE_DEFUNCT));

@@ -223,7 +223,8 @@ struct CompletionCase {
 
 const std::vector<CompletionCase> completionCases{
     {{"korvo-widgets", ""},
-     {"list", "timeline", "render", "gallery", "snapshot", "memory", "status", "run", "reload"}},
+     {"list", "timeline", "render", "gallery", "snapshot", "memory", "status", "run", "reload",
+      "stop"}},
     {{"korvo-widgets", "render", ""}, {"memory", "awake", "usage", "temperature"}},
     {{"korvo-widgets", "status", ""}, {"memory", "usage", "temperature"}},
     {{"korvo", ""},

@@ -248,6 +248,15 @@ void click(const std::string& display, int x, int y) {
              xEnvironment(display));
 }
 
+void rightClick(const std::string& display, int x, int y) {
+  runCommand({"xdotool", "mousemove", "--sync", std::to_string(x), std::to_string(y), "click", "3"},
+             xEnvironment(display));
+}
+
+void pressKey(const std::string& display, const std::string& key) {
+  runCommand({"xdotool", "key", key}, xEnvironment(display));
+}
+
 void screenshot(const std::string& display, const fs::path& file) {
   runCommand({"import", "-window", "root", file.string()}, xEnvironment(display));
 }

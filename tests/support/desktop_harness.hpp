@@ -104,6 +104,10 @@ std::vector<std::string> visibleWindows(const std::string& display,
 std::optional<WindowGeometry> windowGeometry(const std::string& display, const std::string& id);
 // Moves the pointer to (x, y) and clicks the primary button.
 void click(const std::string& display, int x, int y);
+// Moves the pointer to (x, y) and clicks the secondary button.
+void rightClick(const std::string& display, int x, int y);
+// Types one key by its X name ("m", "Return", "Menu") into the window that has the keyboard.
+void pressKey(const std::string& display, const std::string& key);
 // Saves the whole screen as a PNG.
 void screenshot(const std::string& display, const std::filesystem::path& file);
 // The colour of one pixel of a picture as "RRGGBB".

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "base/c_format.hpp"
 #include "extension/widget_kind.hpp"
 #include "ui/words.hpp"
 
@@ -135,6 +133,32 @@ std::optional<ScreenAnchor> anchorFromName(std::string_view name) {
   return std::nullopt;
 }
 
+std::string_view anchorName(ScreenAnchor anchor) {
+  for (const auto& [name, value] : anchorNames) {
+    if (value == anchor) return name;
+  }
+  return {};
+}
+
+std::string placementsText(const std::vector<Placement>& placements) {
+  // Keys in the order a person reads them, which nlohmann's ordered objects keep.
+  auto document = nlohmann::ordered_json::array();
+  for (const auto& placement : placements) {
+    nlohmann::ordered_json item;
+    item["kind"] = placement.kind;
+    item["family"] = ui::familyWord(placement.family);
+    if (placement.position) {
+      item["position"] = {{"x", placement.position->x}, {"y", placement.position->y}};
+    } else {
+      item["anchor"] = anchorName(placement.anchor);
+    }
+    if (placement.margin != defaultPlacementMargin) item["margin"] = placement.margin;
+    if (placement.output) item["output"] = *placement.output;
+    document.push_back(std::move(item));
+  }
+  return document.dump(2) + "\n";
+}
+
 PlacementsResult parsePlacements(std::string_view json, const KindLookup& lookup) {
   // The parser takes a NUL byte for the end of its input; JSON has no place for one anywhere.
   if (const auto nul = json.find('\0'); nul != std::string_view::npos) {
@@ -198,51 +222,6 @@ std::vector<Placement> defaultPlacements(const KindLookup& lookup) {
     placements.push_back(std::move(placement));
   }
   return placements;
-}
-
-Arrangement arrangeWindows(const std::vector<Placement>& placements,
-                           const std::vector<ui::Size>& sizes, ui::Rect workArea) {
-  Arrangement arrangement;
-  std::vector<ui::Point>& origins = arrangement.origins;
-  origins.resize(placements.size());
-  // Inside the area on one axis; the leading edge wins when the window is the larger.
-  const auto inside = [](double origin, double length, double start, double areaLength) {
-    return std::max(start, std::min(origin, start + areaLength - length));
-  };
-  const auto keepInside = [&](std::size_t index, ui::Point wanted) {
-    const ui::Size size = sizes[index];
-    const ui::Point origin{inside(wanted.x, size.width, workArea.x, workArea.width),
-                           inside(wanted.y, size.height, workArea.y, workArea.height)};
-    if (origin != wanted) {
-      arrangement.moved.push_back(
-          cFormat("%s at %g, %g lies outside the work area (%g, %g, %g x %g); moved to %g, %g",
-                  placements[index].kind.c_str(), wanted.x - workArea.x, wanted.y - workArea.y,
-                  workArea.x, workArea.y, workArea.width, workArea.height, origin.x - workArea.x,
-                  origin.y - workArea.y));
-    }
-    origins[index] = origin;
-  };
-  std::map<ScreenAnchor, double> columnLength;  // how far each corner's column already reaches
-  for (std::size_t index = 0; index < placements.size() && index < sizes.size(); ++index) {
-    const auto& placement = placements[index];
-    const auto size = sizes[index];
-    if (placement.position) {
-      keepInside(index, {workArea.x + placement.position->x, workArea.y + placement.position->y});
-      continue;
-    }
-    const bool right =
-        placement.anchor == ScreenAnchor::topRight || placement.anchor == ScreenAnchor::bottomRight;
-    const bool bottom = placement.anchor == ScreenAnchor::bottomLeft ||
-                        placement.anchor == ScreenAnchor::bottomRight;
-    auto [entry, first] = columnLength.try_emplace(placement.anchor, 0);
-    const double along = first ? placement.margin : entry->second + placementSpacing;
-    entry->second = along + size.height;
-    const double x =
-        right ? workArea.maxX() - placement.margin - size.width : workArea.x + placement.margin;
-    const double y = bottom ? workArea.maxY() - along - size.height : workArea.y + along;
-    keepInside(index, {x, y});
-  }
-  return arrangement;
 }
 
 }  // namespace korvo::desktop

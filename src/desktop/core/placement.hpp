@@ -15,8 +15,6 @@ namespace korvo::desktop {
 // The screen corner a widget is pinned to; widgets sharing a corner stack into a column.
 enum class ScreenAnchor { topLeft, topRight, bottomLeft, bottomRight };
 
-// Gap between two cards stacked at the same corner, logical pixels.
-inline constexpr double placementSpacing = 12;
 // Distance from the screen edges when a placement names none, logical pixels.
 inline constexpr double defaultPlacementMargin = 16;
 
@@ -63,18 +61,11 @@ std::vector<Placement> defaultPlacements(const KindLookup& lookup);
 
 // "top-left", "top-right", "bottom-left", "bottom-right".
 std::optional<ScreenAnchor> anchorFromName(std::string_view name);
+std::string_view anchorName(ScreenAnchor anchor);
 
-// Where the windows go, and a line for each one that had to be moved to be seen.
-struct Arrangement {
-  std::vector<ui::Point> origins{};  // top-left corners, logical pixels from the screen origin
-  std::vector<std::string> moved{};  // "com.tessmoor.Korvo.usage at 2000, 400 lies outside …"
-};
-
-// The windows of `sizes` (one per placement) inside `workArea`: positioned ones where they say,
-// anchored ones stacked from their corner along the edge in the order given. A window that would
-// reach past the work area is moved inside it (a window larger than the area to its top-left
-// corner), so no position or margin puts a widget where nobody sees it.
-Arrangement arrangeWindows(const std::vector<Placement>& placements,
-                           const std::vector<ui::Size>& sizes, ui::Rect workArea);
+// The placements document for `placements`, as parsePlacements reads it back: full kinds,
+// families and anchors by their words, the margin and output only where they are not the
+// defaults.
+std::string placementsText(const std::vector<Placement>& placements);
 
 }  // namespace korvo::desktop

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "shared/atomic_file.hpp"
+
 namespace korvo::desktop {
 namespace {
 
@@ -23,6 +25,24 @@ std::optional<std::filesystem::path> placementsPath(const char* xdgConfigHome, c
     return std::nullopt;
   }
   return base / "korvo-widgets" / "placements.json";
+}
+
+std::optional<std::string> savePlacementsFile(const std::filesystem::path& file,
+                                              const std::vector<Placement>& placements) {
+  if (!createPrivateDirectories(file.parent_path()) ||
+      !replaceFileAtomically(file, placementsText(placements))) {
+    return "cannot write " + file.string() + ": " + std::strerror(errno);
+  }
+  return std::nullopt;
+}
+
+std::optional<FileStamp> fileStamp(const std::filesystem::path& file) {
+  std::error_code error;
+  FileStamp stamp{std::filesystem::last_write_time(file, error), 0};
+  if (error) return std::nullopt;
+  stamp.size = std::filesystem::file_size(file, error);
+  if (error) return std::nullopt;
+  return stamp;
 }
 
 std::variant<std::vector<Placement>, NoPlacementsFile, PlacementError> loadPlacementsFile(

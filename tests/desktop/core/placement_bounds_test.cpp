@@ -4,7 +4,7 @@
 #include <limits>
 #include <string>
 
-#include "desktop/core/placement.hpp"
+#include "desktop/core/arrangement.hpp"
 
 // Whatever a placements file says, every widget lands inside the work area where a user can see
 // it, and a position that had to be moved is reported.

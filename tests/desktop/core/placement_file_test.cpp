@@ -77,6 +77,40 @@ TEST_F(PlacementsFile, AnErrorNamesTheFileAndTheKey) {
       file.string() + ": [0].anchor: expected top-left, top-right, bottom-left or bottom-right");
 }
 
+TEST_F(PlacementsFile, SavedPlacementsReadBackAsTheyWereInAFolderMadeForThem) {
+  const std::vector<Placement> placements{
+      {"com.tessmoor.Korvo.memory", ui::WidgetFamily::systemMedium, std::nullopt,
+       ScreenAnchor::bottomLeft, 40, "DP-1"},
+      {"com.tessmoor.Korvo.awake", ui::WidgetFamily::systemSmall, ui::Point{104, 56.5}},
+  };
+  const auto file = folder_ / "config" / "korvo-widgets" / "placements.json";
+  ASSERT_EQ(savePlacementsFile(file, placements), std::nullopt);
+  const auto result = load(file);
+  ASSERT_TRUE(std::holds_alternative<std::vector<Placement>>(result));
+  EXPECT_EQ(std::get<std::vector<Placement>>(result), placements);
+  // Written as a person would: kind first, defaults left out.
+  std::ifstream stream(file);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+  EXPECT_EQ(text, R"([
+  {
+    "kind": "com.tessmoor.Korvo.memory",
+    "family": "medium",
+    "anchor": "bottom-left",
+    "margin": 40.0,
+    "output": "DP-1"
+  },
+  {
+    "kind": "com.tessmoor.Korvo.awake",
+    "family": "small",
+    "position": {
+      "x": 104.0,
+      "y": 56.5
+    }
+  }
+]
+)");
+}
+
 TEST_F(PlacementsFile, AnEmptyFileIsNotJSON) {
   const auto file = write("");
   const auto result = load(file);

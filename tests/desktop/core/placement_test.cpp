@@ -141,34 +141,6 @@ TEST(DefaultPlacements, AllFourWidgetsInBundleOrderWithUsageMedium) {
             (Placement{"com.tessmoor.Korvo.temperature", WidgetFamily::systemSmall}));
 }
 
-TEST(ArrangeWindows, TheDefaultColumnHugsTheRightEdgeWithTwelvePixelGaps) {
-  const auto placements = defaultPlacements(kindLookup(bundle()));
-  const std::vector<ui::Size> sizes{{170, 170}, {170, 170}, {364, 170}, {170, 170}};
-  const auto origins = arrangeWindows(placements, sizes, {0, 0, 1280, 1024}).origins;
-  EXPECT_EQ(origins, (std::vector<ui::Point>{{1094, 16}, {1094, 198}, {900, 380}, {1094, 562}}));
-}
-
-TEST(ArrangeWindows, BottomCornersStackUpwardsAndTheWorkAreaOffsetApplies) {
-  const std::vector<Placement> placements{
-      {"a", WidgetFamily::systemSmall, std::nullopt, ScreenAnchor::bottomLeft, 10},
-      {"b", WidgetFamily::systemSmall, std::nullopt, ScreenAnchor::bottomLeft, 10},
-      {"c", WidgetFamily::systemSmall, std::nullopt, ScreenAnchor::bottomRight, 0},
-  };
-  const std::vector<ui::Size> sizes{{170, 170}, {364, 170}, {170, 170}};
-  const auto origins = arrangeWindows(placements, sizes, {0, 32, 1000, 768}).origins;
-  EXPECT_EQ(origins, (std::vector<ui::Point>{{10, 620}, {10, 438}, {830, 630}}));
-}
-
-TEST(ArrangeWindows, APositionIsFromTheWorkAreaAndLeavesTheColumnsAlone) {
-  const std::vector<Placement> placements{
-      {"a", WidgetFamily::systemSmall, ui::Point{40, 50}},
-      {"b", WidgetFamily::systemSmall},
-  };
-  const std::vector<ui::Size> sizes{{170, 170}, {170, 170}};
-  const auto origins = arrangeWindows(placements, sizes, {100, 20, 800, 600}).origins;
-  EXPECT_EQ(origins, (std::vector<ui::Point>{{140, 70}, {714, 36}}));
-}
-
 TEST(Names, FamiliesAndAnchorsReadBothSpellingsAndNothingElse) {
   EXPECT_EQ(ui::familyNamed("small"), WidgetFamily::systemSmall);
   EXPECT_EQ(ui::familyNamed("systemMedium"), WidgetFamily::systemMedium);

@@ -1,9 +1,14 @@
 // Holds a virtual pointer on a headless compositor's seat until it is stopped. Headless sway has
 // no input devices, so its seat offers clients no pointer and `swaymsg seat - cursor` clicks would
 // reach nobody; with this device present they reach the surface under the cursor.
+//
+// `virtual_pointer drag DX DY STEPS` instead drags, as a mouse does, from where the cursor is:
+// press, STEPS moves making (DX, DY) together, release; then it leaves. Sway hands a surface held
+// by a press only the motion of real devices, not `seat - cursor` moves.
 #include <wayland-client.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "virtual-pointer-client-protocol.h"
@@ -31,7 +36,29 @@ const wl_registry_listener registryListener{announce, withdraw};
 
 }  // namespace
 
-int main() {
+// Linux's code for the primary button (linux/input-event-codes.h).
+constexpr uint32_t leftButton = 0x110;
+
+// Each event as its own frame, delivered before the next is sent.
+void drag(wl_display* display, zwlr_virtual_pointer_v1* pointer, double dx, double dy, int steps) {
+  uint32_t time = 0;
+  const auto send = [&] {
+    zwlr_virtual_pointer_v1_frame(pointer);
+    wl_display_roundtrip(display);
+    time += 16;
+  };
+  zwlr_virtual_pointer_v1_button(pointer, time, leftButton, WL_POINTER_BUTTON_STATE_PRESSED);
+  send();
+  for (int step = 0; step < steps; ++step) {
+    zwlr_virtual_pointer_v1_motion(pointer, time, wl_fixed_from_double(dx / steps),
+                                   wl_fixed_from_double(dy / steps));
+    send();
+  }
+  zwlr_virtual_pointer_v1_button(pointer, time, leftButton, WL_POINTER_BUTTON_STATE_RELEASED);
+  send();
+}
+
+int main(int argc, char** argv) {
   wl_display* display = wl_display_connect(nullptr);
   if (display == nullptr) {
     std::fprintf(stderr, "virtual_pointer: cannot connect to the Wayland display\n");
@@ -45,8 +72,13 @@ int main() {
     std::fprintf(stderr, "virtual_pointer: the compositor offers no virtual pointers\n");
     return 1;
   }
-  zwlr_virtual_pointer_manager_v1_create_virtual_pointer(globals.manager, globals.seat);
+  auto* pointer =
+      zwlr_virtual_pointer_manager_v1_create_virtual_pointer(globals.manager, globals.seat);
   wl_display_roundtrip(display);
+  if (argc == 5 && std::strcmp(argv[1], "drag") == 0) {
+    drag(display, pointer, std::atof(argv[2]), std::atof(argv[3]), std::atoi(argv[4]));
+    return 0;
+  }
   // The device lives as long as the connection; say it is there, then wait to be stopped.
   std::printf("ready\n");
   std::fflush(stdout);
