@@ -45,7 +45,10 @@ TEST(ArrangedCards, AtScaleTwoOnFullHDTheDefaultCardsWrapIntoASecondColumnWithou
       {"CPU Temperature", {824, 16, 340, 340}},
   };
   std::vector<WindowGeometry> shown;
-  for (const auto& [title, expected] : cards) {
+  for (const auto& card : cards) {
+    // Named references, not a structured binding: clang 14 cannot capture those in a lambda.
+    const std::string& title = card.title;
+    const WindowGeometry& expected = card.expected;
     std::optional<WindowGeometry> window;
     waitFor([&] {
       const auto ids = visibleWindows(server.display(), "^" + title + "$");

@@ -31,7 +31,7 @@ void appendLine(const std::filesystem::path& file) {
 class Writer {
  public:
   explicit Writer(std::filesystem::path file)
-      : thread_([this, file = std::move(file)](const std::stop_token& stop) {
+      : thread_([file = std::move(file)](const std::stop_token& stop) {
           while (!stop.stop_requested()) {
             appendLine(file);
             std::this_thread::sleep_for(std::chrono::milliseconds(200));
