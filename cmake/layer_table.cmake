@@ -12,6 +12,7 @@
 set(korvo_system_PkgConfig::GTK "gtk;atk;x11;wayland;glib;gio;cairo;pango")
 set(korvo_system_PkgConfig::GTK_LAYER_SHELL "gtk-layer-shell;wayland")
 set(korvo_system_PkgConfig::WAYLAND_CLIENT "wayland")
+set(korvo_system_PkgConfig::XFIXES "x11")
 set(korvo_system_PkgConfig::APPINDICATOR "appindicator")
 set(korvo_system_PkgConfig::GIO "glib;gio")
 set(korvo_system_PkgConfig::CAIRO "cairo")

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "desktop/core/arrangement.hpp"
 #include "desktop/core/placement.hpp"
 
 namespace {
