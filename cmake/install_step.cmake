@@ -27,14 +27,19 @@ else()
   set(zsh_dir "${prefix}/share/zsh/site-functions")
 endif()
 
+# Installs to several prefixes may run at once from one build tree (tests, packaging): each
+# writes its rewritten files in a stage folder of its own.
+string(RANDOM LENGTH 16 stage_name)
+set(stage "${KORVO_STAGE}/${stage_name}")
+
 # "Exec…=korvo …" names the program by its installed path.
 function(korvo_install_with_paths source destination)
   file(READ "${KORVO_DATA}/${source}" text)
   get_filename_component(name "${source}" NAME)
   string(REGEX REPLACE "\n(Exec[A-Za-z]*=)(korvo)" "\n\\1${prefix}/${KORVO_BINDIR}/\\2" text
          "${text}")
-  file(WRITE "${KORVO_STAGE}/${name}" "${text}")
-  file(INSTALL DESTINATION "${destination}" TYPE FILE FILES "${KORVO_STAGE}/${name}")
+  file(WRITE "${stage}/${name}" "${text}")
+  file(INSTALL DESTINATION "${destination}" TYPE FILE FILES "${stage}/${name}")
 endfunction()
 
 foreach(unit IN LISTS KORVO_SESSION_UNITS)
@@ -43,6 +48,7 @@ endforeach()
 foreach(service IN LISTS KORVO_SESSION_DBUS)
   korvo_install_with_paths("dbus/${service}" "${prefix}/share/dbus-1/services")
 endforeach()
+file(REMOVE_RECURSE "${stage}")
 foreach(entry IN LISTS KORVO_SESSION_AUTOSTART)
   file(INSTALL DESTINATION "${autostart_dir}" TYPE FILE FILES "${KORVO_DATA}/autostart/${entry}")
 endforeach()

@@ -239,7 +239,9 @@ TEST_F(DesktopHost, TheHostAloneRunsWithLeanAllocatorTunablesAndTheUsersOwnWin) 
     EXPECT_EQ(tunables, std::vector<std::string>{"GLIBC_TUNABLES=" + host});
 
     click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
-    ASSERT_TRUE(waitFor([&] { return fs::exists(tunablesLog); })) << readFile(hostLog());
+    // The handler creates the file before it writes its line: wait for the whole line.
+    ASSERT_TRUE(waitFor([&] { return readFile(tunablesLog).ends_with('\n'); }))
+        << readFile(hostLog());
     EXPECT_EQ(readFile(tunablesLog), opened + "\n");
     host_.reset();
   }
@@ -275,7 +277,7 @@ TEST_F(DesktopHost, CardsTakeTheDesktopThemesColoursAndWhatAClickOpensKeepsTheUs
     EXPECT_EQ(cardColors(), (CardColors{"#E4ECF7FF", "#14233AFF"}));
 
     click(server_->display(), window->x + window->width / 2, window->y + window->height / 2);
-    ASSERT_TRUE(waitFor([&] { return fs::exists(themeLog); })) << readFile(hostLog());
+    ASSERT_TRUE(waitFor([&] { return readFile(themeLog).ends_with('\n'); })) << readFile(hostLog());
     EXPECT_EQ(readFile(themeLog), opened + "\n");
     host_.reset();
   }
