@@ -42,16 +42,18 @@ CPU: ${cpu}% ${cpubar 6,180}
 ]]
 CONKY
 
-# A shared file fetched three minutes ago, so the usage and temperature cards carry their live
-# "Updated … ago" texts, the host's only wake-ups between reloads.
+# A shared file as korvo leaves it: Codex read from a rollout 200 s ago, Claude's status line 130 s
+# ago, the temperature 95 s ago, so the usage and temperature cards carry live "Updated … ago"
+# texts counting minutes from three moments, the host's only wake-ups between reloads.
 container="$work/data/app-groups/group.com.tessmoor.Korvo"
 mkdir -p "$work/config" "$container"
-fetched=$(($(date +%s) - 978307200 - 180))
+now=$(($(date +%s) - 978307200))
+codex=$((now - 200)) claude=$((now - 130)) temperature=$((now - 95))
 cat >"$container/usage-snapshot.json" <<SNAPSHOT
-{"date":$fetched,"temperature":52.5,"temperatureDate":$fetched,"temperatureEnabled":true,
- "codex":{"enabled":true,"snapshot":{"windows":[{"title":"5-hour","usedPercent":28,"resetsAt":$((fetched + 7200))},
-  {"title":"Weekly","usedPercent":42,"resetsAt":$((fetched + 172800))}],"fetchedAt":$fetched},"isRefreshing":false},
- "claude":{"enabled":true,"snapshot":{"windows":[{"title":"Weekly","usedPercent":17}],"fetchedAt":$fetched},"isRefreshing":false}}
+{"date":$temperature,"temperature":52.5,"temperatureDate":$temperature,"temperatureEnabled":true,
+ "codex":{"enabled":true,"snapshot":{"windows":[{"title":"5-hour","usedPercent":28,"resetsAt":$((codex + 7200))},
+  {"title":"Weekly","usedPercent":42,"resetsAt":$((codex + 172800))}],"fetchedAt":$codex},"isRefreshing":false},
+ "claude":{"enabled":true,"snapshot":{"windows":[{"title":"Weekly","usedPercent":17}],"fetchedAt":$claude},"isRefreshing":false}}
 SNAPSHOT
 XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" KORVO_BUNDLE_INFO="$root/data/Info.json" \
   "$binary" run >"$work/host.log" 2>&1 &

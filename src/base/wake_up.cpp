@@ -11,6 +11,8 @@
 namespace korvo {
 namespace {
 
+constexpr double secondsPerMinute = 60;
+
 std::optional<double> finiteNumber(std::string_view text) {
   double value = 0;
   const auto* end = text.data() + text.size();
@@ -55,13 +57,19 @@ std::optional<std::uint32_t> realMillisecondsUntil(Date due, Date now, double ra
   return std::max(minimumWakeMilliseconds, static_cast<std::uint32_t>(milliseconds));
 }
 
-std::optional<Date> nextLiveTextChange(const std::vector<Date>& dates, Date now) {
+std::optional<Date> nextLiveTextWake(const std::vector<Date>& dates, Date now) {
   std::optional<Date> next;
   for (const auto date : dates) {
-    const auto change = nextRelativeSpanChange(date, now);
+    auto wake = nextRelativeSpanChange(date, now);
     // Far from now the arithmetic rounds the change onto or before now: that text never changes.
-    if (!std::isfinite(change.secondsSinceReferenceDate) || !(change > now)) continue;
-    if (!next || change < *next) next = change;
+    if (!std::isfinite(wake.secondsSinceReferenceDate) || !(wake > now)) continue;
+    if (std::abs(now.secondsSince(date)) >= secondsPerMinute) {
+      const Date beat{std::ceil(wake.secondsSinceReferenceDate / liveTextBeatSeconds) *
+                      liveTextBeatSeconds};
+      // Where the beat cannot be told from the change, the change itself.
+      if (std::isfinite(beat.secondsSinceReferenceDate) && beat >= wake) wake = beat;
+    }
+    if (!next || wake < *next) next = wake;
   }
   return next;
 }

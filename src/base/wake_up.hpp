@@ -35,9 +35,15 @@ inline constexpr std::uint32_t minimumWakeMilliseconds = 100;
 // it) or either is not finite: such a wake-up would fire at once, again and again.
 std::optional<std::uint32_t> realMillisecondsUntil(Date due, Date now, double rate);
 
-// The first moment after `now` at which one of the live relative texts counting from `dates`
-// shows another text; nothing when there are none or none ever changes (also when the dates are
-// so far from `now` that the change cannot be told from `now` itself).
-std::optional<Date> nextLiveTextChange(const std::vector<Date>& dates, Date now);
+// Live texts that count minutes or hours advance on a beat every this many clock seconds, shared
+// by every card of the host: their changes fall on at most two wake-ups a minute, whatever the
+// moments they count from, and are at most this late, unseen in a text that changes once a minute.
+inline constexpr double liveTextBeatSeconds = 30;
+
+// The moment after `now` at which to show the live relative texts counting from `dates` again:
+// the first change of a text counting seconds, else the first beat at or after the first change
+// of one counting minutes or hours. Nothing when there are none or none ever changes (also when
+// the dates are so far from `now` that the change cannot be told from `now` itself).
+std::optional<Date> nextLiveTextWake(const std::vector<Date>& dates, Date now);
 
 }  // namespace korvo

@@ -303,17 +303,21 @@ ui::Environment WidgetWindow::environment() const {
   return environment;
 }
 
-void WidgetWindow::relayout() {
+bool WidgetWindow::relayout() {
   layoutStale_ = false;
   if (!cursor_ || cursor_->empty()) {
+    const bool had = layout_.has_value();
     layout_.reset();
-    return;
+    return had;
   }
   const auto environment = this->environment();
-  layout_ = ui::layoutWidget(widget_.kind, cursor_->current().view(environment), environment,
-                             render::PangoTextMeasurer::shared(), deviceScale());
+  auto layout = ui::layoutWidget(widget_.kind, cursor_->current().view(environment), environment,
+                                 render::PangoTextMeasurer::shared(), deviceScale());
+  if (layout_ == layout) return false;
+  layout_ = std::move(layout);
   gtk::describeToAssistiveTechnologies(window_, widget_.displayName, *layout_, {scale_, inset_},
                                        options_.logRequests);
+  return true;
 }
 
 gboolean WidgetWindow::draw(cairo_t* cr) {
@@ -510,9 +514,11 @@ void WidgetWindow::requestTimeline() {
 
 void WidgetWindow::showCurrentEntry() {
   if (cursor_) cursor_->moveTo(clock::now());
-  relayout();
+  // A new entry that shows what is on screen already (a file rewritten with the same figures)
+  // needs no repaint.
+  const bool changed = relayout();
   dump();
-  redraw();
+  if (changed) redraw();
   scheduleTimelineTimer();
   scheduleLiveTimer();
 }
@@ -541,7 +547,7 @@ void WidgetWindow::scheduleLiveTimer() {
   cancel(liveTimer_);
   if (!mapped_ || !layout_) return;
   const auto now = clock::now();
-  const auto next = nextLiveTextChange(ui::liveRelativeDates(*layout_), now);
+  const auto next = nextLiveTextWake(ui::liveRelativeDates(*layout_), now);
   if (!next) return;
   const auto wait = realMillisecondsUntil(*next, now, options_.warp.rate);
   if (!wait) return;
@@ -550,15 +556,14 @@ void WidgetWindow::scheduleLiveTimer() {
 
 gboolean WidgetWindow::liveTextDue() {
   liveTimer_ = 0;
-  layoutStale_ = true;
-  redraw();
+  if (relayout()) redraw();
   scheduleLiveTimer();
   return G_SOURCE_REMOVE;
 }
 
 void WidgetWindow::dump() {
   if (!options_.dumpDirectory) return;
-  relayout();
+  if (relayout()) redraw();
   if (!layout_) return;
   const auto file =
       *options_.dumpDirectory / (std::to_string(index_) + "-" + widget_.shortKind() + "-" +

@@ -108,7 +108,8 @@ class WidgetWindow {
   // Where a layer surface being dragged goes for the pointer at (x, y) in it.
   ui::Point dragTarget(double x, double y) const;
   double deviceScale() const;
-  void relayout();
+  // Lays the current entry out again; whether that changed the layout.
+  bool relayout();
   void showCurrentEntry();
   void scheduleTimelineTimer();
   void scheduleLiveTimer();

@@ -82,30 +82,32 @@ INSTANTIATE_TEST_SUITE_P(Table, RealDelay,
                                                    std::numeric_limits<std::uint32_t>::max()}),
                          [](const auto& info) { return info.param.name; });
 
-TEST(NextLiveTextChange, NothingWithoutLiveTexts) {
-  EXPECT_EQ(nextLiveTextChange({}, Date{1000}), std::nullopt);
+TEST(NextLiveTextWake, NothingWithoutLiveTexts) {
+  EXPECT_EQ(nextLiveTextWake({}, Date{1000}), std::nullopt);
 }
 
-TEST(NextLiveTextChange, OnceAMinutePastTheFirstMinute) {
+TEST(NextLiveTextWake, PastTheFirstMinuteOnTheBeatAfterTheChange) {
   const Date data{1000};
-  const auto next = nextLiveTextChange({data}, data.addingSeconds(4 * 60 + 10));
+  const auto next = nextLiveTextWake({data}, data.addingSeconds(4 * 60 + 10));
   ASSERT_TRUE(next);
-  EXPECT_EQ(*next, data.addingSeconds(5 * 60));
+  // "4 min" turns "5 min" at 1300; the beat after it is at 1320.
+  EXPECT_EQ(*next, Date{1320});
 }
 
-TEST(NextLiveTextChange, TheEarliestOfSeveralTexts) {
+TEST(NextLiveTextWake, TheEarliestOfSeveralTexts) {
   const Date now{10'000};
-  const auto next = nextLiveTextChange({now.addingSeconds(-600.5), now.addingSeconds(-125)}, now);
+  const auto next = nextLiveTextWake({now.addingSeconds(-600.5), now.addingSeconds(-45)}, now);
   ASSERT_TRUE(next);
-  EXPECT_EQ(*next, now.addingSeconds(55));
+  // "45 sec" turns "46 sec" a second from now, long before the other's beat.
+  EXPECT_EQ(*next, now.addingSeconds(1));
 }
 
-TEST(NextLiveTextChange, ATextThatNeverChangesIsSkipped) {
+TEST(NextLiveTextWake, ATextThatNeverChangesIsSkipped) {
   const Date now{10'000};
-  const auto next = nextLiveTextChange(
+  const auto next = nextLiveTextWake(
       {Date{std::numeric_limits<double>::infinity()}, now.addingSeconds(-90)}, now);
   ASSERT_TRUE(next);
-  EXPECT_EQ(*next, now.addingSeconds(30));
+  EXPECT_EQ(*next, now.addingSeconds(50));
 }
 
 }  // namespace

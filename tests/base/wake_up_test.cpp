@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 // Every wake-up the host asks for lies in the future and within a timer's reach; a moment that no
 // clock can reach asks for none, so absurd dates and clocks never make the host spin.
@@ -17,7 +19,7 @@ class FarLiveTextDate : public testing::TestWithParam<double> {};
 
 TEST_P(FarLiveTextDate, ChangesAfterNowOrNever) {
   const Date now{816'400'000};
-  const auto next = nextLiveTextChange({Date{GetParam()}}, now);
+  const auto next = nextLiveTextWake({Date{GetParam()}}, now);
   if (next) {
     EXPECT_GT(*next, now) << "a wake-up at or before now fires at once, again and again";
     EXPECT_TRUE(realMillisecondsUntil(*next, now, 1)) << "the change can never be waited for";
@@ -30,7 +32,50 @@ INSTANTIATE_TEST_SUITE_P(Dates, FarLiveTextDate,
 
 TEST(LiveTextChange, AtAClockShiftedBeyondResolutionIsNever) {
   const Date now{1e300};
-  EXPECT_EQ(nextLiveTextChange({now.addingSeconds(-300)}, now), std::nullopt);
+  EXPECT_EQ(nextLiveTextWake({now.addingSeconds(-300)}, now), std::nullopt);
+}
+
+// Three cards counting minutes from moments spread over a minute, followed for an hour: the host
+// wakes at most twice a minute, and every text advances at most one beat after its change.
+TEST(LiveTextWake, CardsCountingMinutesShareAtMostTwoWakeUpsAMinute) {
+  const Date start{816'400'017.25};
+  const std::vector<Date> dates{start.addingSeconds(-200.5), start.addingSeconds(-131),
+                                start.addingSeconds(-95.75)};
+  int wakes = 0;
+  Date now = start;
+  while (now.secondsSince(start) < 3600) {
+    const auto wake = nextLiveTextWake(dates, now);
+    ASSERT_TRUE(wake);
+    // The earliest change after `now` among the texts: shown at this wake, at most a beat late.
+    double change = 1e300;
+    for (const auto date : dates) {
+      const double age = now.secondsSince(date);
+      change = std::min(change, date.secondsSinceReferenceDate + (std::floor(age / 60) + 1) * 60);
+    }
+    EXPECT_GE(wake->secondsSinceReferenceDate, change);
+    EXPECT_LT(wake->secondsSinceReferenceDate, change + liveTextBeatSeconds);
+    now = *wake;
+    ++wakes;
+  }
+  EXPECT_LE(wakes, 120);
+  // Changes at three phases a minute, gathered into the beats on the half minute.
+  EXPECT_GE(wakes, 110);
+}
+
+TEST(LiveTextWake, ATextCountingSecondsAdvancesEverySecond) {
+  const Date now{816'400'000.5};
+  const auto wake = nextLiveTextWake({now.addingSeconds(-12.25), now.addingSeconds(-200)}, now);
+  ASSERT_TRUE(wake);
+  EXPECT_DOUBLE_EQ(wake->secondsSinceReferenceDate, 816'400'001.25);
+}
+
+TEST(LiveTextWake, ACountdownInMinutesWaitsForTheBeatAfterItsChange) {
+  const Date now{816'400'010};
+  // "in 4 min" turns "in 3 min" just after 240 s remain, at 816'400'060.001; the next beat
+  // is on the half minute after it.
+  const auto wake = nextLiveTextWake({now.addingSeconds(290)}, now);
+  ASSERT_TRUE(wake);
+  EXPECT_DOUBLE_EQ(wake->secondsSinceReferenceDate, 816'400'080);
 }
 
 struct UnreachableCase {

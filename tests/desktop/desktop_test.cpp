@@ -2,10 +2,12 @@
 #include <signal.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <ctime>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
+#include <thread>
 
 #include "support/desktop_harness.hpp"
 #include "support/host_dumps.hpp"
@@ -440,6 +442,41 @@ TEST_F(DesktopHost, APublishedFileReachesTheMonitorWidgetsAtOnce) {
   EXPECT_FALSE(contains(dumpedTexts(temperatureDump), "Enable in Korvo"));
   // The memory widget does not read the file and is not asked again.
   EXPECT_EQ(requestsBefore("com.tessmoor.Korvo.memory"), memoryRequests);
+}
+
+// korvo rewrites the shared file every minute, mostly with the figures it had: the cards read it
+// again, but lay out and repaint only what shows something new.
+TEST_F(DesktopHost, AFileRewrittenWithTheSameFiguresIsReadAgainButNotRepainted) {
+  const double now = static_cast<double>(std::time(nullptr));
+  // Figures five minutes old: their texts count minutes, not seconds.
+  writeFile(snapshotFile(), usageSnapshot(42, 63, now - 300, 0));
+  startHost({"--widget", "usage:medium"});
+  const auto log = [&] { return readFile(hostLog()); };
+  const auto relayouts = [&] {
+    const auto text = log();
+    std::size_t count = 0;
+    for (auto at = text.find("accessible children of AI Usage"); at != std::string::npos;
+         at = text.find("accessible children of AI Usage", at + 1)) {
+      ++count;
+    }
+    return count;
+  };
+  const auto requests = [&] { return requestMoments(log(), "com.tessmoor.Korvo.usage").size(); };
+  ASSERT_TRUE(waitFor([&] { return relayouts() >= 1; })) << log();
+  const auto shown = relayouts();
+  const auto asked = requests();
+
+  const auto staging = snapshotFile().parent_path() / ".usage-snapshot.json.tmp";
+  writeFile(staging, usageSnapshot(42, 63, now - 300, 0));
+  fs::rename(staging, snapshotFile());
+  ASSERT_TRUE(waitFor([&] { return requests() > asked; })) << log();
+  // Time for a repaint that should not come.
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  EXPECT_EQ(relayouts(), shown) << log();
+
+  writeFile(staging, usageSnapshot(58, 63, now - 300, 0));
+  fs::rename(staging, snapshotFile());
+  EXPECT_TRUE(waitFor([&] { return relayouts() > shown; })) << log();
 }
 
 TEST_F(DesktopHost, KorvoPublishTurnsEnableInKorvoIntoFiguresOnScreen) {
