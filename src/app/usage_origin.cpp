@@ -2,6 +2,7 @@
 
 #include "base/date_text.hpp"
 #include "base/text.hpp"
+#include "sources/claude_status_line.hpp"
 #include "sources/codex_app_server_answer.hpp"
 
 namespace korvo::usage_origin {
@@ -11,7 +12,7 @@ namespace {
 std::string sourceName(const std::string& source) {
   if (source == codex_app_server::sourceName) return _("Codex app-server");
   if (source == codex_rollout::sourceName) return _("Codex CLI session");
-  if (source == "Claude Code") return _("Claude Code status line");
+  if (source == claude_status_line::sourceName) return _("Claude Code status line");
   return source;
 }
 
