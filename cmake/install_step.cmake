@@ -36,7 +36,9 @@ else()
   set(unit_dir "${prefix}/share/systemd/user")
 endif()
 # Sessions read autostart entries from /etc/xdg (XDG_CONFIG_DIRS' default), never from under
-# /usr or /usr/local. A home install leaves them out: the first start offers "Start at login".
+# /usr or /usr/local; another prefix's etc/xdg counts once XDG_CONFIG_DIRS names it, as its share/
+# must be in XDG_DATA_DIRS. A home install leaves them out: the first start offers "Start at
+# login" instead.
 if(prefix STREQUAL "/usr" OR prefix STREQUAL "/usr/local")
   set(autostart_dir "/etc/xdg/autostart")
 elseif(home_prefix)
