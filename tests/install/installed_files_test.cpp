@@ -342,6 +342,23 @@ TEST_F(Installed, FishCompletesTheCommandsAndKinds) {
   }
 }
 
+// /usr/local staged as a distribution builder stages it: autostart entries where sessions read
+// them, units where the user manager does, and no MIME cache (the target system builds its own).
+TEST_F(Installed, AStagedUsrLocalInstallPutsSessionFilesWhereTheSessionReadsThem) {
+  const fs::path root = folder_->path() / "staged";
+  const ProcessResult result =
+      run(KORVO_CMAKE, {"--install", KORVO_BUILD_DIR, "--prefix", "/usr/local"},
+          {{"DESTDIR", root.string()}});
+  ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+  EXPECT_TRUE(fs::is_regular_file(root / "etc/xdg/autostart/com.tessmoor.Korvo.Widgets.desktop"));
+  EXPECT_TRUE(fs::is_regular_file(root / "usr/local/share/systemd/user/korvo-widgets.service"));
+  EXPECT_FALSE(fs::exists(root / "usr/local/etc"));
+  EXPECT_FALSE(fs::exists(root / "usr/local/share/applications/mimeinfo.cache"));
+  const auto entry = lines(testing_support::readFile(
+      root / "usr/local/share/applications/com.tessmoor.Korvo.Widgets.desktop"));
+  EXPECT_TRUE(has(entry, "Exec=/usr/local/bin/korvo-widgets run"));
+}
+
 TEST_F(Installed, AnUnwritablePrefixIsRefusedOnOneClearLine) {
   // A folder only its owner may write to, tried by someone else.
   const fs::path locked = folder_->path() / "locked";
