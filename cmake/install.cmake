@@ -22,13 +22,11 @@ if(TARGET korvo-widgets-desktop)
 endif()
 install(FILES "${KORVO_DATA}/Info.json" DESTINATION "${KORVO_DATADIR}/korvo-widgets")
 
-# korvo_install_program_data(NAME DESKTOP ICON): the files each program brings along.
+# korvo_install_program_data(NAME APPLICATION_ID): the files each program brings along; its
+# desktop entry and man page follow in the session-files step below.
 function(korvo_install_program_data name application_id)
-  install(FILES "${KORVO_DATA}/${application_id}.desktop"
-          DESTINATION "${KORVO_DATADIR}/applications")
   install(FILES "${KORVO_DATA}/icons/${application_id}.svg"
           DESTINATION "${KORVO_DATADIR}/icons/hicolor/scalable/apps")
-  install(FILES "${KORVO_DATA}/man/${name}.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
   install(FILES "${KORVO_DATA}/completions/${name}.bash"
           DESTINATION "${KORVO_DATADIR}/bash-completion/completions" RENAME "${name}")
   install(FILES "${KORVO_DATA}/completions/${name}.fish"
@@ -40,9 +38,9 @@ install(FILES "${KORVO_DATA}/com.tessmoor.Korvo.Widgets.metainfo.xml"
         DESTINATION "${KORVO_DATADIR}/metainfo")
 
 # Files whose place or content follows the prefix installed to (known only at install time, and
-# different for a package, which installs to /usr): systemd user units and D-Bus services name
-# the programs by absolute path, autostart entries belong in /etc for /usr, zsh's completions in
-# the folder Debian's zsh reads for that prefix.
+# different for a package, which installs to /usr): see cmake/install_step.cmake.
+set(KORVO_SESSION_APPLICATIONS com.tessmoor.Korvo.Widgets.desktop)
+set(KORVO_SESSION_MAN korvo-widgets.1)
 set(KORVO_SESSION_UNITS korvo-widgets.service)
 set(KORVO_SESSION_DBUS com.tessmoor.Korvo.Widgets.service)
 set(KORVO_SESSION_AUTOSTART com.tessmoor.Korvo.Widgets.desktop)
@@ -56,6 +54,8 @@ if(TARGET korvo)
   # The status icon while Keep Awake holds the machine awake.
   install(FILES "${KORVO_DATA}/icons/com.tessmoor.Korvo-awake.svg"
           DESTINATION "${KORVO_DATADIR}/icons/hicolor/scalable/status")
+  list(APPEND KORVO_SESSION_APPLICATIONS com.tessmoor.Korvo.desktop)
+  list(APPEND KORVO_SESSION_MAN korvo.1)
   list(APPEND KORVO_SESSION_UNITS korvo.service)
   list(APPEND KORVO_SESSION_DBUS com.tessmoor.Korvo.service)
   list(APPEND KORVO_SESSION_AUTOSTART com.tessmoor.Korvo.Service.desktop)
@@ -66,6 +66,9 @@ install(CODE "set(KORVO_INSTALL_STEP session-files)
   set(KORVO_DATA \"${KORVO_DATA}\")
   set(KORVO_STAGE \"${CMAKE_BINARY_DIR}/install-stage\")
   set(KORVO_BINDIR \"${CMAKE_INSTALL_BINDIR}\")
+  set(KORVO_MANDIR \"${CMAKE_INSTALL_MANDIR}\")
+  set(KORVO_SESSION_APPLICATIONS \"${KORVO_SESSION_APPLICATIONS}\")
+  set(KORVO_SESSION_MAN \"${KORVO_SESSION_MAN}\")
   set(KORVO_SESSION_UNITS \"${KORVO_SESSION_UNITS}\")
   set(KORVO_SESSION_DBUS \"${KORVO_SESSION_DBUS}\")
   set(KORVO_SESSION_AUTOSTART \"${KORVO_SESSION_AUTOSTART}\")

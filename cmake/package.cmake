@@ -8,11 +8,13 @@ set(CPACK_PACKAGE_VENDOR Tessmoor)
 set(CPACK_PACKAGE_CONTACT "Tessmoor <korvo@tessmoor.com>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "Memory, Keep Awake, AI Usage and CPU Temperature widgets for the Linux desktop")
+# Debian wraps nothing: every line of the long description fits in 80 columns as written.
 string(CONCAT CPACK_PACKAGE_DESCRIPTION
-    "Four widgets below the other windows on every workspace: memory in use tinted by the "
-    "kernel's memory pressure, what is left of the Codex and Claude subscription limits, the "
-    "hottest CPU sensor, and a shortcut to Keep Awake. korvo-widgets renders them headless and "
-    "prints status lines for bars such as Waybar; korvo publishes the figures they read.")
+    "Four widgets below the other windows on every workspace: memory in use\n"
+    "tinted by the kernel's memory pressure, what is left of the Codex and\n"
+    "Claude subscription limits, the hottest CPU sensor, and a shortcut to\n"
+    "Keep Awake. korvo-widgets renders them headless and prints status lines\n"
+    "for bars such as Waybar; korvo publishes the figures they read.")
 # Install to /usr with DESTDIR pointing into the staging root, whatever prefix the build was
 # configured for, so that install-time paths (units, D-Bus services) name /usr and the autostart
 # entries land in /etc.
@@ -37,6 +39,20 @@ if(TARGET korvo)
   string(APPEND KORVO_CONFFILES "/etc/xdg/autostart/com.tessmoor.Korvo.Service.desktop\n")
 endif()
 file(WRITE "${CMAKE_BINARY_DIR}/package/conffiles" "${KORVO_CONFFILES}")
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/package/conffiles")
+# The maintainer scripts enable the user units for graphical sessions, as debhelper's would.
+list(JOIN KORVO_SESSION_UNITS " " KORVO_PACKAGE_UNITS)
+foreach(script postinst postrm)
+  configure_file("${KORVO_DATA}/debian/${script}.in" "${CMAKE_BINARY_DIR}/package/${script}" @ONLY)
+endforeach()
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${CMAKE_BINARY_DIR}/package/conffiles"
+    "${CMAKE_BINARY_DIR}/package/postinst" "${CMAKE_BINARY_DIR}/package/postrm")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+# Every package says under which terms it comes and what changed, compressed as Debian keeps it.
+configure_file("${KORVO_DATA}/debian/changelog.in" "${CMAKE_BINARY_DIR}/package/changelog" @ONLY)
+execute_process(COMMAND gzip -9 -n -c "${CMAKE_BINARY_DIR}/package/changelog"
+                OUTPUT_FILE "${CMAKE_BINARY_DIR}/package/changelog.gz" COMMAND_ERROR_IS_FATAL ANY)
+install(FILES "${KORVO_DATA}/debian/copyright" "${CMAKE_BINARY_DIR}/package/changelog.gz"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 include(CPack)

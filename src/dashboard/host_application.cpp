@@ -23,6 +23,7 @@
 #include "gtk/session_bus.hpp"
 #include "sampling/memory_format.hpp"
 #include "sampling/system_sampler.hpp"
+#include "service/link_handler.hpp"
 #include "shared/app_identity.hpp"
 
 namespace korvo {
@@ -121,6 +122,7 @@ void HostApplication::startup() {
         this);
   }
   settings_ = settings_file::load(std::cerr);
+  claimLinkHandler(std::cerr);
   notifier_ = std::make_unique<gtk::Notifier>(gtk::sessionBus());
   keepAwake_ = std::make_unique<KeepAwake>(
       std::cerr, clockRate_, gtk::sessionBus(),
@@ -143,7 +145,7 @@ void HostApplication::startup() {
       },
       [this](AwakeDuration duration) { told(keepAwake_->start(duration)); },
       [this] { told(keepAwake_->stop()); }, [this](bool on) { watchAgents(on); },
-      [this] { dashboard()->presentSettings(); }, [this] { quit(); }});
+      [this] { dashboard()->presentSettings(); }, [this] { quitFromMenu(); }});
   showAwake();
   showFigure();
   figureTimer_ = g_timeout_add_seconds(
@@ -158,6 +160,17 @@ void HostApplication::startup() {
 void HostApplication::quit() {
   if (dashboard_) dashboard_.reset();
   g_application_quit(application_);
+}
+
+void HostApplication::quitFromMenu() {
+  notifier_->send(_("Korvo has quit"),
+                  _("The AI Usage and CPU Temperature widgets will not update until Korvo starts "
+                    "again. Open Korvo from the applications menu to start it."));
+  // The notification must leave before the process does.
+  if (GDBusConnection* bus = gtk::sessionBus()) {
+    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+  }
+  quit();
 }
 
 int HostApplication::commandLine(GApplicationCommandLine* invocation) {

@@ -35,6 +35,8 @@ class HostApplication {
   void quit();
 
  private:
+  // The tray's Quit: ends the service and says that the widgets stop updating until it is back.
+  void quitFromMenu();
   int carryOut(const AwakeCommand& command, GApplicationCommandLine* invocation);
   int open(const OpenDashboard& command, GApplicationCommandLine* invocation);
   DashboardWindow* dashboard();

@@ -80,7 +80,8 @@ TrayIndicator::TrayIndicator(Actions actions) : actions_(std::move(actions)) {
        G_CALLBACK(+[](GtkMenuItem*, gpointer tray) { trayOf(tray).actions().openSettings(); }),
        this);
   gtk_menu_shell_append(GTK_MENU_SHELL(menu_), gtk_separator_menu_item_new());
-  item(menu_, _("Quit"),
+  // Quitting ends the publishing too, which a user expecting a mere window to close would miss.
+  item(menu_, _("Quit (widgets stop updating)"),
        G_CALLBACK(+[](GtkMenuItem*, gpointer tray) { trayOf(tray).actions().quit(); }), this);
   gtk_widget_show_all(menu_);
   gtk_widget_hide(stopItem_);

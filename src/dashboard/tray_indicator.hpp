@@ -26,7 +26,7 @@ struct TrayAwake {
 
 // The status icon (StatusNotifierItem through Ayatana AppIndicator): the memory figure as its
 // label, an icon of its own while the machine is kept awake, and a menu of the three tabs, Keep
-// Awake's lengths, Stop and the agents' switch, Settings and Quit.
+// Awake's lengths, Stop and the agents' switch, Settings, and Quit, which ends the service.
 class TrayIndicator {
  public:
   struct Actions {

@@ -151,7 +151,8 @@ TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
     const std::string wanted = expected;  // clang before 16 cannot capture a binding
     EXPECT_TRUE(waitFor([&] { return page() == wanted; })) << title;
   }
-  for (const char* title : {"15 min", "1 h", "2 h", "4 h", "Until I stop it", "Quit"}) {
+  for (const char* title :
+       {"15 min", "1 h", "2 h", "4 h", "Until I stop it", "Quit (widgets stop updating)"}) {
     EXPECT_THAT(items, HasSubstr("'label': <'" + std::string(title) + "'>"));
   }
 }
@@ -238,6 +239,34 @@ TEST_F(TrayIndicatorTest, OpenKeepAwakeOnTheNoticeOfASessionsEndShowsTheAwakeTab
                  "org.freedesktop.DBus.Mock.EmitSignal",
                  {server, "ActionInvoked", "us", "[<uint32 1>, <'open'>]"});
   EXPECT_TRUE(waitFor([&] { return page() == "awake"; }));
+}
+
+TEST_F(TrayIndicatorTest, QuitEndsTheServiceSaysSoAndTheMenuEntryStartsItAgain) {
+  const std::string server = "org.freedesktop.Notifications";
+  bus_test::Mock notifications(environment, folder.path(), {"--template", "notification_daemon"},
+                               server, false);
+  dashboard_test::registerKorvoAsHandler(folder.path());
+  startService();
+  click("Quit (widgets stop updating)");
+  EXPECT_TRUE(waitFor([&] { return !service->running(); }));
+  EXPECT_FALSE(bus_test::owned(environment, false, "com.tessmoor.Korvo"));
+  const std::string calls =
+      bus_test::call(environment, false, server, "/org/freedesktop/Notifications",
+                     "org.freedesktop.DBus.Mock.GetCalls");
+  EXPECT_THAT(calls, HasSubstr("'Korvo has quit'"));
+  EXPECT_THAT(calls, HasSubstr("The AI Usage and CPU Temperature widgets will not update until "
+                               "Korvo starts again."));
+
+  // The applications menu starts the entry as GIO launches it.
+  Process launch({"/usr/bin/gio", "launch",
+                  (folder.path() / "data/applications/com.tessmoor.Korvo.desktop").string()},
+                 environment, folder.path() / "launch.out", folder.path() / "launch.err");
+  EXPECT_TRUE(waitFor([&] { return bus_test::owned(environment, false, "com.tessmoor.Korvo"); }))
+      << readFile(folder.path() / "launch.err");
+  EXPECT_TRUE(waitFor([&] {
+    const auto text = readFile(folder.path() / "dashboard.json");
+    return !text.empty() && nlohmann::json::parse(text).value("mapped", false);
+  })) << "the dashboard shows";
 }
 
 }  // namespace

@@ -81,11 +81,13 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
       "share/korvo-widgets/Info.json",
       "share/applications/com.tessmoor.Korvo.Widgets.desktop",
       "etc/xdg/autostart/com.tessmoor.Korvo.Widgets.desktop",
-      "lib/systemd/user/korvo-widgets.service",
+      "share/systemd/user/korvo-widgets.service",
       "share/dbus-1/services/com.tessmoor.Korvo.Widgets.service",
       "share/icons/hicolor/scalable/apps/com.tessmoor.Korvo.Widgets.svg",
       "share/metainfo/com.tessmoor.Korvo.Widgets.metainfo.xml",
-      "share/man/man1/korvo-widgets.1",
+      "share/man/man1/korvo-widgets.1.gz",
+      "share/doc/korvo-widgets/copyright",
+      "share/doc/korvo-widgets/changelog.gz",
       "share/bash-completion/completions/korvo-widgets",
       "share/zsh/site-functions/_korvo-widgets",
       "share/fish/vendor_completions.d/korvo-widgets.fish",
@@ -94,11 +96,11 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
     for (const char* file :
          {"bin/korvo", "libexec/korvo/korvo-service",
           "share/applications/com.tessmoor.Korvo.desktop",
-          "etc/xdg/autostart/com.tessmoor.Korvo.Service.desktop", "lib/systemd/user/korvo.service",
-          "share/dbus-1/services/com.tessmoor.Korvo.service",
+          "etc/xdg/autostart/com.tessmoor.Korvo.Service.desktop",
+          "share/systemd/user/korvo.service", "share/dbus-1/services/com.tessmoor.Korvo.service",
           "share/icons/hicolor/scalable/apps/com.tessmoor.Korvo.svg",
           "share/icons/hicolor/scalable/status/com.tessmoor.Korvo-awake.svg",
-          "share/man/man1/korvo.1", "share/bash-completion/completions/korvo",
+          "share/man/man1/korvo.1.gz", "share/bash-completion/completions/korvo",
           "share/zsh/site-functions/_korvo", "share/fish/vendor_completions.d/korvo.fish"}) {
       expected.emplace_back(file);
     }
@@ -111,7 +113,7 @@ TEST_F(Installed, EveryFileLandsWhereTheDesktopLooksForIt) {
 TEST_F(Installed, UnitsAndBusServicesStartTheInstalledPrograms) {
   const std::string bin = (prefix() / "bin").string();
   const auto unit =
-      lines(testing_support::readFile(prefix() / "lib/systemd/user/korvo-widgets.service"));
+      lines(testing_support::readFile(prefix() / "share/systemd/user/korvo-widgets.service"));
   EXPECT_TRUE(has(unit, "ExecStart=" + bin + "/korvo-widgets run"));
   EXPECT_TRUE(has(unit, "PartOf=graphical-session.target"));
   EXPECT_TRUE(has(unit, "WantedBy=graphical-session.target"));
@@ -119,6 +121,50 @@ TEST_F(Installed, UnitsAndBusServicesStartTheInstalledPrograms) {
       prefix() / "share/dbus-1/services/com.tessmoor.Korvo.Widgets.service"));
   EXPECT_TRUE(has(service, "Exec=" + bin + "/korvo-widgets run"));
   EXPECT_TRUE(has(service, "SystemdService=korvo-widgets.service"));
+}
+
+TEST_F(Installed, DesktopEntriesStartTheInstalledProgramsWhateverThePath) {
+  // GIO ignores an entry whose program is not on PATH, and the prefix's bin/ may not be.
+  const std::string bin = (prefix() / "bin").string();
+  const auto widgets = lines(testing_support::readFile(
+      prefix() / "share/applications/com.tessmoor.Korvo.Widgets.desktop"));
+  EXPECT_TRUE(has(widgets, "Exec=" + bin + "/korvo-widgets run"));
+  if (buildsKorvo) {
+    const auto korvo = lines(
+        testing_support::readFile(prefix() / "share/applications/com.tessmoor.Korvo.desktop"));
+    EXPECT_TRUE(has(korvo, "Exec=" + bin + "/korvo open %u"));
+    EXPECT_TRUE(has(korvo, "MimeType=x-scheme-handler/korvo;"));
+  }
+}
+
+// Where systemd's generator turns autostart entries into units (Plasma and other systemd-run
+// sessions) and where GNOME's session manager runs under systemd, the user units start the
+// programs instead: each starts once.
+TEST_F(Installed, AutostartEntriesGiveWayToTheUserUnitsUnderSystemd) {
+  const fs::path autostart = prefix() / "etc/xdg/autostart";
+  const auto entries = filesIn(autostart, ".desktop");
+  ASSERT_EQ(entries.size(), buildsKorvo ? 2u : 1u);
+  for (const auto& entry : entries) {
+    EXPECT_TRUE(has(lines(testing_support::readFile(entry)), "X-GNOME-HiddenUnderSystemd=true"))
+        << entry;
+  }
+  const fs::path generated = folder_->path() / "generated";
+  fs::create_directories(generated);
+  const ProcessResult result =
+      run("/usr/lib/systemd/user-generators/systemd-xdg-autostart-generator",
+          {generated.string(), generated.string(), generated.string()},
+          {{"XDG_CONFIG_DIRS", (prefix() / "etc/xdg").string()},
+           {"XDG_CONFIG_HOME", (folder_->path() / "no-config").string()},
+           {"SYSTEMD_LOG_LEVEL", "debug"}});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  for (const auto& entry : entries) {
+    EXPECT_NE(result.err.find(entry.string() + ": not generating unit, marked as skipped"),
+              std::string::npos)
+        << result.err;
+  }
+  std::vector<fs::path> units;
+  for (const auto& unit : fs::recursive_directory_iterator(generated)) units.push_back(unit.path());
+  EXPECT_EQ(units, std::vector<fs::path>{});
 }
 
 TEST_F(Installed, TheProgramsFindTheirDataFromThePrefixWithoutEnvironmentVariables) {
@@ -172,7 +218,7 @@ TEST_F(Installed, TheUserUnitsVerify) {
   const fs::path runtime = folder_->path() / "runtime";
   fs::create_directories(runtime);
   ::chmod(runtime.c_str(), 0700);
-  std::vector<fs::path> units = filesIn(prefix() / "lib/systemd/user", ".service");
+  std::vector<fs::path> units = filesIn(prefix() / "share/systemd/user", ".service");
   std::string manPath = (prefix() / "share/man").string();
   // korvo's unit from the source, its program stood in for by a stub until korvo is built here.
   if (!buildsKorvo) {
@@ -204,8 +250,12 @@ TEST_F(Installed, TheUserUnitsVerify) {
 }
 
 TEST_F(Installed, EveryManPageRendersWithoutWarnings) {
-  const auto pages = filesIn(dataDir / "man", ".1");
+  // korvo's from the source also before korvo is built; the installed ones compressed.
+  auto pages = filesIn(dataDir / "man", ".1");
   ASSERT_EQ(pages.size(), 2u);
+  const auto installed = filesIn(prefix() / "share/man/man1", ".gz");
+  ASSERT_EQ(installed.size(), buildsKorvo ? 2u : 1u);
+  pages.insert(pages.end(), installed.begin(), installed.end());
   for (const auto& page : pages) {
     const ProcessResult result = run("/usr/bin/man", {"--warnings", "-l", page.string()},
                                      {{"MANWIDTH", "80"}, {"MANPAGER", "cat"}, {"PAGER", "cat"}});
@@ -290,6 +340,23 @@ TEST_F(Installed, FishCompletesTheCommandsAndKinds) {
       expectOffered("fish", test, result);
     }
   }
+}
+
+// /usr/local staged as a distribution builder stages it: autostart entries where sessions read
+// them, units where the user manager does, and no MIME cache (the target system builds its own).
+TEST_F(Installed, AStagedUsrLocalInstallPutsSessionFilesWhereTheSessionReadsThem) {
+  const fs::path root = folder_->path() / "staged";
+  const ProcessResult result =
+      run(KORVO_CMAKE, {"--install", KORVO_BUILD_DIR, "--prefix", "/usr/local"},
+          {{"DESTDIR", root.string()}});
+  ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+  EXPECT_TRUE(fs::is_regular_file(root / "etc/xdg/autostart/com.tessmoor.Korvo.Widgets.desktop"));
+  EXPECT_TRUE(fs::is_regular_file(root / "usr/local/share/systemd/user/korvo-widgets.service"));
+  EXPECT_FALSE(fs::exists(root / "usr/local/etc"));
+  EXPECT_FALSE(fs::exists(root / "usr/local/share/applications/mimeinfo.cache"));
+  const auto entry = lines(testing_support::readFile(
+      root / "usr/local/share/applications/com.tessmoor.Korvo.Widgets.desktop"));
+  EXPECT_TRUE(has(entry, "Exec=/usr/local/bin/korvo-widgets run"));
 }
 
 TEST_F(Installed, AnUnwritablePrefixIsRefusedOnOneClearLine) {

@@ -6,6 +6,7 @@
 
 #include "base/clock.hpp"
 #include "base/date_text.hpp"
+#include "shared/moment_text.hpp"
 #include "support/english_in_utc.hpp"
 #include "support/keep_awake_fixture.hpp"
 #include "support/lock_holder.hpp"
@@ -40,6 +41,8 @@ TEST_F(KeepAwakeTest, StartTakesLogindsAndTheSessionsInhibitorsAndStatusReportsT
   const double endsAt = document["endsAt"].get<double>();
   EXPECT_GE(endsAt, before + 120);
   EXPECT_LE(endsAt, clock::now().secondsSinceReferenceDate + 120);
+  // The same end for readers that do not count from 2001.
+  EXPECT_EQ(document["endsAtISO"], isoMoment(Date{endsAt}));
 }
 
 TEST_F(KeepAwakeTest, StopClosesLogindsDescriptorAndUninhibitsTheSession) {
@@ -163,6 +166,7 @@ TEST_F(KeepAwakeTest, ExtendMovesTheEndAndStartsASessionWhenNoneRuns) {
   ASSERT_EQ(korvo({"awake", "extend", "indefinitely"}).exitCode, 0);
   EXPECT_EQ(status()["indefinite"], true);
   EXPECT_EQ(status()["endsAt"], nullptr);
+  EXPECT_EQ(status()["endsAtISO"], nullptr);
 }
 
 TEST_F(KeepAwakeTest, ARestartedServiceResumesASessionWithTimeLeft) {

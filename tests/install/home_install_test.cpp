@@ -1,0 +1,123 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <nlohmann/json.hpp>
+
+#include "support/desktop_harness.hpp"
+#include "support/private_buses.hpp"
+
+// `cmake --install --prefix ~/.local` into a temporary home, then used as that user's desktop
+// uses it, with nothing done by hand in between: systemd's user manager, GIO and xdg-open.
+namespace korvo {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace desktop_test;
+using testing::HasSubstr;
+
+constexpr const char* dashboardTitle = "^Korvo · Resources, AI usage & Keep Awake$";
+
+std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> result;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) result.push_back(line);
+  return result;
+}
+
+class HomeInstall : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder_ = new TemporaryDirectory;
+    ::chmod(folder_->path().c_str(), 0755);
+    fs::create_directories(home());
+    // As the user runs it: their HOME, a PATH that does not lead to ~/.local/bin.
+    install_ = new CommandResult(
+        runCommand({"/bin/sh", "-c",
+                    std::string(KORVO_CMAKE) + " --install " KORVO_BUILD_DIR " --prefix " +
+                        prefix().string() + " 2>&1"},
+                   {{"PATH", "/usr/bin:/bin"}, {"HOME", home().string()}}));
+  }
+  static void TearDownTestSuite() {
+    delete install_;
+    delete folder_;
+  }
+  void SetUp() override { ASSERT_EQ(install_->exitStatus, 0) << install_->output; }
+
+  static fs::path home() { return folder_->path() / "home"; }
+  static fs::path prefix() { return home() / ".local"; }
+  // The user's session: only HOME says where their files are.
+  static Environment session() {
+    return {{"PATH", "/usr/bin:/bin"},
+            {"HOME", home().string()},
+            {"XDG_DATA_DIRS", "/usr/local/share:/usr/share"},
+            {"LANG", "C.UTF-8"},
+            {"TZ", "UTC"}};
+  }
+
+  static inline TemporaryDirectory* folder_ = nullptr;
+  static inline CommandResult* install_ = nullptr;
+};
+
+TEST_F(HomeInstall, TheUserManagerSearchesTheFolderHoldingTheUnits) {
+  const fs::path runtime = folder_->path() / "runtime";
+  fs::create_directories(runtime);
+  ::chmod(runtime.c_str(), 0700);
+  Environment environment = session();
+  environment["XDG_DATA_HOME"] = (prefix() / "share").string();
+  environment["XDG_RUNTIME_DIR"] = runtime.string();
+  const CommandResult paths =
+      runCommand({"/usr/bin/systemd-analyze", "--user", "unit-paths"}, environment);
+  ASSERT_EQ(paths.exitStatus, 0) << paths.output;
+  const fs::path units = prefix() / "share/systemd/user";
+  EXPECT_THAT(lines(paths.output), testing::Contains(units.string())) << paths.output;
+  EXPECT_TRUE(fs::is_regular_file(units / "korvo-widgets.service"));
+  EXPECT_TRUE(fs::is_regular_file(units / "korvo.service"));
+  EXPECT_FALSE(fs::exists(prefix() / "lib/systemd")) << "a folder the user manager never reads";
+}
+
+TEST_F(HomeInstall, NoAutostartEntryIsInstalledForTheSessionsToFind) {
+  // The user turns starting at login on in korvo's preferences; the install does not decide it.
+  EXPECT_FALSE(fs::exists(prefix() / "etc"));
+  EXPECT_FALSE(fs::exists(home() / ".config/autostart"));
+}
+
+TEST_F(HomeInstall, GioNamesKorvoAsTheLinkHandler) {
+  const CommandResult mime =
+      runCommand({"/usr/bin/gio", "mime", "x-scheme-handler/korvo"}, session());
+  ASSERT_EQ(mime.exitStatus, 0) << mime.output;
+  const auto answer = lines(mime.output);
+  ASSERT_FALSE(answer.empty());
+  EXPECT_THAT(answer.front(), HasSubstr("Default application for"));
+  EXPECT_THAT(answer.front(), HasSubstr(": com.tessmoor.Korvo.desktop")) << mime.output;
+}
+
+TEST_F(HomeInstall, XdgOpenOfAnAwakeLinkShowsTheInstalledDashboardAtTheAwakeTab) {
+  const fs::path work = folder_->path() / "xdg-open";
+  fs::create_directories(work);
+  XServer server(1600, 1000, work);
+  bus_test::PrivateBus bus(work, "session");
+  Environment environment = session();
+  environment["DISPLAY"] = server.display();
+  environment["GDK_BACKEND"] = "x11";
+  environment["NO_AT_BRIDGE"] = "1";
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (work / "no-bus").string();
+  environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/proc/desktop-zram";
+  environment["KORVO_DASHBOARD_DUMP"] = (work / "dashboard.json").string();
+  Process opener({"/usr/bin/xdg-open", "korvo://awake"}, environment, work / "open.out",
+                 work / "open.err");
+  const auto page = [&] {
+    const std::string text = readFile(work / "dashboard.json");
+    return text.empty() ? nlohmann::json::object() : nlohmann::json::parse(text);
+  };
+  EXPECT_TRUE(waitFor([&] {
+    const auto state = page();
+    return state.value("page", "") == "awake" && state.value("mapped", false) &&
+           visibleWindows(server.display(), dashboardTitle).size() == 1;
+  })) << readFile(work / "open.err");
+  EXPECT_EQ(page()["notice"], nullptr);
+}
+
+}  // namespace
+}  // namespace korvo
