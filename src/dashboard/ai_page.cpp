@@ -1,20 +1,28 @@
 #include "dashboard/ai_page.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include "app/codex_state_file.hpp"
 #include "app/usage_origin.hpp"
+#include "base/c_format.hpp"
 #include "base/clock.hpp"
+#include "base/date_text.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
 #include "extension/korvo_widgets.hpp"
 #include "shared/usage_provider.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "views/monitor/usage_windows.hpp"
 
 namespace korvo {
 namespace {
 
 using namespace dashboard_widgets;
+
+int channel(double value) {
+  return static_cast<int>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
+}
 
 const UsageState& stateOf(const WidgetSnapshot& snapshot, UsageProvider provider) {
   return provider == UsageProvider::codex ? snapshot.codex : snapshot.claude;
@@ -28,6 +36,32 @@ void openPage(GtkButton* button, gpointer) {
 }
 
 }  // namespace
+
+// A meter of the remaining share in the provider's colour on the card, as the card's scheme
+// gives it, with none of the theme's low and high levels.
+GtkWidget* AiPage::meter(UsageProvider provider, double usedPercent) const {
+  GtkWidget* bar = gtk_level_bar_new_for_interval(0, 100);
+  for (const char* level :
+       {GTK_LEVEL_BAR_OFFSET_LOW, GTK_LEVEL_BAR_OFFSET_HIGH, GTK_LEVEL_BAR_OFFSET_FULL}) {
+    gtk_level_bar_remove_offset_value(GTK_LEVEL_BAR(bar), level);
+  }
+  gtk_level_bar_set_value(GTK_LEVEL_BAR(bar), std::clamp(100 - usedPercent, 0.0, 100.0));
+  ui::Environment environment;
+  environment.colorScheme = card_->scheme();
+  const ui::Color tint = UsageWindows::tint(provider, environment.palette());
+  const std::string css = cFormat(
+      "levelbar block { min-height: 6px; } levelbar block.filled { background-color: rgb(%d,%d,%d); "
+      "border-color: rgb(%d,%d,%d); }",
+      channel(tint.red), channel(tint.green), channel(tint.blue), channel(tint.red),
+      channel(tint.green), channel(tint.blue));
+  GtkCssProvider* style = gtk_css_provider_new();
+  gtk_css_provider_load_from_data(style, css.c_str(), -1, nullptr);
+  gtk_style_context_add_provider(gtk_widget_get_style_context(bar), GTK_STYLE_PROVIDER(style),
+                                 GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  g_object_unref(style);
+  atk_object_set_name(gtk_widget_get_accessible(bar), _("Remaining").c_str());
+  return bar;
+}
 
 AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
   static const KorvoUsageWidget usage;
@@ -43,13 +77,24 @@ AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
 void AiPage::refresh() {
   card_->refresh();
   clear(providers_);
+  claudeConnection_.reset();
   countdowns_.clear();
   origins_.clear();
   const auto snapshot = WidgetSnapshotStore::load(WidgetSnapshotStore::fileURL());
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = snapshot ? stateOf(*snapshot, provider) : UsageState{};
     gtk_box_pack_start(GTK_BOX(providers_), heading(displayName(provider)), FALSE, FALSE, 0);
-    if (!state.enabled || !state.snapshot) {
+    const bool connectClaude =
+        provider == UsageProvider::claude && state.enabled && !state.snapshot;
+    if (connectClaude) {
+      // Its own line says what connecting does, and when connected, when the figures come.
+      claudeConnection_ = std::make_unique<ClaudeConnection>();
+      if (!claudeConnection_->connected()) {
+        gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE,
+                           FALSE, 0);
+      }
+      gtk_box_pack_start(GTK_BOX(providers_), claudeConnection_->widget(), FALSE, FALSE, 0);
+    } else if (!state.enabled || !state.snapshot) {
       gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE, FALSE,
                          0);
     } else {
@@ -60,14 +105,18 @@ void AiPage::refresh() {
       origins_.emplace_back(origin, *state.snapshot);
       for (const UsageWindow& window : state.snapshot->windows) {
         gtk_box_pack_start(GTK_BOX(providers_), label(window.remainingSummary()), FALSE, FALSE, 0);
-        GtkWidget* meter = gtk_level_bar_new_for_interval(0, 100);
-        gtk_level_bar_set_value(GTK_LEVEL_BAR(meter),
-                                std::clamp(100 - window.usedPercent, 0.0, 100.0));
-        gtk_box_pack_start(GTK_BOX(providers_), meter, FALSE, FALSE, 0);
-        gtk_box_pack_start(GTK_BOX(providers_), label(window.resetText(), "dim-label"), FALSE,
+        gtk_box_pack_start(GTK_BOX(providers_), meter(provider, window.usedPercent), FALSE,
                            FALSE, 0);
+        // The reset moment and its countdown share one line.
+        GtkWidget* reset = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
+        const std::string moment =
+            window.resetsAt ? _("Resets ") + dateTimeWithinYear(*window.resetsAt, clock::now())
+                            : window.resetText();
+        gtk_box_pack_start(GTK_BOX(reset), label(moment, "dim-label"), TRUE, TRUE, 0);
         GtkWidget* countdown = label(window.resetCountdown(clock::now()), "dim-label");
-        gtk_box_pack_start(GTK_BOX(providers_), countdown, FALSE, FALSE, 0);
+        gtk_label_set_xalign(GTK_LABEL(countdown), 1);
+        gtk_box_pack_end(GTK_BOX(reset), countdown, FALSE, FALSE, 0);
+        gtk_box_pack_start(GTK_BOX(providers_), reset, FALSE, FALSE, 0);
         countdowns_.emplace_back(countdown, window);
       }
       if (provider == UsageProvider::codex) {
