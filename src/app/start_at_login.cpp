@@ -108,8 +108,9 @@ bool entryShown(const Places& places, const Program& program) {
 std::string entryText(const Places& places, const Program& program, bool hide) {
   std::ostringstream text;
   text << "[Desktop Entry]\nType=Application\nName=" << program.name
-       << "\nComment=" << program.comment << "\nExec=" << (places.programs / program.executable).string()
-       << ' ' << program.arguments << "\nIcon=" << program.icon
+       << "\nComment=" << program.comment
+       << "\nExec=" << (places.programs / program.executable).string() << ' ' << program.arguments
+       << "\nIcon=" << program.icon
        << "\nTerminal=false\nNoDisplay=true\n"
        // Where the user manager starts the unit, the session leaves this entry to it.
        << "X-GNOME-HiddenUnderSystemd=true\n";

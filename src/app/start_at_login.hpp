@@ -20,7 +20,7 @@ struct Places {
   std::vector<std::filesystem::path> unitFolders;
   std::filesystem::path userAutostart;                 // $XDG_CONFIG_HOME/autostart
   std::vector<std::filesystem::path> systemAutostart;  // $XDG_CONFIG_DIRS/autostart
-  std::filesystem::path programs;  // the folder holding korvo and korvo-widgets
+  std::filesystem::path programs;                      // the folder holding korvo and korvo-widgets
 };
 
 // The places of this session: XDG_CONFIG_HOME, XDG_CONFIG_DIRS, XDG_DATA_HOME, XDG_DATA_DIRS and

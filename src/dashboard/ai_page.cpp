@@ -50,7 +50,8 @@ GtkWidget* AiPage::meter(UsageProvider provider, double usedPercent) const {
   environment.colorScheme = card_->scheme();
   const ui::Color tint = UsageWindows::tint(provider, environment.palette());
   const std::string css = cFormat(
-      "levelbar block { min-height: 6px; } levelbar block.filled { background-color: rgb(%d,%d,%d); "
+      "levelbar block { min-height: 6px; } levelbar block.filled { background-color: "
+      "rgb(%d,%d,%d); "
       "border-color: rgb(%d,%d,%d); }",
       channel(tint.red), channel(tint.green), channel(tint.blue), channel(tint.red),
       channel(tint.green), channel(tint.blue));
@@ -105,8 +106,8 @@ void AiPage::refresh() {
       origins_.emplace_back(origin, *state.snapshot);
       for (const UsageWindow& window : state.snapshot->windows) {
         gtk_box_pack_start(GTK_BOX(providers_), label(window.remainingSummary()), FALSE, FALSE, 0);
-        gtk_box_pack_start(GTK_BOX(providers_), meter(provider, window.usedPercent), FALSE,
-                           FALSE, 0);
+        gtk_box_pack_start(GTK_BOX(providers_), meter(provider, window.usedPercent), FALSE, FALSE,
+                           0);
         // The reset moment and its countdown share one line.
         GtkWidget* reset = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
         const std::string moment =

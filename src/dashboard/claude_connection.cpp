@@ -25,12 +25,12 @@ ClaudeConnection::ClaudeConnection()
 
 void ClaudeConnection::show() {
   connected_ = claude_settings_file::runsKorvo();
-  gtk_label_set_text(GTK_LABEL(line_),
-                     connected_ ? _("Connected: figures arrive with Claude Code's next reply").c_str()
-                                : "");
+  gtk_label_set_text(
+      GTK_LABEL(line_),
+      connected_ ? _("Connected: figures arrive with Claude Code's next reply").c_str() : "");
   gtk_widget_set_visible(line_, gtk::glibBool(connected_));
-  gtk_button_set_label(GTK_BUTTON(button_), connected_ ? _("Disconnect").c_str()
-                                                       : _("Connect Claude Code").c_str());
+  gtk_button_set_label(GTK_BUTTON(button_),
+                       connected_ ? _("Disconnect").c_str() : _("Connect Claude Code").c_str());
 }
 
 void ClaudeConnection::pressed() {

@@ -74,7 +74,8 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
   GtkWidget* header = gtk_header_bar_new();
   gtk_header_bar_set_show_close_button(GTK_HEADER_BAR(header), TRUE);
   // The window takes its title from its header bar's, which the switcher covers.
-  gtk_header_bar_set_title(GTK_HEADER_BAR(header), std::string(AppIdentity::applicationTitle).c_str());
+  gtk_header_bar_set_title(GTK_HEADER_BAR(header),
+                           std::string(AppIdentity::applicationTitle).c_str());
   GtkWidget* switcher = gtk_stack_switcher_new();
   gtk_stack_switcher_set_stack(GTK_STACK_SWITCHER(switcher), GTK_STACK(stack_));
   gtk_header_bar_set_custom_title(GTK_HEADER_BAR(header), switcher);
@@ -106,10 +107,9 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
                    }),
                    this);
   for (const char* change : {"map", "unmap"}) {
-    g_signal_connect_swapped(preferences_.window(), change, G_CALLBACK(+[](gpointer self) {
-                               static_cast<DashboardWindow*>(self)->dump();
-                             }),
-                             this);
+    g_signal_connect_swapped(
+        preferences_.window(), change,
+        G_CALLBACK(+[](gpointer self) { static_cast<DashboardWindow*>(self)->dump(); }), this);
   }
   g_signal_connect_swapped(
       stack_, "notify::visible-child",

@@ -160,12 +160,11 @@ void HostApplication::startup() {
 // D-Bus: `preferences` with the page to show ("widgets" from the desktop widgets' menu).
 void HostApplication::addActions() {
   GSimpleAction* preferences = g_simple_action_new("preferences", G_VARIANT_TYPE_STRING);
-  g_signal_connect(preferences, "activate",
-                   G_CALLBACK(+[](GSimpleAction*, GVariant* page, gpointer self) {
-                     hostOf(self).dashboard()->presentPreferences(
-                         g_variant_get_string(page, nullptr));
-                   }),
-                   this);
+  g_signal_connect(
+      preferences, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant* page, gpointer self) {
+        hostOf(self).dashboard()->presentPreferences(g_variant_get_string(page, nullptr));
+      }),
+      this);
   GSimpleAction* about = g_simple_action_new("about", nullptr);
   g_signal_connect(about, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer self) {
                      hostOf(self).showAbout();

@@ -80,8 +80,8 @@ SettingsPage::SettingsPage() {
                      g_free(folder);
                    }),
                    this);
-  codexLive_ = row(content, _("Ask Codex for its current figures"),
-                   toggle(*this, SettingKey::codexLive));
+  codexLive_ =
+      row(content, _("Ask Codex for its current figures"), toggle(*this, SettingKey::codexLive));
   gtk_box_pack_start(GTK_BOX(content), heading(_("Claude")), FALSE, FALSE, 0);
   claude_ = row(content, _("Show Claude's usage"), toggle(*this, SettingKey::claude));
   gtk_box_pack_start(GTK_BOX(content), claudeConnection_.widget(), FALSE, FALSE, 0);

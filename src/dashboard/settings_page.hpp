@@ -43,7 +43,7 @@ class SettingsPage {
   GtkWidget* agentNotices_;
   GtkWidget* displayMode_;
   GtkWidget* messages_[3];  // a failed write, said on each page
-  bool showing_ = false;  // changes made by show() are not the user's
+  bool showing_ = false;    // changes made by show() are not the user's
 };
 
 }  // namespace korvo

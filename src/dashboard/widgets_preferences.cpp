@@ -20,7 +20,15 @@ using desktop::Placement;
 using desktop::ScreenAnchor;
 
 // The grid's columns, which a change keeps the focus in.
-enum Column { nameColumn, sizeColumn, whereColumn, monitorColumn, upColumn, downColumn, removeColumn };
+enum Column {
+  nameColumn,
+  sizeColumn,
+  whereColumn,
+  monitorColumn,
+  upColumn,
+  downColumn,
+  removeColumn
+};
 
 constexpr const char* positionWord = "position";
 constexpr const char* primaryWord = "";
@@ -35,8 +43,9 @@ std::size_t rowOf(gpointer widget) {
 
 const WidgetConfiguration* configurationOf(const std::string& kind) {
   const auto& widgets = desktop::widgets();
-  const auto found = std::find_if(widgets.begin(), widgets.end(),
-                                  [&](const WidgetConfiguration& each) { return each.kind == kind; });
+  const auto found =
+      std::find_if(widgets.begin(), widgets.end(),
+                   [&](const WidgetConfiguration& each) { return each.kind == kind; });
   return found != widgets.end() ? &*found : nullptr;
 }
 
@@ -100,10 +109,10 @@ WidgetsPreferences::WidgetsPreferences()
   GtkWidget* loginText = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
   GtkWidget* loginTitle = label(_("Start at login"));
   gtk_box_pack_start(GTK_BOX(loginText), loginTitle, FALSE, FALSE, 0);
-  gtk_box_pack_start(GTK_BOX(loginText),
-                     label(_("Korvo's service and the desktop widgets start when you log in."),
-                           "dim-label"),
-                     FALSE, FALSE, 0);
+  gtk_box_pack_start(
+      GTK_BOX(loginText),
+      label(_("Korvo's service and the desktop widgets start when you log in."), "dim-label"),
+      FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(loginRow), loginText, TRUE, TRUE, 0);
   gtk_widget_set_valign(login_, GTK_ALIGN_CENTER);
   atk_object_set_name(gtk_widget_get_accessible(login_), _("Start at login").c_str());
@@ -133,7 +142,8 @@ WidgetsPreferences::~WidgetsPreferences() {
 void WidgetsPreferences::reload() {
   showing_ = true;
   try {
-    const auto places = start_at_login::placesFromEnvironment(claude_settings_file::korvoExecutable());
+    const auto places =
+        start_at_login::placesFromEnvironment(claude_settings_file::korvoExecutable());
     gtk_switch_set_active(GTK_SWITCH(login_), gtk::glibBool(start_at_login::enabled(places)));
   } catch (const std::exception&) {
     gtk_widget_set_sensitive(login_, FALSE);
@@ -186,10 +196,9 @@ void WidgetsPreferences::show(std::optional<std::size_t> focusRow, int focusColu
     GtkWidget* size = gtk_combo_box_text_new();
     if (configuration != nullptr) {
       for (const ui::WidgetFamily family : configuration->supportedFamilies) {
-        gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(size),
-                                  std::string(ui::familyWord(family)).c_str(),
-                                  family == ui::WidgetFamily::systemSmall ? _("Small").c_str()
-                                                                         : _("Medium").c_str());
+        gtk_combo_box_text_append(
+            GTK_COMBO_BOX_TEXT(size), std::string(ui::familyWord(family)).c_str(),
+            family == ui::WidgetFamily::systemSmall ? _("Small").c_str() : _("Medium").c_str());
       }
     }
     gtk_combo_box_set_active_id(GTK_COMBO_BOX(size),
@@ -247,25 +256,21 @@ void WidgetsPreferences::show(std::optional<std::size_t> focusRow, int focusColu
                      this);
     controls[monitorColumn] = monitor;
 
-    controls[upColumn] = rowButton(*this, row, "go-up-symbolic", _("Move ") + name + _(" up"),
-                                   [](GtkButton* button, gpointer data) {
-                                     pageOf(data).move(rowOf(button), -1);
-                                   });
+    controls[upColumn] =
+        rowButton(*this, row, "go-up-symbolic", _("Move ") + name + _(" up"),
+                  [](GtkButton* button, gpointer data) { pageOf(data).move(rowOf(button), -1); });
     gtk_widget_set_sensitive(controls[upColumn], gtk::glibBool(row > 0));
-    controls[downColumn] = rowButton(*this, row, "go-down-symbolic",
-                                     _("Move ") + name + _(" down"),
-                                     [](GtkButton* button, gpointer data) {
-                                       pageOf(data).move(rowOf(button), 1);
-                                     });
+    controls[downColumn] =
+        rowButton(*this, row, "go-down-symbolic", _("Move ") + name + _(" down"),
+                  [](GtkButton* button, gpointer data) { pageOf(data).move(rowOf(button), 1); });
     gtk_widget_set_sensitive(controls[downColumn], gtk::glibBool(row + 1 < placements_.size()));
-    controls[removeColumn] = rowButton(*this, row, "list-remove-symbolic", _("Remove ") + name,
-                                       [](GtkButton* button, gpointer data) {
-                                         pageOf(data).remove(rowOf(button));
-                                       });
+    controls[removeColumn] =
+        rowButton(*this, row, "list-remove-symbolic", _("Remove ") + name,
+                  [](GtkButton* button, gpointer data) { pageOf(data).remove(rowOf(button)); });
     for (int column = nameColumn; column <= removeColumn; ++column) {
       g_object_set_data(G_OBJECT(controls[column]), "row", GINT_TO_POINTER(at));
-      gtk_widget_set_sensitive(controls[column],
-                               gtk::glibBool(usable_ && gtk_widget_get_sensitive(controls[column])));
+      gtk_widget_set_sensitive(
+          controls[column], gtk::glibBool(usable_ && gtk_widget_get_sensitive(controls[column])));
       gtk_grid_attach(GTK_GRID(grid_), controls[column], column, at, 1, 1);
     }
     if (focusRow && *focusRow == row) focus = controls[focusColumn];
@@ -364,8 +369,8 @@ void WidgetsPreferences::move(std::size_t row, int by) {
   // The focus follows the widget moved, unless it reached the end its button no longer goes to.
   const auto at = static_cast<std::size_t>(to);
   const bool atEnd = at == 0 || at + 1 == placements.size();
-  save(std::move(placements), at, atEnd ? (by < 0 ? downColumn : upColumn)
-                                        : (by < 0 ? upColumn : downColumn));
+  save(std::move(placements), at,
+       atEnd ? (by < 0 ? downColumn : upColumn) : (by < 0 ? upColumn : downColumn));
 }
 
 void WidgetsPreferences::remove(std::size_t row) {
