@@ -83,6 +83,7 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
   gtk_window_set_titlebar(GTK_WINDOW(window_), header);
   gtk_widget_show_all(header);
   window_keys::closeOnKeys(GTK_WINDOW(window_));
+  window_keys::switchPagesOnKeys(GTK_WINDOW(window_), GTK_STACK(stack_));
 
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
   // The notice quotes a link any web page can send: its length must not size the window, so it

@@ -148,5 +148,50 @@ TEST_F(DashboardAccessibility, TheUsageCardReadsWhatKorvoPublishes) {
   EXPECT_TRUE(reads("58")) << readCard("AI Usage").dump(1);
 }
 
+// The header bar's view switcher reads as the pages' titles in order and switches them; where
+// Claude has no figures the AI page offers to connect it, and says what happens next.
+TEST_F(DashboardAccessibility, TheSwitcherReadsThePageTitlesAndClaudeConnectsFromTheAiPage) {
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://ai"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "ai"; })) << readFile(folder.path() / "service.err");
+  const auto read = [&](const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{"/usr/bin/python3", KORVO_A11Y_READER, "--application",
+                                     "com.tessmoor.Korvo"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const auto result = runCommand(command, reader);
+    return result.exitStatus == 0 ? Json::parse(result.output, nullptr, false) : Json();
+  };
+  Json switcher;
+  ASSERT_TRUE(waitFor([&] {
+    switcher = read({"--role", "radio button"});
+    return switcher.is_array() && switcher.size() == 3;
+  })) << switcher.dump();
+  EXPECT_EQ(switcher, Json({"AI Usage", "Memory", "Keep Awake"}));
+  ASSERT_FALSE(read({"--named", "Keep Awake", "--act"}).is_null());
+  EXPECT_TRUE(waitFor([&] { return page() == "awake"; }));
+  ASSERT_FALSE(read({"--named", "AI Usage", "--act"}).is_null());
+  EXPECT_TRUE(waitFor([&] { return page() == "ai"; }));
+
+  // The service's first publish says Claude's status line is not set up.
+  Json connect;
+  ASSERT_TRUE(waitFor([&] {
+    connect = read({"--named", "Connect Claude Code"});
+    return connect.is_object();
+  })) << readFile(folder.path() / "service.err");
+  EXPECT_EQ(connect["role"], "push button");
+  const fs::path claudeSettings = folder.path() / "home/.claude/settings.json";
+  EXPECT_FALSE(fs::exists(claudeSettings));
+  ASSERT_FALSE(read({"--named", "Connect Claude Code", "--act"}).is_null());
+  EXPECT_TRUE(waitFor([&] {
+    return read({"--named", "Connected: figures arrive with Claude Code's next reply"}).is_object();
+  }));
+  const auto settings = Json::parse(readFile(claudeSettings), nullptr, false);
+  ASSERT_TRUE(settings.is_object()) << readFile(claudeSettings);
+  EXPECT_EQ(settings["statusLine"]["command"],
+            fs::path(KORVO_APP_BINARY).string() + " claude-statusline");
+  EXPECT_EQ(read({"--named", "Disconnect"}).value("role", ""), "push button");
+}
+
 }  // namespace
 }  // namespace korvo

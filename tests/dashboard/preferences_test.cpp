@@ -107,10 +107,9 @@ TEST_F(PreferencesTest, EachChangeOnTheWidgetsPageIsSavedToThePlacementsFile) {
   gtk_combo_box_set_active_id(GTK_COMBO_BOX(size), "medium");
   settle();
   ASSERT_TRUE(placements().is_array()) << testing_support::readFile(placementsFile());
-  EXPECT_EQ(kinds(), (std::vector<std::string>{"com.tessmoor.Korvo.memory",
-                                               "com.tessmoor.Korvo.awake",
-                                               "com.tessmoor.Korvo.usage",
-                                               "com.tessmoor.Korvo.temperature"}));
+  EXPECT_EQ(kinds(), (std::vector<std::string>{
+                         "com.tessmoor.Korvo.memory", "com.tessmoor.Korvo.awake",
+                         "com.tessmoor.Korvo.usage", "com.tessmoor.Korvo.temperature"}));
   EXPECT_EQ(placements()[0]["family"], "medium");
 
   gtk_combo_box_set_active_id(GTK_COMBO_BOX(controlNamed(page, "Keep Awake: place")),
@@ -129,8 +128,8 @@ TEST_F(PreferencesTest, EachChangeOnTheWidgetsPageIsSavedToThePlacementsFile) {
   EXPECT_EQ(controlNamed(page, "AI Usage: size"), nullptr) << "its row is gone";
 
   GtkWidget* add = firstWidget(page, [](GtkWidget* widget) {
-    return GTK_IS_BUTTON(widget) && g_strcmp0(gtk_button_get_label(GTK_BUTTON(widget)),
-                                              "_Add widget") == 0;
+    return GTK_IS_BUTTON(widget) &&
+           g_strcmp0(gtk_button_get_label(GTK_BUTTON(widget)), "_Add widget") == 0;
   });
   ASSERT_NE(add, nullptr);
   EXPECT_EQ(gtk_combo_box_get_active_id(GTK_COMBO_BOX(controlNamed(page, "Widget to add"))),
@@ -176,8 +175,8 @@ TEST_F(PreferencesTest, AFileTheHostChangedShowsOnThePageAndABadOneIsNeverOverwr
 
 TEST_F(PreferencesTest, StartAtLoginWritesTheUsersAutostartEntriesAndTakesThemAway) {
   ShownPage shown;
-  GtkWidget* login = firstWidget(shown.page.widget(),
-                                 [](GtkWidget* widget) { return GTK_IS_SWITCH(widget); });
+  GtkWidget* login =
+      firstWidget(shown.page.widget(), [](GtkWidget* widget) { return GTK_IS_SWITCH(widget); });
   ASSERT_NE(login, nullptr);
   EXPECT_FALSE(gtk_switch_get_active(GTK_SWITCH(login)));
   const fs::path autostart = world.home() / "config/autostart";
@@ -199,8 +198,8 @@ TEST_F(PreferencesTest, ConnectingClaudeChainsItsStatusLineAndDisconnectingPutsT
   ClaudeConnection connection;
   g_object_ref_sink(connection.widget());
   gtk_widget_show_all(connection.widget());
-  GtkWidget* button = firstWidget(connection.widget(),
-                                  [](GtkWidget* widget) { return GTK_IS_BUTTON(widget); });
+  GtkWidget* button =
+      firstWidget(connection.widget(), [](GtkWidget* widget) { return GTK_IS_BUTTON(widget); });
   ASSERT_NE(button, nullptr);
   EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(button)), "Connect Claude Code");
 
