@@ -148,6 +148,36 @@ TEST_F(DashboardAccessibility, TheUsageCardReadsWhatKorvoPublishes) {
   EXPECT_TRUE(reads("58")) << readCard("AI Usage").dump(1);
 }
 
+// A dark GTK theme chosen by name, with no dark preference anywhere, darkens the card with the
+// window around it.
+TEST_F(DashboardAccessibility, UnderADarkThemeTheCardIsDarkToo) {
+  environment["GTK_THEME"] = "Adwaita:dark";
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://memory"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "memory"; }))
+      << readFile(folder.path() / "service.err");
+  Json card;
+  ASSERT_TRUE(waitFor([&] {
+    card = readCard("Memory");
+    return card.is_object();
+  }));
+  const auto& bounds = card["bounds"];
+  const fs::path picture = folder.path() / "dark.png";
+  // Inside the card's left edge, clear of its rounded corners and its texts.
+  const int x = bounds["x"].get<int>() + 6;
+  const int y = bounds["y"].get<int>() + bounds["height"].get<int>() / 2;
+  std::string colour;
+  ASSERT_TRUE(waitFor([&] {
+    screenshot(server->display(), picture);
+    colour = pixel(picture, x, y);
+    return colour.size() == 6;
+  }));
+  const auto channel = [&](int at) { return std::stoi(colour.substr(at, 2), nullptr, 16); };
+  const double luminance = (0.2126 * channel(0) + 0.7152 * channel(2) + 0.0722 * channel(4)) / 255;
+  EXPECT_LT(luminance, 0.35) << colour << " at " << x << "," << y;
+}
+
 // The header bar's view switcher reads as the pages' titles in order and switches them; where
 // Claude has no figures the AI page offers to connect it, and says what happens next.
 TEST_F(DashboardAccessibility, TheSwitcherReadsThePageTitlesAndClaudeConnectsFromTheAiPage) {

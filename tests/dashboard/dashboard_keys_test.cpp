@@ -67,7 +67,8 @@ TEST_F(DashboardKeys, TheKeysSwitchPagesOpenThePreferencesAndCloseTheWindowsButN
       std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://ai"}, environment,
       folder.path() / "service.out", folder.path() / "service.err");
   ASSERT_TRUE(reaches("ai")) << errors();
-  ASSERT_TRUE(waitFor([&] { return visibleWindows(server->display(), dashboardTitle).size() == 1; }));
+  ASSERT_TRUE(
+      waitFor([&] { return visibleWindows(server->display(), dashboardTitle).size() == 1; }));
   pointAt(dashboardTitle);
 
   pressKey(server->display(), "alt+2");
@@ -81,9 +82,8 @@ TEST_F(DashboardKeys, TheKeysSwitchPagesOpenThePreferencesAndCloseTheWindowsButN
 
   pressKey(server->display(), "ctrl+comma");
   ASSERT_TRUE(reaches("awake", "monitors")) << dashboard().dump();
-  ASSERT_TRUE(waitFor([&] {
-    return visibleWindows(server->display(), "^Korvo Preferences$").size() == 1;
-  }));
+  ASSERT_TRUE(waitFor(
+      [&] { return visibleWindows(server->display(), "^Korvo Preferences$").size() == 1; }));
   pointAt("^Korvo Preferences$");
   pressKey(server->display(), "Escape");
   EXPECT_TRUE(reaches("awake")) << "Escape closes the preferences alone: " << dashboard().dump();
