@@ -5,6 +5,7 @@
 
 #include "app/settings_file.hpp"
 #include "dashboard/claude_connection.hpp"
+#include "dashboard/preferences_window.hpp"
 #include "dashboard/widgets_preferences.hpp"
 #include "support/desktop_harness.hpp"
 #include "support/korvo_process.hpp"
@@ -62,9 +63,9 @@ class PreferencesTest : public testing::Test {
     environment.set("GDK_BACKEND", "x11");
     environment.set("NO_AT_BRIDGE", "1");
     environment.set("GSETTINGS_BACKEND", "memory");
-    // No system-wide autostart entries or units but the test's own.
+    // No system-wide autostart entries but the test's own; the system's data for GTK's icons.
     environment.set("XDG_CONFIG_DIRS", (world.home() / "etc-xdg").string());
-    environment.set("XDG_DATA_DIRS", (world.home() / "usr-share").string());
+    environment.set("XDG_DATA_DIRS", "/usr/share");
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
   }
 
@@ -224,6 +225,50 @@ TEST_F(PreferencesTest, ConnectingClaudeChainsItsStatusLineAndDisconnectingPutsT
   EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(button)), "Connect Claude Code");
   gtk_widget_destroy(connection.widget());
   g_object_unref(connection.widget());
+}
+
+// Every control a page shows, the way a keyboard user reaches it: buttons, switches, choices and
+// spin buttons.
+void collectControls(GtkWidget* widget, std::vector<GtkWidget*>& found) {
+  if (!gtk_widget_get_visible(widget) || !gtk_widget_get_sensitive(widget)) return;
+  if (GTK_IS_BUTTON(widget) || GTK_IS_SWITCH(widget) || GTK_IS_COMBO_BOX(widget) ||
+      GTK_IS_SPIN_BUTTON(widget)) {
+    found.push_back(widget);
+    return;
+  }
+  if (!GTK_IS_CONTAINER(widget)) return;
+  GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+  for (GList* child = children; child != nullptr; child = child->next) {
+    collectControls(GTK_WIDGET(child->data), found);
+  }
+  g_list_free(children);
+}
+
+TEST_F(PreferencesTest, TabReachesEveryControlOfEveryPage) {
+  PreferencesWindow preferences(nullptr, nullptr);
+  for (const char* name : PreferencesWindow::pages) {
+    preferences.present(name);
+    settle();
+    GtkWindow* window = GTK_WINDOW(preferences.window());
+    GtkWidget* stack = gtk_bin_get_child(GTK_BIN(window));
+    std::vector<GtkWidget*> controls;
+    collectControls(gtk_stack_get_visible_child(GTK_STACK(stack)), controls);
+    ASSERT_FALSE(controls.empty()) << name;
+    std::vector<GtkWidget*> reached;
+    for (int press = 0; press < 200; ++press) {
+      g_signal_emit_by_name(window, "move-focus", GTK_DIR_TAB_FORWARD);
+      if (GtkWidget* focus = gtk_window_get_focus(window)) reached.push_back(focus);
+    }
+    for (GtkWidget* control : controls) {
+      const bool found = std::any_of(reached.begin(), reached.end(), [&](GtkWidget* focus) {
+        return focus == control || gtk_widget_is_ancestor(focus, control);
+      });
+      gchar* tooltip = gtk_widget_get_tooltip_text(control);
+      EXPECT_TRUE(found) << name << ": " << G_OBJECT_TYPE_NAME(control) << " "
+                         << (tooltip != nullptr ? tooltip : "");
+      g_free(tooltip);
+    }
+  }
 }
 
 }  // namespace
