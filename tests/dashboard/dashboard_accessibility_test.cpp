@@ -178,6 +178,56 @@ TEST_F(DashboardAccessibility, UnderADarkThemeTheCardIsDarkToo) {
   EXPECT_LT(luminance, 0.35) << colour << " at " << x << "," << y;
 }
 
+// The AI page's meters take the card's colour for Codex (teal), not the theme's blue; the Memory
+// page names the CPU sensor by its chip and label, never by a file.
+TEST_F(DashboardAccessibility, MetersTakeTheCardsColourAndTheSensorIsNamedByChipAndLabel) {
+  environment["CODEX_HOME"] = KORVO_FIXTURES_DIR "/codex";
+  environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/hwmon/coretemp_two_packages";
+  service = std::make_unique<Process>(
+      std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://ai"}, environment,
+      folder.path() / "service.out", folder.path() / "service.err");
+  ASSERT_TRUE(waitFor([&] { return page() == "ai"; })) << readFile(folder.path() / "service.err");
+  const auto read = [&](const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{"/usr/bin/python3", KORVO_A11Y_READER, "--application",
+                                     "com.tessmoor.Korvo"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const auto result = runCommand(command, reader);
+    return result.exitStatus == 0 ? Json::parse(result.output, nullptr, false) : Json();
+  };
+  Json meter;
+  ASSERT_TRUE(waitFor([&] {
+    meter = read({"--named", "Remaining"});
+    return meter.is_object() && meter["bounds"]["width"].get<int>() > 100;
+  })) << readFile(folder.path() / "service.err");
+  const fs::path picture = folder.path() / "meter.png";
+  const int x = meter["bounds"]["x"].get<int>() + 6;
+  const int y = meter["bounds"]["y"].get<int>() + meter["bounds"]["height"].get<int>() / 2;
+  std::string colour;
+  ASSERT_TRUE(waitFor([&] {
+    screenshot(server->display(), picture);
+    colour = pixel(picture, x, y);
+    return colour.size() == 6;
+  }));
+  const int teal[] = {0x59, 0xAD, 0xC4};
+  for (int channel = 0; channel < 3; ++channel) {
+    EXPECT_NEAR(std::stoi(colour.substr(static_cast<std::size_t>(channel) * 2, 2), nullptr, 16),
+                teal[channel], 24)
+        << colour << " at " << x << "," << y;
+  }
+
+  ASSERT_FALSE(read({"--named", "Memory", "--act"}).is_null());
+  ASSERT_TRUE(waitFor([&] { return page() == "memory"; }));
+  Json labels;
+  ASSERT_TRUE(waitFor([&] {
+    labels = read({"--role", "label"});
+    return labels.is_array() &&
+           std::find(labels.begin(), labels.end(), "coretemp · Package id 1") != labels.end();
+  })) << labels.dump();
+  for (const auto& text : labels) {
+    EXPECT_EQ(text.get<std::string>().find("/sys"), std::string::npos) << text;
+  }
+}
+
 // The header bar's view switcher reads as the pages' titles in order and switches them; where
 // Claude has no figures the AI page offers to connect it, and says what happens next.
 TEST_F(DashboardAccessibility, TheSwitcherReadsThePageTitlesAndClaudeConnectsFromTheAiPage) {
