@@ -229,8 +229,10 @@ TEST_F(DashboardAccessibility, MetersTakeTheCardsColourAndTheSensorIsNamedByChip
 }
 
 // The header bar's view switcher reads as the pages' titles in order and switches them; where
-// Claude has no figures the AI page offers to connect it, and says what happens next.
-TEST_F(DashboardAccessibility, TheSwitcherReadsThePageTitlesAndClaudeConnectsFromTheAiPage) {
+// Claude has no figures the AI page offers to connect it, and says what happens next; the menu
+// opens the preferences and quits.
+TEST_F(DashboardAccessibility,
+       TheSwitcherReadsThePageTitlesClaudeConnectsAndTheMenuOpensPreferences) {
   service = std::make_unique<Process>(
       std::vector<std::string>{KORVO_APP_BINARY, "open", "korvo://ai"}, environment,
       folder.path() / "service.out", folder.path() / "service.err");
@@ -271,6 +273,21 @@ TEST_F(DashboardAccessibility, TheSwitcherReadsThePageTitlesAndClaudeConnectsFro
   EXPECT_EQ(settings["statusLine"]["command"],
             fs::path(KORVO_APP_BINARY).string() + " claude-statusline");
   EXPECT_EQ(read({"--named", "Disconnect"}).value("role", ""), "push button");
+
+  // The header bar's menu: Preferences opens their window, Quit closes the dashboard's.
+  ASSERT_FALSE(read({"--named", "Main menu", "--act"}).is_null());
+  Json item;
+  ASSERT_TRUE(waitFor([&] {
+    item = read({"--named", "Preferences", "--act"});
+    return item.is_object();
+  }));
+  EXPECT_TRUE(waitFor([&] {
+    const auto state = Json::parse(readFile(folder.path() / "dashboard.json"), nullptr, false);
+    return state.is_object() && state["preferences"] == "monitors";
+  }));
+  ASSERT_FALSE(read({"--named", "Main menu", "--act"}).is_null());
+  ASSERT_TRUE(waitFor([&] { return read({"--named", "Quit", "--act"}).is_object(); }));
+  EXPECT_TRUE(waitFor([&] { return page().empty(); }));
 }
 
 }  // namespace
