@@ -64,7 +64,8 @@ GtkWidget* AiPage::meter(UsageProvider provider, double usedPercent) const {
   return bar;
 }
 
-AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
+AiPage::AiPage(const gtk::AppearanceWatch& appearance, std::function<void()> claudeChanged)
+    : claudeChanged_(std::move(claudeChanged)) {
   static const KorvoUsageWidget usage;
   static const WidgetConfiguration configuration = usage.body();
   GtkWidget* content = nullptr;
@@ -89,7 +90,7 @@ void AiPage::refresh() {
         provider == UsageProvider::claude && state.enabled && !state.snapshot;
     if (connectClaude) {
       // Its own line says what connecting does, and when connected, when the figures come.
-      claudeConnection_ = std::make_unique<ClaudeConnection>();
+      claudeConnection_ = std::make_unique<ClaudeConnection>(claudeChanged_);
       if (!claudeConnection_->connected()) {
         gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE,
                            FALSE, 0);

@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -20,7 +21,8 @@ namespace korvo {
 // usage page, and where Claude's figures are missing, "Connect Claude Code".
 class AiPage {
  public:
-  explicit AiPage(const gtk::AppearanceWatch& appearance);
+  // `claudeChanged` runs after Claude's status line was connected or disconnected.
+  AiPage(const gtk::AppearanceWatch& appearance, std::function<void()> claudeChanged);
   GtkWidget* widget() const { return page_; }
   // Reads the shared file again.
   void refresh();
@@ -32,6 +34,7 @@ class AiPage {
 
   GtkWidget* page_;
   GtkWidget* providers_;
+  std::function<void()> claudeChanged_;
   std::unique_ptr<ClaudeConnection> claudeConnection_;  // shown while Claude has no figures
   std::unique_ptr<WidgetCard> card_;
   std::vector<std::pair<GtkWidget*, UsageWindow>> countdowns_;

@@ -7,10 +7,11 @@
 
 namespace korvo {
 
-ClaudeConnection::ClaudeConnection()
+ClaudeConnection::ClaudeConnection(std::function<void()> changed)
     : box_(gtk_box_new(GTK_ORIENTATION_VERTICAL, 6)),
       line_(dashboard_widgets::label("", "dim-label")),
-      button_(gtk_button_new_with_label("")) {
+      button_(gtk_button_new_with_label("")),
+      changed_(std::move(changed)) {
   gtk_widget_set_halign(button_, GTK_ALIGN_START);
   // Shown only while it has something to say, whatever shows the page around it.
   gtk_widget_set_no_show_all(line_, TRUE);
@@ -46,6 +47,7 @@ void ClaudeConnection::pressed() {
     failure = error.what();
   }
   show();
+  if (changed_) changed_();
   if (!failure.empty()) {
     gtk_label_set_text(GTK_LABEL(line_), failure.c_str());
     gtk_widget_set_visible(line_, TRUE);

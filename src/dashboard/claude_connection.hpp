@@ -2,6 +2,8 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
+
 namespace korvo {
 
 // Claude Code's figures come from its status line: "Connect Claude Code" points that at korvo,
@@ -9,7 +11,8 @@ namespace korvo {
 // The widget is destroyed with its parent; this object must outlive it.
 class ClaudeConnection {
  public:
-  ClaudeConnection();
+  // `changed` runs after each connection or disconnection.
+  explicit ClaudeConnection(std::function<void()> changed = {});
   GtkWidget* widget() const { return box_; }
   // Reads Claude's settings again.
   void show();
@@ -20,6 +23,7 @@ class ClaudeConnection {
   GtkWidget* box_;
   GtkWidget* line_;
   GtkWidget* button_;
+  std::function<void()> changed_;
   bool connected_ = false;
 };
 

@@ -50,16 +50,17 @@ GtkWidget* menuButton() {
 }  // namespace
 
 DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwake,
-                                 std::function<void()> aiOpened)
+                                 std::function<void()> aiOpened,
+                                 const std::function<void()>& claudeChanged)
     : window_(application != nullptr ? gtk_application_window_new(application)
                                      : gtk_window_new(GTK_WINDOW_TOPLEVEL)),
       notice_(gtk_label_new("")),
       stack_(gtk_stack_new()),
       appearance_(std::nullopt, [this] { appearanceChanged(); }),
-      ai_(appearance_),
+      ai_(appearance_, claudeChanged),
       memory_(appearance_),
       awake_(keepAwake, current_),
-      preferences_(application, GTK_WINDOW(window_)),
+      preferences_(application, GTK_WINDOW(window_), claudeChanged),
       aiOpened_(std::move(aiOpened)) {
   gtk_window_set_title(GTK_WINDOW(window_), std::string(AppIdentity::applicationTitle).c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);

@@ -22,9 +22,10 @@ namespace korvo {
 // one timer a second advances the countdowns and the readings of the page in view.
 class DashboardWindow {
  public:
-  // `aiOpened` runs each time the AI tab comes into view.
-  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake,
-                  std::function<void()> aiOpened);
+  // `aiOpened` runs each time the AI tab comes into view; `claudeChanged` after Claude's status
+  // line was connected or disconnected.
+  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake, std::function<void()> aiOpened,
+                  const std::function<void()>& claudeChanged);
   ~DashboardWindow();
   DashboardWindow(const DashboardWindow&) = delete;
   DashboardWindow& operator=(const DashboardWindow&) = delete;

@@ -271,8 +271,10 @@ int HostApplication::open(const OpenDashboard& command, GApplicationCommandLine*
 
 DashboardWindow* HostApplication::dashboard() {
   if (!dashboard_) {
-    dashboard_ = std::make_unique<DashboardWindow>(GTK_APPLICATION(application_), *keepAwake_,
-                                                   [this] { publishing_->askCodexNow(); });
+    // Connecting Claude changes what the shared file says of it: publish at once.
+    dashboard_ = std::make_unique<DashboardWindow>(
+        GTK_APPLICATION(application_), *keepAwake_, [this] { publishing_->askCodexNow(); },
+        [this] { publishing_->publishNow(); });
   }
   return dashboard_.get();
 }

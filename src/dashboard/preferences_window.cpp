@@ -12,10 +12,12 @@ constexpr int windowHeight = 520;
 
 }  // namespace
 
-PreferencesWindow::PreferencesWindow(GtkApplication* application, GtkWindow* dashboard)
+PreferencesWindow::PreferencesWindow(GtkApplication* application, GtkWindow* dashboard,
+                                     std::function<void()> claudeChanged)
     : window_(application != nullptr ? gtk_application_window_new(application)
                                      : gtk_window_new(GTK_WINDOW_TOPLEVEL)),
-      stack_(gtk_stack_new()) {
+      stack_(gtk_stack_new()),
+      settings_(std::move(claudeChanged)) {
   gtk_window_set_title(GTK_WINDOW(window_), _("Korvo Preferences").c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);
   gtk_window_set_icon_name(GTK_WINDOW(window_), "com.tessmoor.Korvo");

@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <string>
 
 #include "app/settings.hpp"
@@ -18,7 +19,9 @@ class PreferencesWindow {
   // The page names present() takes, in the switcher's order.
   static constexpr const char* pages[] = {"monitors", "ai", "awake", "widgets"};
 
-  PreferencesWindow(GtkApplication* application, GtkWindow* dashboard);
+  // `claudeChanged` runs after Claude's status line was connected or disconnected.
+  PreferencesWindow(GtkApplication* application, GtkWindow* dashboard,
+                    std::function<void()> claudeChanged = {});
   ~PreferencesWindow();
   PreferencesWindow(const PreferencesWindow&) = delete;
   PreferencesWindow& operator=(const PreferencesWindow&) = delete;

@@ -50,7 +50,8 @@ GtkWidget* toggle(SettingsPage& page, SettingKey key) {
 
 }  // namespace
 
-SettingsPage::SettingsPage() {
+SettingsPage::SettingsPage(std::function<void()> claudeChanged)
+    : claudeConnection_(std::move(claudeChanged)) {
   GtkWidget* content = nullptr;
   monitors_ = scrolledPage(&content);
   temperature_ = row(content, _("CPU temperature"), toggle(*this, SettingKey::temperature));

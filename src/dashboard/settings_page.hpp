@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -17,7 +18,8 @@ namespace korvo {
 // republishes on the change).
 class SettingsPage {
  public:
-  SettingsPage();
+  // `claudeChanged` runs after Claude's status line was connected or disconnected.
+  explicit SettingsPage(std::function<void()> claudeChanged = {});
   GtkWidget* monitorsPage() const { return monitors_; }
   GtkWidget* aiPage() const { return ai_; }
   GtkWidget* awakePage() const { return awake_; }

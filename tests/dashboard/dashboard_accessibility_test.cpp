@@ -264,7 +264,10 @@ TEST_F(DashboardAccessibility,
   EXPECT_EQ(connect["role"], "push button");
   const fs::path claudeSettings = folder.path() / "home/.claude/settings.json";
   EXPECT_FALSE(fs::exists(claudeSettings));
-  ASSERT_FALSE(read({"--named", "Connect Claude Code", "--act"}).is_null());
+  // The page is built anew whenever korvo publishes: press the button the page shows now.
+  ASSERT_TRUE(waitFor([&] {
+    return read({"--named", "Connect Claude Code", "--act"}).is_object();
+  }));
   EXPECT_TRUE(waitFor([&] {
     return read({"--named", "Connected: figures arrive with Claude Code's next reply"}).is_object();
   }));
@@ -273,6 +276,14 @@ TEST_F(DashboardAccessibility,
   EXPECT_EQ(settings["statusLine"]["command"],
             fs::path(KORVO_APP_BINARY).string() + " claude-statusline");
   EXPECT_EQ(read({"--named", "Disconnect"}).value("role", ""), "push button");
+  // The service publishes at once, so the widgets no longer say the status line is not set up.
+  const fs::path shared =
+      folder.path() / "data/app-groups/group.com.tessmoor.Korvo/usage-snapshot.json";
+  EXPECT_TRUE(waitFor([&] {
+    const auto snapshot = Json::parse(readFile(shared), nullptr, false);
+    return snapshot.is_object() && snapshot["claude"].is_object() &&
+           snapshot["claude"].value("message", "") != "Claude status line not set up";
+  })) << readFile(shared);
 
   // The header bar's menu: Preferences opens their window, Quit closes the dashboard's.
   ASSERT_FALSE(read({"--named", "Main menu", "--act"}).is_null());

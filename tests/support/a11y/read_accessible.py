@@ -118,12 +118,16 @@ def main(arguments):
         if found is None:
             print(f"read_accessible: nothing named {options.named}", file=sys.stderr)
             return 1
+        # Read before acting: the action may take the object away.
+        described = element(found)
         if options.act:
-            if not actions(found):
+            if not described["actions"]:
                 print(f"read_accessible: no action on {options.named}", file=sys.stderr)
                 return 1
-            Atspi.Action.do_action(found, 0)
-        print(json.dumps(element(found), ensure_ascii=False))
+            if not Atspi.Action.do_action(found, 0):
+                print(f"read_accessible: {options.named} did not act", file=sys.stderr)
+                return 1
+        print(json.dumps(described, ensure_ascii=False))
         return 0
     if options.card:
         card = find_card(application, options.card)
