@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <vector>
 
 #include "app/codex_state_file.hpp"
 #include "app/usage_origin.hpp"
@@ -22,6 +24,35 @@ using namespace dashboard_widgets;
 
 int channel(double value) {
   return static_cast<int>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
+}
+
+// The buttons under `widget` in the order Tab reaches them.
+void collectButtons(GtkWidget* widget, std::vector<GtkWidget*>& buttons) {
+  if (GTK_IS_BUTTON(widget)) buttons.push_back(widget);
+  if (!GTK_IS_CONTAINER(widget)) return;
+  GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+  for (GList* child = children; child != nullptr; child = child->next) {
+    collectButtons(GTK_WIDGET(child->data), buttons);
+  }
+  g_list_free(children);
+}
+
+// Which of the buttons under `widget` has the keyboard focus, counted from the first.
+std::optional<std::size_t> focusedButton(GtkWidget* widget) {
+  GtkWidget* window = gtk_widget_get_toplevel(widget);
+  GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+  if (focus == nullptr || !gtk_widget_is_ancestor(focus, widget)) return std::nullopt;
+  std::vector<GtkWidget*> buttons;
+  collectButtons(widget, buttons);
+  const auto at = std::find(buttons.begin(), buttons.end(), focus);
+  if (at == buttons.end()) return std::nullopt;
+  return static_cast<std::size_t>(at - buttons.begin());
+}
+
+void focusButton(GtkWidget* widget, std::size_t index) {
+  std::vector<GtkWidget*> buttons;
+  collectButtons(widget, buttons);
+  if (!buttons.empty()) gtk_widget_grab_focus(buttons[std::min(index, buttons.size() - 1)]);
 }
 
 const UsageState& stateOf(const WidgetSnapshot& snapshot, UsageProvider provider) {
@@ -78,6 +109,8 @@ AiPage::AiPage(const gtk::AppearanceWatch& appearance, std::function<void()> cla
 
 void AiPage::refresh() {
   card_->refresh();
+  // The figures are built anew; a keyboard user's focus returns to the same button.
+  const auto focused = focusedButton(providers_);
   clear(providers_);
   claudeConnection_.reset();
   countdowns_.clear();
@@ -136,6 +169,7 @@ void AiPage::refresh() {
     gtk_box_pack_start(GTK_BOX(providers_), button, FALSE, FALSE, 0);
   }
   gtk_widget_show_all(providers_);
+  if (focused) focusButton(providers_, *focused);
 }
 
 void AiPage::tick() {

@@ -13,6 +13,8 @@ void closeOnKeys(GtkWindow* window) {
                          ((event->keyval == GDK_KEY_w || event->keyval == GDK_KEY_W) &&
                           modifiers == GDK_CONTROL_MASK);
                      if (!close) return FALSE;
+                     // An open popover (the header bar's menu) takes its Escape first.
+                     if (gtk_window_propagate_key_event(GTK_WINDOW(widget), event)) return TRUE;
                      gtk_window_close(GTK_WINDOW(widget));
                      return TRUE;
                    }),
