@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "app/claude_settings_file.hpp"
-#include "app/start_at_login.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
 #include "desktop/core/placement_edit.hpp"
@@ -98,31 +96,13 @@ std::vector<std::string> monitorNames() {
 }  // namespace
 
 WidgetsPreferences::WidgetsPreferences()
-    : login_(gtk_switch_new()),
-      grid_(gtk_grid_new()),
+    : grid_(gtk_grid_new()),
       addBox_(gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6)),
       message_(label("", "dim-label")),
       file_(desktop::placementsPath(std::getenv("XDG_CONFIG_HOME"), std::getenv("HOME"))) {
   GtkWidget* content = nullptr;
   page_ = scrolledPage(&content);
-  GtkWidget* loginRow = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
-  GtkWidget* loginText = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
-  GtkWidget* loginTitle = label(_("Start at login"));
-  gtk_box_pack_start(GTK_BOX(loginText), loginTitle, FALSE, FALSE, 0);
-  gtk_box_pack_start(
-      GTK_BOX(loginText),
-      label(_("Korvo's service and the desktop widgets start when you log in."), "dim-label"),
-      FALSE, FALSE, 0);
-  gtk_box_pack_start(GTK_BOX(loginRow), loginText, TRUE, TRUE, 0);
-  gtk_widget_set_valign(login_, GTK_ALIGN_CENTER);
-  atk_object_set_name(gtk_widget_get_accessible(login_), _("Start at login").c_str());
-  gtk_box_pack_end(GTK_BOX(loginRow), login_, FALSE, FALSE, 0);
-  g_signal_connect(login_, "notify::active",
-                   G_CALLBACK(+[](GObject* control, GParamSpec*, gpointer data) {
-                     pageOf(data).startAtLogin(gtk_switch_get_active(GTK_SWITCH(control)) != FALSE);
-                   }),
-                   this);
-  gtk_box_pack_start(GTK_BOX(content), loginRow, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(content), login_.widget(), FALSE, FALSE, 0);
 
   gtk_box_pack_start(GTK_BOX(content), heading(_("On the desktop")), FALSE, FALSE, 0);
   gtk_grid_set_column_spacing(GTK_GRID(grid_), 6);
@@ -140,15 +120,7 @@ WidgetsPreferences::~WidgetsPreferences() {
 }
 
 void WidgetsPreferences::reload() {
-  showing_ = true;
-  try {
-    const auto places =
-        start_at_login::placesFromEnvironment(claude_settings_file::korvoExecutable());
-    gtk_switch_set_active(GTK_SWITCH(login_), gtk::glibBool(start_at_login::enabled(places)));
-  } catch (const std::exception&) {
-    gtk_widget_set_sensitive(login_, FALSE);
-  }
-  showing_ = false;
+  login_.show();
   usable_ = false;
   placements_.clear();
   std::string message;
@@ -310,7 +282,7 @@ void WidgetsPreferences::show(std::optional<std::size_t> focusRow, int focusColu
 
 void WidgetsPreferences::save(std::vector<Placement> placements,
                               std::optional<std::size_t> focusRow, int focusColumn) {
-  if (!usable_ || !file_ || showing_) return;
+  if (!usable_ || !file_) return;
   if (const auto failure = desktop::savePlacementsFile(*file_, placements)) {
     gtk_label_set_text(GTK_LABEL(message_), failure->c_str());
     gtk_widget_set_visible(message_, TRUE);
@@ -395,18 +367,6 @@ void WidgetsPreferences::add(const char* kind) {
   }
   const std::size_t added = placements.size() - 1;
   save(std::move(placements), added, sizeColumn);
-}
-
-void WidgetsPreferences::startAtLogin(bool on) {
-  if (showing_) return;
-  try {
-    start_at_login::set(
-        start_at_login::placesFromEnvironment(claude_settings_file::korvoExecutable()), on);
-    gtk_widget_hide(message_);
-  } catch (const std::exception& error) {
-    gtk_label_set_text(GTK_LABEL(message_), error.what());
-    gtk_widget_set_visible(message_, TRUE);
-  }
 }
 
 }  // namespace korvo

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "dashboard/start_at_login_row.hpp"
 #include "desktop/core/placement.hpp"
 #include "desktop/core/placement_file.hpp"
 #include "gtk/file_watch.hpp"
@@ -35,7 +36,6 @@ class WidgetsPreferences {
   void move(std::size_t row, int by);
   void remove(std::size_t row);
   void add(const char* kind);
-  void startAtLogin(bool on);
 
  private:
   void save(std::vector<desktop::Placement> placements, std::optional<std::size_t> focusRow,
@@ -44,7 +44,7 @@ class WidgetsPreferences {
   void fileChanged();
 
   GtkWidget* page_;
-  GtkWidget* login_;
+  StartAtLoginRow login_;
   GtkWidget* grid_;
   GtkWidget* addBox_;
   GtkWidget* message_;
@@ -52,8 +52,7 @@ class WidgetsPreferences {
   std::optional<desktop::FileStamp> written_;  // the file as this page last wrote it
   std::vector<desktop::Placement> placements_;
   bool usable_ = false;  // the file read (or is missing); a bad one is never overwritten
-  bool showing_ = false;
-  unsigned later_ = 0;  // the rebuild after a change, while one is due
+  unsigned later_ = 0;   // the rebuild after a change, while one is due
   std::optional<gtk::FileWatch> watch_;
 };
 
