@@ -36,7 +36,7 @@ std::string noSpan(Date, Date) {
 // date text is empty rather than the program failing.
 const DateTextFunctions& functions() {
   static const DateTextFunctions* loaded = [] {
-    static constexpr DateTextFunctions none{noText, noText, noSpan};
+    static constexpr DateTextFunctions none{noText, noText, noSpan, noText};
     void* entry = loadModuleEntry(KORVO_DATE_TEXT_MODULE_INSTALLED, KORVO_DATE_TEXT_MODULE_BUILT,
                                   dateTextEntryPoint);
     return entry == nullptr ? &none : reinterpret_cast<DateTextEntryPoint>(entry)();
@@ -88,6 +88,13 @@ Date nextRelativeSpanChange(Date dataMoment, Date now) {
 std::string shortTimeOrDateTime(Date moment, Date now) {
   const auto day = localDay(moment);
   return day && day == localDay(now) ? shortTime(moment) : abbreviatedDateShortTime(moment);
+}
+
+std::string dateTimeWithinYear(Date moment, Date now) {
+  const auto day = localDay(moment);
+  const auto today = localDay(now);
+  const bool sameYear = day && today && std::get<0>(*day) == std::get<0>(*today);
+  return sameYear ? functions().monthDayShortTime(moment) : abbreviatedDateShortTime(moment);
 }
 
 }  // namespace korvo

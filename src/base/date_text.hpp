@@ -16,6 +16,9 @@ std::string abbreviatedDateShortTime(Date moment);
 // The time of day alone when `moment` falls on the same day as `now` in the local time zone, else
 // the date and time, so an end tomorrow or years away is not taken for one today.
 std::string shortTimeOrDateTime(Date moment, Date now);
+// The date and time without the year when `moment` falls in the same local year as `now`
+// ("Nov 15, 1:44 AM"), else with it ("Jan 3, 2027, 9:00 AM").
+std::string dateTimeWithinYear(Date moment, Date now);
 
 // The age of `dataMoment` at `now` as a short measure: "12 sec", "5 min", "2 hr, 5 min", "2 hr",
 // "3 days, 4 hr". A negative age is shown by its magnitude; a non-finite one gives "".

@@ -58,6 +58,15 @@ std::string abbreviatedDateShortTime(Date moment) {
   return formatWith(format.get(), moment);
 }
 
+std::string monthDayShortTime(Date moment) {
+  UErrorCode status = U_ZERO_ERROR;
+  // The locale's own order and punctuation for a month, a day and a time of day.
+  std::unique_ptr<icu::DateFormat> format(
+      icu::DateFormat::createInstanceForSkeleton("MMMdjmm", icu::Locale::getDefault(), status));
+  if (U_FAILURE(status)) return {};
+  return formatWith(format.get(), moment);
+}
+
 enum class SpanUnit { second, minute, hour, day };
 
 icu::MeasureUnit measureUnit(SpanUnit unit) {
@@ -158,6 +167,7 @@ std::string relativeSpan(Date dataMoment, Date now) {
 extern "C" __attribute__((visibility("default"))) const korvo::DateTextFunctions*
 korvo_date_text_functions() {
   static constexpr korvo::DateTextFunctions functions{
-      korvo::shortTime, korvo::abbreviatedDateShortTime, korvo::relativeSpan};
+      korvo::shortTime, korvo::abbreviatedDateShortTime, korvo::relativeSpan,
+      korvo::monthDayShortTime};
   return &functions;
 }

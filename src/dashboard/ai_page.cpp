@@ -1,20 +1,59 @@
 #include "dashboard/ai_page.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
+#include <vector>
 
 #include "app/codex_state_file.hpp"
 #include "app/usage_origin.hpp"
+#include "base/c_format.hpp"
 #include "base/clock.hpp"
+#include "base/date_text.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
 #include "extension/korvo_widgets.hpp"
 #include "shared/usage_provider.hpp"
 #include "shared/widget_snapshot_store.hpp"
+#include "views/monitor/usage_windows.hpp"
 
 namespace korvo {
 namespace {
 
 using namespace dashboard_widgets;
+
+int channel(double value) {
+  return static_cast<int>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
+}
+
+// The buttons under `widget` in the order Tab reaches them.
+void collectButtons(GtkWidget* widget, std::vector<GtkWidget*>& buttons) {
+  if (GTK_IS_BUTTON(widget)) buttons.push_back(widget);
+  if (!GTK_IS_CONTAINER(widget)) return;
+  GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+  for (GList* child = children; child != nullptr; child = child->next) {
+    collectButtons(GTK_WIDGET(child->data), buttons);
+  }
+  g_list_free(children);
+}
+
+// Which of the buttons under `widget` has the keyboard focus, counted from the first.
+std::optional<std::size_t> focusedButton(GtkWidget* widget) {
+  GtkWidget* window = gtk_widget_get_toplevel(widget);
+  GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+  if (focus == nullptr || !gtk_widget_is_ancestor(focus, widget)) return std::nullopt;
+  std::vector<GtkWidget*> buttons;
+  collectButtons(widget, buttons);
+  const auto at = std::find(buttons.begin(), buttons.end(), focus);
+  if (at == buttons.end()) return std::nullopt;
+  return static_cast<std::size_t>(at - buttons.begin());
+}
+
+void focusButton(GtkWidget* widget, std::size_t index) {
+  std::vector<GtkWidget*> buttons;
+  collectButtons(widget, buttons);
+  if (!buttons.empty()) gtk_widget_grab_focus(buttons[std::min(index, buttons.size() - 1)]);
+}
 
 const UsageState& stateOf(const WidgetSnapshot& snapshot, UsageProvider provider) {
   return provider == UsageProvider::codex ? snapshot.codex : snapshot.claude;
@@ -29,7 +68,35 @@ void openPage(GtkButton* button, gpointer) {
 
 }  // namespace
 
-AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
+// A meter of the remaining share in the provider's colour on the card, as the card's scheme
+// gives it, with none of the theme's low and high levels.
+GtkWidget* AiPage::meter(UsageProvider provider, double usedPercent) const {
+  GtkWidget* bar = gtk_level_bar_new_for_interval(0, 100);
+  for (const char* level :
+       {GTK_LEVEL_BAR_OFFSET_LOW, GTK_LEVEL_BAR_OFFSET_HIGH, GTK_LEVEL_BAR_OFFSET_FULL}) {
+    gtk_level_bar_remove_offset_value(GTK_LEVEL_BAR(bar), level);
+  }
+  gtk_level_bar_set_value(GTK_LEVEL_BAR(bar), std::clamp(100 - usedPercent, 0.0, 100.0));
+  ui::Environment environment;
+  environment.colorScheme = card_->scheme();
+  const ui::Color tint = UsageWindows::tint(provider, environment.palette());
+  const std::string css = cFormat(
+      "levelbar block { min-height: 6px; } levelbar block.filled { background-color: "
+      "rgb(%d,%d,%d); "
+      "border-color: rgb(%d,%d,%d); }",
+      channel(tint.red), channel(tint.green), channel(tint.blue), channel(tint.red),
+      channel(tint.green), channel(tint.blue));
+  GtkCssProvider* style = gtk_css_provider_new();
+  gtk_css_provider_load_from_data(style, css.c_str(), -1, nullptr);
+  gtk_style_context_add_provider(gtk_widget_get_style_context(bar), GTK_STYLE_PROVIDER(style),
+                                 GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  g_object_unref(style);
+  atk_object_set_name(gtk_widget_get_accessible(bar), _("Remaining").c_str());
+  return bar;
+}
+
+AiPage::AiPage(const gtk::AppearanceWatch& appearance, std::function<void()> claudeChanged)
+    : claudeChanged_(std::move(claudeChanged)) {
   static const KorvoUsageWidget usage;
   static const WidgetConfiguration configuration = usage.body();
   GtkWidget* content = nullptr;
@@ -42,14 +109,27 @@ AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
 
 void AiPage::refresh() {
   card_->refresh();
+  // The figures are built anew; a keyboard user's focus returns to the same button.
+  const auto focused = focusedButton(providers_);
   clear(providers_);
+  claudeConnection_.reset();
   countdowns_.clear();
   origins_.clear();
   const auto snapshot = WidgetSnapshotStore::load(WidgetSnapshotStore::fileURL());
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = snapshot ? stateOf(*snapshot, provider) : UsageState{};
     gtk_box_pack_start(GTK_BOX(providers_), heading(displayName(provider)), FALSE, FALSE, 0);
-    if (!state.enabled || !state.snapshot) {
+    const bool connectClaude =
+        provider == UsageProvider::claude && state.enabled && !state.snapshot;
+    if (connectClaude) {
+      // Its own line says what connecting does, and when connected, when the figures come.
+      claudeConnection_ = std::make_unique<ClaudeConnection>(claudeChanged_);
+      if (!claudeConnection_->connected()) {
+        gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE,
+                           FALSE, 0);
+      }
+      gtk_box_pack_start(GTK_BOX(providers_), claudeConnection_->widget(), FALSE, FALSE, 0);
+    } else if (!state.enabled || !state.snapshot) {
       gtk_box_pack_start(GTK_BOX(providers_), label(state.statusText(), "dim-label"), FALSE, FALSE,
                          0);
     } else {
@@ -60,14 +140,18 @@ void AiPage::refresh() {
       origins_.emplace_back(origin, *state.snapshot);
       for (const UsageWindow& window : state.snapshot->windows) {
         gtk_box_pack_start(GTK_BOX(providers_), label(window.remainingSummary()), FALSE, FALSE, 0);
-        GtkWidget* meter = gtk_level_bar_new_for_interval(0, 100);
-        gtk_level_bar_set_value(GTK_LEVEL_BAR(meter),
-                                std::clamp(100 - window.usedPercent, 0.0, 100.0));
-        gtk_box_pack_start(GTK_BOX(providers_), meter, FALSE, FALSE, 0);
-        gtk_box_pack_start(GTK_BOX(providers_), label(window.resetText(), "dim-label"), FALSE,
-                           FALSE, 0);
+        gtk_box_pack_start(GTK_BOX(providers_), meter(provider, window.usedPercent), FALSE, FALSE,
+                           0);
+        // The reset moment and its countdown share one line.
+        GtkWidget* reset = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
+        const std::string moment =
+            window.resetsAt ? _("Resets ") + dateTimeWithinYear(*window.resetsAt, clock::now())
+                            : window.resetText();
+        gtk_box_pack_start(GTK_BOX(reset), label(moment, "dim-label"), TRUE, TRUE, 0);
         GtkWidget* countdown = label(window.resetCountdown(clock::now()), "dim-label");
-        gtk_box_pack_start(GTK_BOX(providers_), countdown, FALSE, FALSE, 0);
+        gtk_label_set_xalign(GTK_LABEL(countdown), 1);
+        gtk_box_pack_end(GTK_BOX(reset), countdown, FALSE, FALSE, 0);
+        gtk_box_pack_start(GTK_BOX(providers_), reset, FALSE, FALSE, 0);
         countdowns_.emplace_back(countdown, window);
       }
       if (provider == UsageProvider::codex) {
@@ -85,6 +169,7 @@ void AiPage::refresh() {
     gtk_box_pack_start(GTK_BOX(providers_), button, FALSE, FALSE, 0);
   }
   gtk_widget_show_all(providers_);
+  if (focused) focusButton(providers_, *focused);
 }
 
 void AiPage::tick() {

@@ -7,6 +7,7 @@
 
 #include "app/settings_file.hpp"
 #include "base/text.hpp"
+#include "dashboard/window_keys.hpp"
 #include "gtk/glib_bool.hpp"
 #include "shared/app_identity.hpp"
 #include "shared/widget_snapshot_store.hpp"
@@ -16,47 +17,74 @@ namespace {
 
 // The widest the notice asks to be, in characters; longer texts are ellipsized.
 constexpr int noticeWidthChars = 60;
-
-}  // namespace
-namespace {
-
-constexpr const char* settingsPage = "settings";
 // Room for the medium card and the figures below it, points.
 constexpr int windowWidth = 520;
 constexpr int windowHeight = 640;
 
+// The header bar's menu: Preferences, About and Quit, with their keys shown.
+GtkWidget* menuButton() {
+  GMenu* menu = g_menu_new();
+  GMenu* first = g_menu_new();
+  GMenuItem* preferences = g_menu_item_new(_("_Preferences").c_str(), nullptr);
+  g_menu_item_set_action_and_target_value(preferences, "app.preferences",
+                                          g_variant_new_string("monitors"));
+  g_menu_append_item(first, preferences);
+  g_object_unref(preferences);
+  g_menu_append_section(menu, nullptr, G_MENU_MODEL(first));
+  GMenu* last = g_menu_new();
+  g_menu_append(last, _("_About Korvo").c_str(), "app.about");
+  g_menu_append(last, _("_Quit").c_str(), "app.close");
+  g_menu_append_section(menu, nullptr, G_MENU_MODEL(last));
+  g_object_unref(first);
+  g_object_unref(last);
+  GtkWidget* button = gtk_menu_button_new();
+  gtk_menu_button_set_menu_model(GTK_MENU_BUTTON(button), G_MENU_MODEL(menu));
+  g_object_unref(menu);
+  gtk_button_set_image(GTK_BUTTON(button),
+                       gtk_image_new_from_icon_name("open-menu-symbolic", GTK_ICON_SIZE_BUTTON));
+  atk_object_set_name(gtk_widget_get_accessible(button), _("Main menu").c_str());
+  gtk_widget_set_tooltip_text(button, _("Main menu").c_str());
+  return button;
+}
+
 }  // namespace
 
 DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwake,
-                                 std::function<void()> aiOpened)
+                                 std::function<void()> aiOpened,
+                                 const std::function<void()>& claudeChanged)
     : window_(application != nullptr ? gtk_application_window_new(application)
                                      : gtk_window_new(GTK_WINDOW_TOPLEVEL)),
       notice_(gtk_label_new("")),
       stack_(gtk_stack_new()),
       appearance_(std::nullopt, [this] { appearanceChanged(); }),
-      ai_(appearance_),
+      ai_(appearance_, claudeChanged),
       memory_(appearance_),
       awake_(keepAwake, current_),
+      preferences_(application, GTK_WINDOW(window_), claudeChanged),
       aiOpened_(std::move(aiOpened)) {
   gtk_window_set_title(GTK_WINDOW(window_), std::string(AppIdentity::applicationTitle).c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);
   gtk_window_set_icon_name(GTK_WINDOW(window_), "com.tessmoor.Korvo");
   appearanceChanged();
 
-  gtk_stack_add_titled(GTK_STACK(stack_), ai_.widget(),
-                       std::string(rawValue(DashboardTab::ai)).c_str(),
-                       shortTitle(DashboardTab::ai).c_str());
-  gtk_stack_add_titled(GTK_STACK(stack_), memory_.widget(),
-                       std::string(rawValue(DashboardTab::memory)).c_str(),
-                       shortTitle(DashboardTab::memory).c_str());
-  gtk_stack_add_titled(GTK_STACK(stack_), awake_.widget(),
-                       std::string(rawValue(DashboardTab::awake)).c_str(),
-                       shortTitle(DashboardTab::awake).c_str());
-  gtk_stack_add_titled(GTK_STACK(stack_), settings_.widget(), settingsPage, _("Settings").c_str());
+  GtkWidget* pages[] = {ai_.widget(), memory_.widget(), awake_.widget()};
+  for (const DashboardTab tab : allCases<DashboardTab>()) {
+    gtk_stack_add_titled(GTK_STACK(stack_), pages[static_cast<int>(tab)],
+                         std::string(rawValue(tab)).c_str(), title(tab).c_str());
+  }
+  GtkWidget* header = gtk_header_bar_new();
+  gtk_header_bar_set_show_close_button(GTK_HEADER_BAR(header), TRUE);
+  // The window takes its title from its header bar's, which the switcher covers.
+  gtk_header_bar_set_title(GTK_HEADER_BAR(header),
+                           std::string(AppIdentity::applicationTitle).c_str());
   GtkWidget* switcher = gtk_stack_switcher_new();
   gtk_stack_switcher_set_stack(GTK_STACK_SWITCHER(switcher), GTK_STACK(stack_));
-  gtk_widget_set_halign(switcher, GTK_ALIGN_CENTER);
-  g_object_set(switcher, "margin", 8, nullptr);
+  gtk_header_bar_set_custom_title(GTK_HEADER_BAR(header), switcher);
+  gtk_header_bar_pack_end(GTK_HEADER_BAR(header), menuButton());
+  gtk_window_set_titlebar(GTK_WINDOW(window_), header);
+  gtk_widget_show_all(header);
+  window_keys::closeOnKeys(GTK_WINDOW(window_));
+  window_keys::switchPagesOnKeys(GTK_WINDOW(window_), GTK_STACK(stack_));
 
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
   // The notice quotes a link any web page can send: its length must not size the window, so it
@@ -64,7 +92,6 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
   gtk_label_set_ellipsize(GTK_LABEL(notice_), PANGO_ELLIPSIZE_MIDDLE);
   gtk_label_set_max_width_chars(GTK_LABEL(notice_), noticeWidthChars);
   g_object_set(notice_, "margin", 8, nullptr);
-  gtk_box_pack_start(GTK_BOX(box), switcher, FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(box), notice_, FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(box), stack_, TRUE, TRUE, 0);
   gtk_container_add(GTK_CONTAINER(window_), box);
@@ -81,6 +108,11 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
                      static_cast<DashboardWindow*>(self)->unmapped();
                    }),
                    this);
+  for (const char* change : {"map", "unmap"}) {
+    g_signal_connect_swapped(
+        preferences_.window(), change,
+        G_CALLBACK(+[](gpointer self) { static_cast<DashboardWindow*>(self)->dump(); }), this);
+  }
   g_signal_connect_swapped(
       stack_, "notify::visible-child",
       G_CALLBACK(+[](gpointer self) { static_cast<DashboardWindow*>(self)->pageChanged(); }), this);
@@ -100,6 +132,7 @@ DashboardWindow::~DashboardWindow() {
   // Destroying unmaps: nothing of this object may run from here on.
   g_signal_handlers_disconnect_by_data(window_, this);
   g_signal_handlers_disconnect_by_data(stack_, this);
+  g_signal_handlers_disconnect_by_data(preferences_.window(), this);
   if (ticker_ != 0) g_source_remove(ticker_);
   gtk_widget_destroy(window_);
 }
@@ -111,9 +144,14 @@ void DashboardWindow::present(const DashboardDestination& destination) {
   show(std::string(rawValue(destination.tab)).c_str());
 }
 
-void DashboardWindow::presentSettings() {
-  gtk_widget_hide(notice_);
-  show(settingsPage);
+void DashboardWindow::presentPreferences(const std::string& page) {
+  preferences_.present(page);
+  dump();
+}
+
+void DashboardWindow::close() {
+  gtk_window_close(GTK_WINDOW(preferences_.window()));
+  gtk_window_close(GTK_WINDOW(window_));
 }
 
 void DashboardWindow::show(const char* page) {
@@ -138,6 +176,7 @@ void DashboardWindow::mapped() {
 
 void DashboardWindow::unmapped() {
   mapped_ = false;
+  dump();
   if (ticker_ != 0) g_source_remove(ticker_);
   ticker_ = 0;
 }
@@ -173,7 +212,7 @@ void DashboardWindow::reloadShared() {
 
 void DashboardWindow::reloadSettings() {
   current_ = settings_file::load(std::cerr);
-  settings_.show(current_);
+  preferences_.show(current_);
   awake_.refresh();
   if (mapped_) memory_.refresh(current_.memoryDisplayMode);
 }
@@ -189,6 +228,8 @@ void DashboardWindow::appearanceChanged() {
     if (prefersDark != dark)
       g_object_set(settings, "gtk-application-prefer-dark-theme", dark, nullptr);
   }
+  // The meters take the cards' colours of the scheme now in force.
+  ai_.refresh();
   gtk_widget_queue_draw(window_);
 }
 
@@ -204,6 +245,9 @@ void DashboardWindow::dump() const {
                            ? nlohmann::ordered_json(gtk_label_get_text(GTK_LABEL(notice_)))
                            : nlohmann::ordered_json(nullptr);
   document["mapped"] = mapped_;
+  document["preferences"] = gtk_widget_get_mapped(preferences_.window())
+                                ? nlohmann::ordered_json(preferences_.page())
+                                : nlohmann::ordered_json(nullptr);
   const std::string temporary = std::string(file) + ".tmp";
   std::ofstream(temporary, std::ios::trunc) << document.dump() << '\n';
   std::rename(temporary.c_str(), file);

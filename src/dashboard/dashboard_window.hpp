@@ -10,28 +10,32 @@
 #include "dashboard/ai_page.hpp"
 #include "dashboard/awake_page.hpp"
 #include "dashboard/memory_page.hpp"
-#include "dashboard/settings_page.hpp"
+#include "dashboard/preferences_window.hpp"
 #include "gtk/appearance.hpp"
 #include "gtk/file_watch.hpp"
 
 namespace korvo {
 
-// The one dashboard window: the tabs in DashboardTab order ("AI", "Mem", "Awake") and the
-// settings page. Closing it hides it, so every link reuses the same window. While it is mapped
-// one timer a second advances the countdowns and the readings of the tab in view.
+// The one dashboard window: a header bar switching the pages in DashboardTab order by their
+// titles, with the menu (Preferences, About, Quit), and the preferences window beside it.
+// Closing it (Escape, Ctrl+W) hides it, so every link reuses the same window. While it is mapped
+// one timer a second advances the countdowns and the readings of the page in view.
 class DashboardWindow {
  public:
-  // `aiOpened` runs each time the AI tab comes into view.
-  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake,
-                  std::function<void()> aiOpened);
+  // `aiOpened` runs each time the AI tab comes into view; `claudeChanged` after Claude's status
+  // line was connected or disconnected.
+  DashboardWindow(GtkApplication* application, KeepAwake& keepAwake, std::function<void()> aiOpened,
+                  const std::function<void()>& claudeChanged);
   ~DashboardWindow();
   DashboardWindow(const DashboardWindow&) = delete;
   DashboardWindow& operator=(const DashboardWindow&) = delete;
 
   // Shows the window at the destination's tab, with its notice when it has one.
   void present(const DashboardDestination& destination);
-  // Shows the window at the settings page.
-  void presentSettings();
+  // Shows the preferences window at `page` ("monitors", "ai", "awake", "widgets").
+  void presentPreferences(const std::string& page);
+  // Hides both windows; the service goes on.
+  void close();
   // The Keep Awake session changed.
   void awakeChanged();
 
@@ -54,7 +58,7 @@ class DashboardWindow {
   AiPage ai_;
   MemoryPage memory_;
   AwakePage awake_;
-  SettingsPage settings_;
+  PreferencesWindow preferences_;
   Settings current_;
   std::optional<gtk::FileWatch> sharedWatch_;
   std::optional<gtk::FileWatch> settingsWatch_;

@@ -145,7 +145,8 @@ void HostApplication::startup() {
       },
       [this](AwakeDuration duration) { told(keepAwake_->start(duration)); },
       [this] { told(keepAwake_->stop()); }, [this](bool on) { watchAgents(on); },
-      [this] { dashboard()->presentSettings(); }, [this] { quitFromMenu(); }});
+      [this] { dashboard()->presentPreferences("monitors"); }, [this] { quitFromMenu(); }});
+  addActions();
   showAwake();
   showFigure();
   figureTimer_ = g_timeout_add_seconds(
@@ -155,6 +156,47 @@ void HostApplication::startup() {
         return G_SOURCE_CONTINUE;
       },
       this);
+}
+
+// The actions of the dashboard's menu and keys, which other programs may also ask for over
+// D-Bus: `preferences` with the page to show ("widgets" from the desktop widgets' menu).
+void HostApplication::addActions() {
+  GSimpleAction* preferences = g_simple_action_new("preferences", G_VARIANT_TYPE_STRING);
+  g_signal_connect(
+      preferences, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant* page, gpointer self) {
+        hostOf(self).dashboard()->presentPreferences(g_variant_get_string(page, nullptr));
+      }),
+      this);
+  GSimpleAction* about = g_simple_action_new("about", nullptr);
+  g_signal_connect(about, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer self) {
+                     hostOf(self).showAbout();
+                   }),
+                   this);
+  // Quit closes the windows only: the service keeps publishing for the widgets.
+  GSimpleAction* close = g_simple_action_new("close", nullptr);
+  g_signal_connect(close, "activate", G_CALLBACK(+[](GSimpleAction*, GVariant*, gpointer self) {
+                     if (hostOf(self).dashboard_) hostOf(self).dashboard_->close();
+                   }),
+                   this);
+  for (GSimpleAction* action : {preferences, about, close}) {
+    g_action_map_add_action(G_ACTION_MAP(application_), G_ACTION(action));
+    g_object_unref(action);
+  }
+  GtkApplication* gtkApplication = GTK_APPLICATION(application_);
+  const char* preferencesKeys[] = {"<Primary>comma", nullptr};
+  gtk_application_set_accels_for_action(gtkApplication, "app.preferences::monitors",
+                                        preferencesKeys);
+  const char* closeKeys[] = {"<Primary>q", nullptr};
+  gtk_application_set_accels_for_action(gtkApplication, "app.close", closeKeys);
+}
+
+void HostApplication::showAbout() {
+  GtkWindow* parent = gtk_application_get_active_window(GTK_APPLICATION(application_));
+  gtk_show_about_dialog(parent, "program-name", "Korvo", "version", KORVO_VERSION, "comments",
+                        _("Resources, AI usage & Keep Awake: the dashboard behind the Korvo "
+                          "widgets")
+                            .c_str(),
+                        "logo-icon-name", "com.tessmoor.Korvo", nullptr);
 }
 
 void HostApplication::quit() {
@@ -242,8 +284,10 @@ int HostApplication::open(const OpenDashboard& command, GApplicationCommandLine*
 
 DashboardWindow* HostApplication::dashboard() {
   if (!dashboard_) {
-    dashboard_ = std::make_unique<DashboardWindow>(GTK_APPLICATION(application_), *keepAwake_,
-                                                   [this] { publishing_->askCodexNow(); });
+    // Connecting Claude changes what the shared file says of it: publish at once.
+    dashboard_ = std::make_unique<DashboardWindow>(
+        GTK_APPLICATION(application_), *keepAwake_, [this] { publishing_->askCodexNow(); },
+        [this] { publishing_->publishNow(); });
   }
   return dashboard_.get();
 }

@@ -40,6 +40,8 @@ class HostApplication {
   int carryOut(const AwakeCommand& command, GApplicationCommandLine* invocation);
   int open(const OpenDashboard& command, GApplicationCommandLine* invocation);
   DashboardWindow* dashboard();
+  void addActions();
+  void showAbout();
   void awakeChanged();
   // The tray's Keep Awake: icon, title, Stop's minutes and the agents' switch.
   void showAwake();

@@ -67,7 +67,7 @@ void MemoryPage::refresh(DisplayMode mode) {
     const std::string sensor =
         temperature->chip + (temperature->label.empty() ? "" : " · " + temperature->label);
     figures.push_back({_("CPU temperature"), cFormat("%.0f°C", temperature->celsius)});
-    figures.push_back({_("Sensor"), sensor + " (" + temperature->file.string() + ")"});
+    figures.push_back({_("Sensor"), sensor});
   } else {
     figures.push_back({_("CPU temperature"), _("No CPU sensor found")});
   }

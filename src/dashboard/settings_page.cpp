@@ -1,6 +1,5 @@
 #include "dashboard/settings_page.hpp"
 
-#include "app/claude_settings_file.hpp"
 #include "app/settings_file.hpp"
 #include "base/text.hpp"
 #include "dashboard/dashboard_widgets.hpp"
@@ -17,6 +16,8 @@ GtkWidget* row(GtkWidget* content, const std::string& title, GtkWidget* control)
   GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
   GtkWidget* name = label(title);
   gtk_widget_set_hexpand(name, TRUE);
+  // Screen readers name the control by its row's title.
+  gtk_label_set_mnemonic_widget(GTK_LABEL(name), control);
   gtk_box_pack_start(GTK_BOX(box), name, TRUE, TRUE, 0);
   gtk_widget_set_valign(control, GTK_ALIGN_CENTER);
   gtk_box_pack_end(GTK_BOX(box), control, FALSE, FALSE, 0);
@@ -26,6 +27,12 @@ GtkWidget* row(GtkWidget* content, const std::string& title, GtkWidget* control)
 
 SettingsPage& pageOf(gpointer data) {
   return *static_cast<SettingsPage*>(data);
+}
+
+GtkWidget* message(GtkWidget* content) {
+  GtkWidget* line = label("", "dim-label");
+  gtk_box_pack_start(GTK_BOX(content), line, FALSE, FALSE, 0);
+  return line;
 }
 
 GtkWidget* toggle(SettingsPage& page, SettingKey key) {
@@ -43,14 +50,27 @@ GtkWidget* toggle(SettingsPage& page, SettingKey key) {
 
 }  // namespace
 
-SettingsPage::SettingsPage() {
+SettingsPage::SettingsPage(std::function<void()> claudeChanged)
+    : claudeConnection_(std::move(claudeChanged)) {
   GtkWidget* content = nullptr;
-  page_ = scrolledPage(&content);
-  gtk_box_pack_start(GTK_BOX(content), heading(_("Monitors")), FALSE, FALSE, 0);
+  monitors_ = scrolledPage(&content);
   temperature_ = row(content, _("CPU temperature"), toggle(*this, SettingKey::temperature));
+  displayMode_ = row(content, _("Memory figure"), gtk_combo_box_text_new());
+  for (const DisplayMode mode : allDisplayModes) {
+    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(displayMode_), std::string(rawValue(mode)).c_str(),
+                              label(mode).c_str());
+  }
+  g_signal_connect(displayMode_, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
+                     if (const char* mode = gtk_combo_box_get_active_id(combo)) {
+                       pageOf(data).write(SettingKey::memoryDisplayMode, mode);
+                     }
+                   }),
+                   this);
+  messages_[0] = message(content);
 
-  gtk_box_pack_start(GTK_BOX(content), heading(_("AI usage")), FALSE, FALSE, 0);
-  codex_ = row(content, _("Codex"), toggle(*this, SettingKey::codex));
+  ai_ = scrolledPage(&content);
+  gtk_box_pack_start(GTK_BOX(content), heading(_("Codex")), FALSE, FALSE, 0);
+  codex_ = row(content, _("Show Codex's usage"), toggle(*this, SettingKey::codex));
   codexHome_ = row(content, _("Codex's sessions folder"),
                    gtk_file_chooser_button_new(_("Codex's folder").c_str(),
                                                GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER));
@@ -61,18 +81,14 @@ SettingsPage::SettingsPage() {
                      g_free(folder);
                    }),
                    this);
-  claude_ = row(content, _("Claude"), toggle(*this, SettingKey::claude));
-  GtkWidget* statusBox = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 8);
-  statusLine_ = label("", "dim-label");
-  install_ = gtk_button_new_with_label(_("Install the status line").c_str());
-  g_signal_connect(install_, "clicked",
-                   G_CALLBACK(+[](GtkButton*, gpointer data) { pageOf(data).installStatusLine(); }),
-                   this);
-  gtk_box_pack_start(GTK_BOX(statusBox), statusLine_, FALSE, FALSE, 0);
-  gtk_box_pack_start(GTK_BOX(statusBox), install_, FALSE, FALSE, 0);
-  row(content, _("Claude's status line"), statusBox);
+  codexLive_ =
+      row(content, _("Ask Codex for its current figures"), toggle(*this, SettingKey::codexLive));
+  gtk_box_pack_start(GTK_BOX(content), heading(_("Claude")), FALSE, FALSE, 0);
+  claude_ = row(content, _("Show Claude's usage"), toggle(*this, SettingKey::claude));
+  gtk_box_pack_start(GTK_BOX(content), claudeConnection_.widget(), FALSE, FALSE, 0);
+  messages_[1] = message(content);
 
-  gtk_box_pack_start(GTK_BOX(content), heading(_("Keep Awake")), FALSE, FALSE, 0);
+  awake_ = scrolledPage(&content);
   awakeMinutes_ =
       row(content, _("Default session (minutes)"), gtk_spin_button_new_with_range(1, 1440, 5));
   g_signal_connect(
@@ -91,21 +107,7 @@ SettingsPage::SettingsPage() {
       this);
   agentNotices_ = row(content, _("Notify when the agents start and stop"),
                       toggle(*this, SettingKey::agentNotices));
-
-  gtk_box_pack_start(GTK_BOX(content), heading(_("Memory")), FALSE, FALSE, 0);
-  displayMode_ = row(content, _("Memory figure"), gtk_combo_box_text_new());
-  for (const DisplayMode mode : allDisplayModes) {
-    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(displayMode_), std::string(rawValue(mode)).c_str(),
-                              label(mode).c_str());
-  }
-  g_signal_connect(displayMode_, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
-                     if (const char* mode = gtk_combo_box_get_active_id(combo)) {
-                       pageOf(data).write(SettingKey::memoryDisplayMode, mode);
-                     }
-                   }),
-                   this);
-  message_ = dashboard_widgets::label("", "dim-label");
-  gtk_box_pack_start(GTK_BOX(content), message_, FALSE, FALSE, 0);
+  messages_[2] = message(content);
 }
 
 void SettingsPage::show(const Settings& settings) {
@@ -123,10 +125,8 @@ void SettingsPage::show(const Settings& settings) {
   gtk_switch_set_active(GTK_SWITCH(agentNotices_), gtk::glibBool(settings.agentNotices));
   gtk_combo_box_set_active_id(GTK_COMBO_BOX(displayMode_),
                               std::string(rawValue(settings.memoryDisplayMode)).c_str());
-  const bool installed = claude_settings_file::runsKorvo();
-  gtk_label_set_text(GTK_LABEL(statusLine_),
-                     installed ? _("Installed").c_str() : _("Not set up").c_str());
-  gtk_widget_set_visible(install_, gtk::glibBool(!installed));
+  gtk_switch_set_active(GTK_SWITCH(codexLive_), gtk::glibBool(settings.codexLive));
+  claudeConnection_.show();
   showing_ = false;
 }
 
@@ -134,24 +134,11 @@ void SettingsPage::write(SettingKey key, const nlohmann::ordered_json& value) {
   if (showing_) return;
   try {
     settings_file::set(settingKeyWord(key), value);
-    gtk_label_set_text(GTK_LABEL(message_), "");
+    for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), "");
   } catch (const std::exception& error) {
-    gtk_label_set_text(GTK_LABEL(message_), error.what());
+    // Said on every page: the control may be on any of them.
+    for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), error.what());
   }
-}
-
-void SettingsPage::installStatusLine() {
-  try {
-    gtk_label_set_text(
-        GTK_LABEL(message_),
-        claude_settings_file::install(claude_settings_file::korvoExecutable()).c_str());
-  } catch (const std::exception& failure) {
-    gtk_label_set_text(GTK_LABEL(message_), failure.what());
-  }
-  gtk_label_set_text(GTK_LABEL(statusLine_), claude_settings_file::runsKorvo()
-                                                 ? _("Installed").c_str()
-                                                 : _("Not set up").c_str());
-  gtk_widget_set_visible(install_, gtk::glibBool(!claude_settings_file::runsKorvo()));
 }
 
 }  // namespace korvo

@@ -2,43 +2,50 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "app/settings.hpp"
+#include "dashboard/claude_connection.hpp"
 
 namespace korvo {
 
-// The dashboard's settings: Monitors → CPU temperature, the two providers (Codex's sessions
-// folder; Claude's status line, installed or a button that installs it), Keep Awake's default
-// length and its hold while agents work, and the memory figure's form. Every change is written to
-// the settings file at once (the service republishes on the change).
+// The preferences kept in the settings file, on three pages: Monitors (CPU temperature, the
+// memory figure's form), AI (Codex on or off, its sessions folder and live reading; Claude on or
+// off and its status line connected or not) and Keep Awake (the default length, the hold while
+// agents work, its notices). Every change is written to the settings file at once (the service
+// republishes on the change).
 class SettingsPage {
  public:
-  SettingsPage();
-  GtkWidget* widget() const { return page_; }
+  // `claudeChanged` runs after Claude's status line was connected or disconnected.
+  explicit SettingsPage(std::function<void()> claudeChanged = {});
+  GtkWidget* monitorsPage() const { return monitors_; }
+  GtkWidget* aiPage() const { return ai_; }
+  GtkWidget* awakePage() const { return awake_; }
   // Shows `settings` (read again after a change from anywhere).
   void show(const Settings& settings);
 
   // Writes one key; a failure is shown on the page.
   void write(SettingKey key, const nlohmann::ordered_json& value);
-  void installStatusLine();
 
  private:
-  GtkWidget* page_;
+  GtkWidget* monitors_;
+  GtkWidget* ai_;
+  GtkWidget* awake_;
   GtkWidget* temperature_;
   GtkWidget* codex_;
   GtkWidget* codexHome_;
+  GtkWidget* codexLive_;
   GtkWidget* claude_;
-  GtkWidget* statusLine_;
-  GtkWidget* install_;
+  ClaudeConnection claudeConnection_;
   GtkWidget* awakeMinutes_;
   GtkWidget* agents_;
   GtkWidget* agentIdleMinutes_;
   GtkWidget* agentNotices_;
   GtkWidget* displayMode_;
-  GtkWidget* message_;
-  bool showing_ = false;  // changes made by show() are not the user's
+  GtkWidget* messages_[3];  // a failed write, said on each page
+  bool showing_ = false;    // changes made by show() are not the user's
 };
 
 }  // namespace korvo

@@ -76,8 +76,8 @@ TrayIndicator::TrayIndicator(Actions actions) : actions_(std::move(actions)) {
                    }),
                    this);
   gtk_menu_shell_append(GTK_MENU_SHELL(menu_), gtk_separator_menu_item_new());
-  item(menu_, _("Settings"),
-       G_CALLBACK(+[](GtkMenuItem*, gpointer tray) { trayOf(tray).actions().openSettings(); }),
+  item(menu_, _("Preferences"),
+       G_CALLBACK(+[](GtkMenuItem*, gpointer tray) { trayOf(tray).actions().openPreferences(); }),
        this);
   gtk_menu_shell_append(GTK_MENU_SHELL(menu_), gtk_separator_menu_item_new());
   // Quitting ends the publishing too, which a user expecting a mere window to close would miss.

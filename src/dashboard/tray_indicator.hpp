@@ -34,7 +34,7 @@ class TrayIndicator {
     std::function<void(AwakeDuration)> startAwake;
     std::function<void()> stopAwake;
     std::function<void(bool)> watchAgents;
-    std::function<void()> openSettings;
+    std::function<void()> openPreferences;
     std::function<void()> quit;
   };
 

@@ -16,7 +16,9 @@
 #include "desktop/monitors.hpp"
 #include "extension/korvo_widgets.hpp"
 #include "gtk/notification.hpp"
+#include "gtk/session_bus.hpp"
 #include "gtk/url_opener.hpp"
+#include "shared/app_identity.hpp"
 #include "shared/widget_snapshot_store.hpp"
 
 namespace korvo::desktop {
@@ -265,6 +267,19 @@ void DesktopHost::dropped(const WidgetWindow* window, ui::Point origin, GdkMonit
   edit(window, MoveToPosition{position, output});
 }
 
+namespace {
+
+void openInEditor(const std::filesystem::path& file) {
+  gchar* uri = g_filename_to_uri(file.c_str(), nullptr, nullptr);
+  if (uri != nullptr) gtk::openURL(uri);
+  g_free(uri);
+}
+
+}  // namespace
+
+// Korvo's preferences at their Widgets page, through the action its application exports (the
+// bus starts Korvo when it is installed and not running). Without Korvo the placements file
+// opens in the desktop's editor instead.
 void DesktopHost::arrangeWidgets() {
   if (!placementsFile_) return;
   if (!std::filesystem::exists(*placementsFile_)) {
@@ -273,9 +288,37 @@ void DesktopHost::arrangeWidgets() {
       return;
     }
   }
-  gchar* uri = g_filename_to_uri(placementsFile_->c_str(), nullptr, nullptr);
-  if (uri != nullptr) gtk::openURL(uri);
-  g_free(uri);
+  GDBusConnection* bus = gtk::sessionBus();
+  if (bus == nullptr) {
+    openInEditor(*placementsFile_);
+    return;
+  }
+  GVariantBuilder page;
+  g_variant_builder_init(&page, G_VARIANT_TYPE("av"));
+  g_variant_builder_add(&page, "v", g_variant_new_string("widgets"));
+  const std::string korvo(AppIdentity::applicationIdentifier);
+  std::string path = "/" + korvo;
+  std::replace(path.begin(), path.end(), '.', '/');
+  g_dbus_connection_call(
+      bus, korvo.c_str(), path.c_str(), "org.freedesktop.Application", "ActivateAction",
+      g_variant_new("(sava{sv})", "preferences", &page, nullptr), nullptr, G_DBUS_CALL_FLAGS_NONE,
+      -1, nullptr,
+      +[](GObject* source, GAsyncResult* result, gpointer data) {
+        const std::unique_ptr<std::filesystem::path> file(
+            static_cast<std::filesystem::path*>(data));
+        GError* error = nullptr;
+        GVariant* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error);
+        if (reply != nullptr) {
+          g_variant_unref(reply);
+          return;
+        }
+        std::fprintf(stderr,
+                     "korvo-widgets: Korvo did not open its Widgets page (%s); opening %s\n",
+                     error->message, file->c_str());
+        g_clear_error(&error);
+        openInEditor(*file);
+      },
+      new std::filesystem::path(*placementsFile_));
 }
 
 void DesktopHost::arrange() {

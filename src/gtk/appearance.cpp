@@ -93,6 +93,11 @@ ui::Theme agreeingTheme(std::optional<ui::Color> background, std::optional<ui::C
   return {foreground, background};
 }
 
+std::optional<ui::ColorScheme> schemeOfBackground(std::optional<ui::Color> background) {
+  if (!background || background->alpha < 1) return std::nullopt;
+  return luminance(*background) < darkLuminance ? ui::ColorScheme::dark : ui::ColorScheme::light;
+}
+
 ThemeColors readThemeColors(GtkWidget* widget) {
   GtkStyleContext* context = gtk_widget_get_style_context(widget);
   return {lookupColor(context, "theme_bg_color"), lookupColor(context, "theme_fg_color")};

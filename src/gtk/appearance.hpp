@@ -25,6 +25,10 @@ ui::ColorScheme resolveScheme(std::optional<ui::ColorScheme> fixed,
 ui::Theme agreeingTheme(std::optional<ui::Color> background, std::optional<ui::Color> foreground,
                         ui::ColorScheme scheme);
 
+// The scheme a window of that background reads as: dark below half luminance; none when the
+// colour is unknown or not opaque.
+std::optional<ui::ColorScheme> schemeOfBackground(std::optional<ui::Color> background);
+
 // The two colours of a GTK theme the cards take.
 struct ThemeColors {
   std::optional<ui::Color> background;  // theme_bg_color

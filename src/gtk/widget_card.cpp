@@ -28,11 +28,18 @@ void WidgetCard::refresh() {
   gtk_widget_queue_draw(area_);
 }
 
+ui::ColorScheme WidgetCard::scheme() const {
+  // The card takes the look of the window around it: a dark GTK theme makes a dark card even
+  // where no preference says dark.
+  return gtk::schemeOfBackground(gtk::readThemeColors(area_).background)
+      .value_or(appearance_.scheme());
+}
+
 gboolean WidgetCard::draw(cairo_t* cr) {
   if (!entry_) return FALSE;
   ui::Environment environment;
   environment.family = family_;
-  environment.colorScheme = appearance_.scheme();
+  environment.colorScheme = scheme();
   environment.hostSuppliesContainerBackground = true;
   environment.now = clock::now();
   environment.theme = gtk::themeColors(area_, environment.colorScheme);

@@ -22,6 +22,8 @@ class WidgetCard {
   void refresh();
 
   gboolean draw(cairo_t* cr);
+  // Light or dark as the card draws itself: as the window around it looks.
+  ui::ColorScheme scheme() const;
 
  private:
   const WidgetConfiguration& widget_;

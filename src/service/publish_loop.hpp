@@ -46,6 +46,8 @@ class PublishLoop {
   }
   // Publishes now, asking Codex's app-server whenever it was last asked (the AI tab opened).
   void askCodexNow();
+  // Publishes now (Claude's status line was connected or disconnected).
+  void publishNow();
 
  private:
   // What a publication hands back to the main context.
@@ -59,7 +61,6 @@ class PublishLoop {
   static gboolean onFinished(gpointer self);
   static void onSettingsChanged(GFileMonitor*, GFile* file, GFile* other, GFileMonitorEvent,
                                 gpointer self);
-  void publishNow();
   void work(const std::stop_token& stop, publisher::LiveAsk live);
   void armTimer();
 

@@ -22,6 +22,18 @@ std::string shortTitle(DashboardTab tab) {
   std::abort();
 }
 
+std::string title(DashboardTab tab) {
+  switch (tab) {
+    case DashboardTab::ai:
+      return _("AI Usage");
+    case DashboardTab::memory:
+      return _("Memory");
+    case DashboardTab::awake:
+      return _("Keep Awake");
+  }
+  std::abort();
+}
+
 template <>
 std::optional<DashboardTab> fromRaw<DashboardTab>(std::string_view raw) {
   return valueNamed(dashboardTabWords, raw);

@@ -22,6 +22,8 @@ inline constexpr Words<DashboardTab, 3> dashboardTabWords{{
 std::string_view rawValue(DashboardTab tab);
 // "AI", "Mem", "Awake" (localisable).
 std::string shortTitle(DashboardTab tab);
+// "AI Usage", "Memory", "Keep Awake": the page's name where there is room (localisable).
+std::string title(DashboardTab tab);
 
 template <>
 std::optional<DashboardTab> fromRaw<DashboardTab>(std::string_view raw);

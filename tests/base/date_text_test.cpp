@@ -53,6 +53,15 @@ TEST_F(DateTextTest, AMomentOnAnotherDayShowsItsDateAsWell) {
   EXPECT_EQ(shortTimeOrDateTime(Date{816399900 - 365 * 86400}, lateNight), "Nov 15, 2025, 1:45 AM");
 }
 
+TEST_F(DateTextTest, AMomentWithinTheYearLeavesTheYearOut) {
+  testing_support::ScopedEnvironment zone("TZ", "UTC");
+  ::tzset();
+  EXPECT_EQ(dateTimeWithinYear(lateNight.addingSeconds(3 * 86400), lateNight), "Nov 18, 1:45 AM");
+  EXPECT_EQ(dateTimeWithinYear(lateNight, lateNight), "Nov 15, 1:45 AM");
+  EXPECT_EQ(dateTimeWithinYear(lateNight.addingSeconds(60 * 86400), lateNight),
+            "Jan 14, 2027, 1:45 AM");
+}
+
 TEST_F(DateTextTest, AbbreviatedDateShortTimeIsMediumDateAndShortTime) {
   EXPECT_EQ(abbreviatedDateShortTime(Date{816407100}), "Nov 15, 2026, 3:45 AM");
 }

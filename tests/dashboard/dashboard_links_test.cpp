@@ -113,6 +113,29 @@ TEST_F(DashboardLinks, AClickOnEachWidgetShowsTheDashboardAtItsTabInOneWindow) {
   }
 }
 
+TEST_F(DashboardLinks, ArrangeWidgetsInACardsMenuOpensTheWidgetsPreferences) {
+  startService();
+  startWidgets();
+  const auto card = widgetWindow("Keep Awake");
+  ASSERT_TRUE(card) << readFile(folder.path() / "host.err");
+  rightClick(server->display(), card->x + card->width / 2, card->y + card->height / 2);
+  // The menu is the host's one window bigger than a card, named after the program.
+  ASSERT_TRUE(waitFor([&] {
+    for (const auto& id : visibleWindows(server->display(), "^korvo-widgets$")) {
+      const auto geometry = windowGeometry(server->display(), id);
+      if (geometry && geometry->x >= 0 && geometry->y >= 0 && geometry->height > 60) return true;
+    }
+    return false;
+  })) << readFile(folder.path() / "host.err");
+  pressKey(server->display(), "w");
+  EXPECT_TRUE(waitFor([&] { return dashboard()["preferences"] == "widgets"; }))
+      << dashboard().dump() << readFile(folder.path() / "host.err")
+      << readFile(folder.path() / "service.err");
+  EXPECT_EQ(visibleWindows(server->display(), "^Korvo Preferences$").size(), 1U);
+  EXPECT_TRUE(fs::exists(folder.path() / "config/korvo-widgets/placements.json"))
+      << "the widgets shown are saved first, so the page shows them";
+}
+
 TEST_F(DashboardLinks, ASecondOpenReusesTheWindowAndAnUnknownRouteSaysSo) {
   startService();
   ASSERT_EQ(korvo({"open", "korvo://awake"}).exitCode, 0);

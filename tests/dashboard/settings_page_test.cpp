@@ -16,8 +16,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// The page's switches in the order it shows them: CPU temperature, Codex, Claude, awake while
-// agents work, the agents' notices.
+// A page's switches in the order it shows them.
 std::vector<GtkSwitch*> switchesOf(GtkWidget* widget) {
   std::vector<GtkSwitch*> found;
   if (GTK_IS_SWITCH(widget)) found.push_back(GTK_SWITCH(widget));
@@ -30,6 +29,26 @@ std::vector<GtkSwitch*> switchesOf(GtkWidget* widget) {
     g_list_free(children);
   }
   return found;
+}
+
+// The switches of the three pages: CPU temperature; Codex, its live reading, Claude; awake while
+// agents work, the agents' notices.
+std::vector<GtkSwitch*> switchesOf(const SettingsPage& page) {
+  std::vector<GtkSwitch*> found;
+  for (GtkWidget* each : {page.monitorsPage(), page.aiPage(), page.awakePage()}) {
+    const auto inner = switchesOf(each);
+    found.insert(found.end(), inner.begin(), inner.end());
+  }
+  return found;
+}
+
+// Destroys the pages no window took.
+void destroyPages(const SettingsPage& page) {
+  for (GtkWidget* each : {page.monitorsPage(), page.aiPage(), page.awakePage()}) {
+    g_object_ref_sink(each);
+    gtk_widget_destroy(each);
+    g_object_unref(each);
+  }
 }
 
 class SettingsPageTest : public ::testing::Test {
@@ -56,10 +75,11 @@ TEST_F(SettingsPageTest, TurningCpuTemperatureOffWritesTheFileAtOnceAndTheWidget
   ASSERT_EQ(::stat(world.settingsFile().c_str(), &before), 0);
   SettingsPage page;
   page.show(settings_file::load(std::cerr));
-  const auto switches = switchesOf(page.widget());
-  ASSERT_EQ(switches.size(), 5U);
+  const auto switches = switchesOf(page);
+  ASSERT_EQ(switches.size(), 6U);
   EXPECT_TRUE(gtk_switch_get_active(switches[0]));
   EXPECT_FALSE(gtk_switch_get_active(switches[1]));
+  EXPECT_TRUE(gtk_switch_get_active(switches[2])) << "Codex's live reading";
 
   gtk_switch_set_active(switches[0], FALSE);
   const Settings written = settings_file::load(std::cerr);
@@ -77,35 +97,29 @@ TEST_F(SettingsPageTest, TurningCpuTemperatureOffWritesTheFileAtOnceAndTheWidget
   const auto render = testing_support::runProgram(
       KORVO_BINARY, {"render", "temperature", "--format", "json"}, world.environment());
   EXPECT_THAT(render.out, HasSubstr("Enable in Korvo"));
-  g_object_ref_sink(page.widget());
-  gtk_widget_destroy(page.widget());
-  g_object_unref(page.widget());
+  destroyPages(page);
 }
 
 TEST_F(SettingsPageTest, TheKeepAwakeSwitchesWriteTheAgentsWatchAndItsNotices) {
   SettingsPage page;
   page.show(Settings{});
-  const auto switches = switchesOf(page.widget());
-  ASSERT_EQ(switches.size(), 5U);
-  EXPECT_TRUE(gtk_switch_get_active(switches[3]));
+  const auto switches = switchesOf(page);
+  ASSERT_EQ(switches.size(), 6U);
   EXPECT_TRUE(gtk_switch_get_active(switches[4]));
-  gtk_switch_set_active(switches[4], FALSE);
+  EXPECT_TRUE(gtk_switch_get_active(switches[5]));
+  gtk_switch_set_active(switches[5], FALSE);
   EXPECT_FALSE(settings_file::load(std::cerr).agentNotices);
   EXPECT_TRUE(settings_file::load(std::cerr).awakeWhileAgentsWork);
-  gtk_switch_set_active(switches[3], FALSE);
+  gtk_switch_set_active(switches[4], FALSE);
   EXPECT_FALSE(settings_file::load(std::cerr).awakeWhileAgentsWork);
-  g_object_ref_sink(page.widget());
-  gtk_widget_destroy(page.widget());
-  g_object_unref(page.widget());
+  destroyPages(page);
 }
 
 TEST_F(SettingsPageTest, ShowingTheSettingsWritesNothing) {
   SettingsPage page;
   page.show(Settings{});
   EXPECT_FALSE(std::filesystem::exists(world.settingsFile()));
-  g_object_ref_sink(page.widget());
-  gtk_widget_destroy(page.widget());
-  g_object_unref(page.widget());
+  destroyPages(page);
 }
 
 }  // namespace

@@ -110,6 +110,12 @@ class TrayIndicatorTest : public testing::Test {
     const auto text = readFile(folder.path() / "dashboard.json");
     return text.empty() ? "" : nlohmann::json::parse(text).value("page", "");
   }
+  // The preferences' page in view; "" while their window is hidden.
+  std::string preferences() const {
+    const auto text = readFile(folder.path() / "dashboard.json");
+    const auto shown = text.empty() ? nullptr : nlohmann::json::parse(text)["preferences"];
+    return shown.is_string() ? shown.get<std::string>() : "";
+  }
 
   TemporaryDirectory folder;
   std::unique_ptr<XServer> server;
@@ -145,12 +151,13 @@ TEST_F(TrayIndicatorTest, TheServiceRegistersItsItemAndTheMenuOpensEachTab) {
   EXPECT_THAT(property("Title"), HasSubstr("% memory · Keep Awake is off"));
   const std::string items = layout();
   for (const auto& [title, expected] :
-       {std::pair{"Awake", "awake"}, std::pair{"AI", "ai"}, std::pair{"Mem", "memory"},
-        std::pair{"Settings", "settings"}}) {
+       {std::pair{"Awake", "awake"}, std::pair{"AI", "ai"}, std::pair{"Mem", "memory"}}) {
     click(title);
     const std::string wanted = expected;  // clang before 16 cannot capture a binding
     EXPECT_TRUE(waitFor([&] { return page() == wanted; })) << title;
   }
+  click("Preferences");
+  EXPECT_TRUE(waitFor([&] { return preferences() == "monitors"; }));
   for (const char* title :
        {"15 min", "1 h", "2 h", "4 h", "Until I stop it", "Quit (widgets stop updating)"}) {
     EXPECT_THAT(items, HasSubstr("'label': <'" + std::string(title) + "'>"));

@@ -17,6 +17,9 @@ TEST(DashboardTabTest, RawValuesAndShortTitlesInCaseOrder) {
   EXPECT_EQ(shortTitle(DashboardTab::ai), "AI");
   EXPECT_EQ(shortTitle(DashboardTab::memory), "Mem");
   EXPECT_EQ(shortTitle(DashboardTab::awake), "Awake");
+  EXPECT_EQ(title(DashboardTab::ai), "AI Usage");
+  EXPECT_EQ(title(DashboardTab::memory), "Memory");
+  EXPECT_EQ(title(DashboardTab::awake), "Keep Awake");
 }
 
 TEST(DashboardTabTest, ConstructionFromRawValueIsExact) {

@@ -9,6 +9,11 @@ gir1.2-atspi-2.0; run it with /usr/bin/python3).
                                          application (a panel inside a window) with its children
     read_accessible.py --card NAME CHILD does the first action of that card's child CHILD
 
+    read_accessible.py --role ROLE       prints the names of every object with that role, in the
+                                         order a screen reader walks them, as a JSON list
+    read_accessible.py --named NAME      prints the first object named NAME (with its role)
+    read_accessible.py --named NAME --act  does that object's first action
+
 --application NAME reads another application than the desktop host (korvo's dashboard).
 Exit status 1 when the application is not (yet) on the accessibility bus or the object is
 missing."""
@@ -78,10 +83,25 @@ def find_card(accessible, name):
     return None
 
 
+def walk(accessible):
+    """Every object under `accessible`, depth first, showing ones only."""
+    for child in children(accessible):
+        if child is None:
+            continue
+        states = child.get_state_set()
+        if not states.contains(Atspi.StateType.SHOWING):
+            continue
+        yield child
+        yield from walk(child)
+
+
 def main(arguments):
     parser = argparse.ArgumentParser(description="What a screen reader reads, through AT-SPI.")
     parser.add_argument("--application", default="korvo-widgets")
     parser.add_argument("--card")
+    parser.add_argument("--role")
+    parser.add_argument("--named")
+    parser.add_argument("--act", action="store_true")
     parser.add_argument("path", nargs="*", help="WINDOW [CHILD] whose first action to do")
     options = parser.parse_args(arguments)
     application = find_application(options.application)
@@ -89,6 +109,26 @@ def main(arguments):
         print(f"read_accessible: {options.application} is not on the accessibility bus",
               file=sys.stderr)
         return 1
+    if options.role:
+        names = [o.get_name() for o in walk(application) if o.get_role_name() == options.role]
+        print(json.dumps(names, ensure_ascii=False))
+        return 0
+    if options.named:
+        found = next((o for o in walk(application) if o.get_name() == options.named), None)
+        if found is None:
+            print(f"read_accessible: nothing named {options.named}", file=sys.stderr)
+            return 1
+        # Read before acting: the action may take the object away.
+        described = element(found)
+        if options.act:
+            if not described["actions"]:
+                print(f"read_accessible: no action on {options.named}", file=sys.stderr)
+                return 1
+            if not Atspi.Action.do_action(found, 0):
+                print(f"read_accessible: {options.named} did not act", file=sys.stderr)
+                return 1
+        print(json.dumps(described, ensure_ascii=False))
+        return 0
     if options.card:
         card = find_card(application, options.card)
         if card is None:
