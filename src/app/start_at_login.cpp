@@ -1,5 +1,6 @@
 #include "app/start_at_login.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -55,11 +56,10 @@ fs::path userLink(const Places& places, const Program& program) {
 // A link enabling the unit in a folder below the user's, as a package or an administrator
 // makes it; only a /dev/null link of the user's can then keep it from starting.
 bool wantedElsewhere(const Places& places, const Program& program) {
-  for (const auto& folder : places.unitFolders) {
+  return std::ranges::any_of(places.unitFolders, [&](const fs::path& folder) {
     const fs::path link = folder / wantsFolder / program.unit;
-    if (present(link) && !masked(link)) return true;
-  }
-  return false;
+    return present(link) && !masked(link);
+  });
 }
 
 std::optional<fs::path> installedUnit(const Places& places, const Program& program) {
@@ -213,11 +213,10 @@ Places placesFromEnvironment(const fs::path& korvo) {
 }
 
 bool enabled(const Places& places) {
-  for (const Program& program : programs) {
-    if (unitInstalled(places, program) && !unitWanted(places, program)) return false;
-    if (!entryShown(places, program)) return false;
-  }
-  return true;
+  return std::ranges::all_of(programs, [&](const Program& program) {
+    return (!unitInstalled(places, program) || unitWanted(places, program)) &&
+           entryShown(places, program);
+  });
 }
 
 void set(const Places& places, bool on) {

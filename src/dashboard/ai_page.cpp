@@ -37,13 +37,13 @@ void collectButtons(GtkWidget* widget, std::vector<GtkWidget*>& buttons) {
   g_list_free(children);
 }
 
-// Which of the buttons under `widget` has the keyboard focus, counted from the first.
-std::optional<std::size_t> focusedButton(GtkWidget* widget) {
-  GtkWidget* window = gtk_widget_get_toplevel(widget);
+// Which of the buttons under `page` has the keyboard focus, counted from the first.
+std::optional<std::size_t> focusedButton(GtkWidget* page) {
+  GtkWidget* window = gtk_widget_get_toplevel(page);
   GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
-  if (focus == nullptr || !gtk_widget_is_ancestor(focus, widget)) return std::nullopt;
+  if (focus == nullptr || !gtk_widget_is_ancestor(focus, page)) return std::nullopt;
   std::vector<GtkWidget*> buttons;
-  collectButtons(widget, buttons);
+  collectButtons(page, buttons);
   const auto at = std::find(buttons.begin(), buttons.end(), focus);
   if (at == buttons.end()) return std::nullopt;
   return static_cast<std::size_t>(at - buttons.begin());

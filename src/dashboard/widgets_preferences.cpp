@@ -93,6 +93,79 @@ std::vector<std::string> monitorNames() {
   return names;
 }
 
+// The size a widget is shown at.
+GtkWidget* sizeChoice(WidgetsPreferences& page, const Placement& placement,
+                      const std::string& name) {
+  GtkWidget* size = gtk_combo_box_text_new();
+  if (const auto* configuration = configurationOf(placement.kind)) {
+    for (const ui::WidgetFamily family : configuration->supportedFamilies) {
+      gtk_combo_box_text_append(
+          GTK_COMBO_BOX_TEXT(size), std::string(ui::familyWord(family)).c_str(),
+          family == ui::WidgetFamily::systemSmall ? _("Small").c_str() : _("Medium").c_str());
+    }
+  }
+  gtk_combo_box_set_active_id(GTK_COMBO_BOX(size),
+                              std::string(ui::familyWord(placement.family)).c_str());
+  nameFor(size, name + _(": size"));
+  g_signal_connect(size, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
+                     const char* id = gtk_combo_box_get_active_id(combo);
+                     const auto family = id != nullptr ? ui::familyNamed(id) : std::nullopt;
+                     if (family) pageOf(data).setFamily(rowOf(combo), *family);
+                   }),
+                   &page);
+  return size;
+}
+
+// The corner a widget sits in, or the position it was dragged to.
+GtkWidget* placeChoice(WidgetsPreferences& page, const Placement& placement,
+                       const std::string& name) {
+  GtkWidget* where = gtk_combo_box_text_new();
+  for (const ScreenAnchor anchor : {ScreenAnchor::topLeft, ScreenAnchor::topRight,
+                                    ScreenAnchor::bottomLeft, ScreenAnchor::bottomRight}) {
+    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(where),
+                              std::string(desktop::anchorName(anchor)).c_str(),
+                              cornerTitle(anchor).c_str());
+  }
+  if (placement.position) {
+    const std::string at = _("At ") + std::to_string(std::lround(placement.position->x)) + ", " +
+                           std::to_string(std::lround(placement.position->y));
+    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(where), positionWord, at.c_str());
+    gtk_combo_box_set_active_id(GTK_COMBO_BOX(where), positionWord);
+  } else {
+    gtk_combo_box_set_active_id(GTK_COMBO_BOX(where),
+                                std::string(desktop::anchorName(placement.anchor)).c_str());
+  }
+  nameFor(where, name + _(": place"));
+  g_signal_connect(where, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
+                     if (const char* id = gtk_combo_box_get_active_id(combo))
+                       pageOf(data).setWhere(rowOf(combo), id);
+                   }),
+                   &page);
+  return where;
+}
+
+// The monitor a widget is shown on: the primary one, a connected one or the one it names.
+GtkWidget* monitorChoice(WidgetsPreferences& page, const Placement& placement,
+                         const std::string& name, std::vector<std::string> outputs) {
+  GtkWidget* monitor = gtk_combo_box_text_new();
+  gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(monitor), primaryWord, _("Primary monitor").c_str());
+  if (placement.output &&
+      std::find(outputs.begin(), outputs.end(), *placement.output) == outputs.end()) {
+    outputs.push_back(*placement.output);
+  }
+  for (const auto& output : outputs) {
+    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(monitor), output.c_str(), output.c_str());
+  }
+  gtk_combo_box_set_active_id(GTK_COMBO_BOX(monitor), placement.output.value_or("").c_str());
+  nameFor(monitor, name + _(": monitor"));
+  g_signal_connect(monitor, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
+                     if (const char* id = gtk_combo_box_get_active_id(combo))
+                       pageOf(data).setOutput(rowOf(combo), id);
+                   }),
+                   &page);
+  return monitor;
+}
+
 }  // namespace
 
 WidgetsPreferences::WidgetsPreferences()
@@ -158,75 +231,15 @@ void WidgetsPreferences::show(std::optional<std::size_t> focusRow, int focusColu
   const auto outputs = monitorNames();
   for (std::size_t row = 0; row < placements_.size(); ++row) {
     const Placement& placement = placements_[row];
-    const auto* configuration = configurationOf(placement.kind);
     const std::string name = nameOf(placement.kind);
     const int at = static_cast<int>(row);
     GtkWidget* controls[removeColumn + 1] = {};
     controls[nameColumn] = label(name);
     gtk_widget_set_hexpand(controls[nameColumn], TRUE);
 
-    GtkWidget* size = gtk_combo_box_text_new();
-    if (configuration != nullptr) {
-      for (const ui::WidgetFamily family : configuration->supportedFamilies) {
-        gtk_combo_box_text_append(
-            GTK_COMBO_BOX_TEXT(size), std::string(ui::familyWord(family)).c_str(),
-            family == ui::WidgetFamily::systemSmall ? _("Small").c_str() : _("Medium").c_str());
-      }
-    }
-    gtk_combo_box_set_active_id(GTK_COMBO_BOX(size),
-                                std::string(ui::familyWord(placement.family)).c_str());
-    nameFor(size, name + _(": size"));
-    g_signal_connect(size, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
-                       const char* id = gtk_combo_box_get_active_id(combo);
-                       const auto family = id != nullptr ? ui::familyNamed(id) : std::nullopt;
-                       if (family) pageOf(data).setFamily(rowOf(combo), *family);
-                     }),
-                     this);
-    controls[sizeColumn] = size;
-
-    GtkWidget* where = gtk_combo_box_text_new();
-    for (const ScreenAnchor anchor : {ScreenAnchor::topLeft, ScreenAnchor::topRight,
-                                      ScreenAnchor::bottomLeft, ScreenAnchor::bottomRight}) {
-      gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(where),
-                                std::string(desktop::anchorName(anchor)).c_str(),
-                                cornerTitle(anchor).c_str());
-    }
-    if (placement.position) {
-      const std::string at = _("At ") + std::to_string(std::lround(placement.position->x)) + ", " +
-                             std::to_string(std::lround(placement.position->y));
-      gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(where), positionWord, at.c_str());
-      gtk_combo_box_set_active_id(GTK_COMBO_BOX(where), positionWord);
-    } else {
-      gtk_combo_box_set_active_id(GTK_COMBO_BOX(where),
-                                  std::string(desktop::anchorName(placement.anchor)).c_str());
-    }
-    nameFor(where, name + _(": place"));
-    g_signal_connect(where, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
-                       if (const char* id = gtk_combo_box_get_active_id(combo))
-                         pageOf(data).setWhere(rowOf(combo), id);
-                     }),
-                     this);
-    controls[whereColumn] = where;
-
-    GtkWidget* monitor = gtk_combo_box_text_new();
-    gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(monitor), primaryWord,
-                              _("Primary monitor").c_str());
-    auto names = outputs;
-    if (placement.output &&
-        std::find(names.begin(), names.end(), *placement.output) == names.end()) {
-      names.push_back(*placement.output);
-    }
-    for (const auto& output : names) {
-      gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(monitor), output.c_str(), output.c_str());
-    }
-    gtk_combo_box_set_active_id(GTK_COMBO_BOX(monitor), placement.output.value_or("").c_str());
-    nameFor(monitor, name + _(": monitor"));
-    g_signal_connect(monitor, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
-                       if (const char* id = gtk_combo_box_get_active_id(combo))
-                         pageOf(data).setOutput(rowOf(combo), id);
-                     }),
-                     this);
-    controls[monitorColumn] = monitor;
+    controls[sizeColumn] = sizeChoice(*this, placement, name);
+    controls[whereColumn] = placeChoice(*this, placement, name);
+    controls[monitorColumn] = monitorChoice(*this, placement, name, outputs);
 
     controls[upColumn] =
         rowButton(*this, row, "go-up-symbolic", _("Move ") + name + _(" up"),
@@ -242,7 +255,8 @@ void WidgetsPreferences::show(std::optional<std::size_t> focusRow, int focusColu
     for (int column = nameColumn; column <= removeColumn; ++column) {
       g_object_set_data(G_OBJECT(controls[column]), "row", GINT_TO_POINTER(at));
       gtk_widget_set_sensitive(
-          controls[column], gtk::glibBool(usable_ && gtk_widget_get_sensitive(controls[column])));
+          controls[column],
+          gtk::glibBool(usable_ && gtk_widget_get_sensitive(controls[column]) != FALSE));
       gtk_grid_attach(GTK_GRID(grid_), controls[column], column, at, 1, 1);
     }
     if (focusRow && *focusRow == row) focus = controls[focusColumn];
