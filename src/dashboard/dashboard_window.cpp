@@ -54,6 +54,7 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
                                  const std::function<void()>& claudeChanged)
     : window_(application != nullptr ? gtk_application_window_new(application)
                                      : gtk_window_new(GTK_WINDOW_TOPLEVEL)),
+      loginOffer_([this](bool) { dump(); }),
       notice_(gtk_label_new("")),
       stack_(gtk_stack_new()),
       appearance_(std::nullopt, [this] { appearanceChanged(); }),
@@ -92,6 +93,7 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
   gtk_label_set_ellipsize(GTK_LABEL(notice_), PANGO_ELLIPSIZE_MIDDLE);
   gtk_label_set_max_width_chars(GTK_LABEL(notice_), noticeWidthChars);
   g_object_set(notice_, "margin", 8, nullptr);
+  gtk_box_pack_start(GTK_BOX(box), loginOffer_.widget(), FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(box), notice_, FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(box), stack_, TRUE, TRUE, 0);
   gtk_container_add(GTK_CONTAINER(window_), box);
@@ -141,6 +143,7 @@ void DashboardWindow::present(const DashboardDestination& destination) {
   gtk_label_set_text(GTK_LABEL(notice_), destination.notice.value_or("").c_str());
   gtk_widget_set_tooltip_text(notice_, destination.notice ? destination.notice->c_str() : nullptr);
   gtk_widget_set_visible(notice_, gtk::glibBool(destination.notice.has_value()));
+  loginOffer_.offerIfDue();
   show(std::string(rawValue(destination.tab)).c_str());
 }
 
@@ -234,7 +237,7 @@ void DashboardWindow::appearanceChanged() {
 }
 
 // For tests and tools: KORVO_DASHBOARD_DUMP names a file that always holds the page in view,
-// the notice and the window, rewritten whenever they change.
+// the notice, the offer to start at login and the window, rewritten whenever they change.
 void DashboardWindow::dump() const {
   const char* file = std::getenv("KORVO_DASHBOARD_DUMP");
   if (file == nullptr || *file == '\0') return;
@@ -244,6 +247,7 @@ void DashboardWindow::dump() const {
   document["notice"] = gtk_widget_get_visible(notice_)
                            ? nlohmann::ordered_json(gtk_label_get_text(GTK_LABEL(notice_)))
                            : nlohmann::ordered_json(nullptr);
+  document["loginOffer"] = loginOffer_.shown();
   document["mapped"] = mapped_;
   document["preferences"] = gtk_widget_get_mapped(preferences_.window())
                                 ? nlohmann::ordered_json(preferences_.page())

@@ -9,6 +9,7 @@
 #include "app/dashboard_link.hpp"
 #include "dashboard/ai_page.hpp"
 #include "dashboard/awake_page.hpp"
+#include "dashboard/login_offer_bar.hpp"
 #include "dashboard/memory_page.hpp"
 #include "dashboard/preferences_window.hpp"
 #include "gtk/appearance.hpp"
@@ -52,6 +53,7 @@ class DashboardWindow {
   void dump() const;
 
   GtkWidget* window_;
+  LoginOfferBar loginOffer_;
   GtkWidget* notice_;
   GtkWidget* stack_;
   gtk::AppearanceWatch appearance_;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "support/desktop_harness.hpp"
@@ -117,6 +118,68 @@ TEST_F(HomeInstall, XdgOpenOfAnAwakeLinkShowsTheInstalledDashboardAtTheAwakeTab)
            visibleWindows(server.display(), dashboardTitle).size() == 1;
   })) << readFile(work / "open.err");
   EXPECT_EQ(page()["notice"], nullptr);
+}
+
+// Nothing starts a home install at login until the user says so: its first dashboard asks, once,
+// and the answer sets both ways a session starts programs.
+TEST_F(HomeInstall, TheFirstDashboardOffersStartAtLoginAndTheAnswerTurnsItOn) {
+  const fs::path work = folder_->path() / "offer";
+  fs::create_directories(work);
+  XServer server(1600, 1000, work);
+  bus_test::PrivateBus bus(work, "session");
+  Environment environment = session();
+  environment["DISPLAY"] = server.display();
+  environment["GDK_BACKEND"] = "x11";
+  environment["NO_AT_BRIDGE"] = "1";
+  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (work / "no-bus").string();
+  environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/proc/desktop-zram";
+  environment["KORVO_DASHBOARD_DUMP"] = (work / "dashboard.json").string();
+  const auto state = [&] {
+    const std::string text = readFile(work / "dashboard.json");
+    return text.empty() ? nlohmann::json::object() : nlohmann::json::parse(text);
+  };
+  auto korvo = std::make_unique<Process>(
+      std::vector<std::string>{(prefix() / "bin/korvo").string(), "open", "korvo://ai"},
+      environment, work / "korvo.out", work / "korvo.err");
+  ASSERT_TRUE(waitFor([&] {
+    const auto shown = state();
+    return shown.value("mapped", false) && shown.value("loginOffer", false);
+  })) << readFile(work / "korvo.err");
+
+  // The bar's "Start at login", by its mnemonic, in the window under the pointer.
+  const auto ids = visibleWindows(server.display(), dashboardTitle);
+  ASSERT_EQ(ids.size(), 1U);
+  const auto geometry = windowGeometry(server.display(), ids.front());
+  ASSERT_TRUE(geometry);
+  runCommand({"xdotool", "mousemove", std::to_string(geometry->x + geometry->width / 2),
+              std::to_string(geometry->y + geometry->height / 2)},
+             {{"PATH", "/usr/bin:/bin"}, {"DISPLAY", server.display()}});
+  pressKey(server.display(), "alt+s");
+  EXPECT_TRUE(waitFor([&] { return !state().value("loginOffer", true); }))
+      << readFile(work / "korvo.err");
+
+  const fs::path wants = home() / ".config/systemd/user/graphical-session.target.wants";
+  for (const char* unit : {"korvo.service", "korvo-widgets.service"}) {
+    ASSERT_TRUE(fs::is_symlink(wants / unit)) << unit;
+    EXPECT_EQ(fs::read_symlink(wants / unit), prefix() / "share/systemd/user" / unit);
+  }
+  for (const char* entry :
+       {"com.tessmoor.Korvo.Service.desktop", "com.tessmoor.Korvo.Widgets.desktop"}) {
+    EXPECT_TRUE(fs::is_regular_file(home() / ".config/autostart" / entry)) << entry;
+  }
+  EXPECT_TRUE(fs::exists(home() / ".local/state/korvo/login-offered"));
+
+  // Asked once: the next start shows no bar.
+  korvo.reset();
+  ASSERT_TRUE(waitFor([&] { return !bus_test::owned(environment, false, "com.tessmoor.Korvo"); }));
+  fs::remove(work / "dashboard.json");
+  korvo = std::make_unique<Process>(
+      std::vector<std::string>{(prefix() / "bin/korvo").string(), "open", "korvo://ai"},
+      environment, work / "korvo.out", work / "korvo.err");
+  ASSERT_TRUE(waitFor([&] { return state().value("mapped", false); }))
+      << readFile(work / "korvo.err");
+  EXPECT_FALSE(state().value("loginOffer", true));
 }
 
 }  // namespace
