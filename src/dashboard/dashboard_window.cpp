@@ -61,7 +61,8 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
       ai_(appearance_, claudeChanged),
       memory_(appearance_),
       awake_(keepAwake, current_),
-      preferences_(application, GTK_WINDOW(window_), claudeChanged),
+      application_(application),
+      claudeChanged_(claudeChanged),
       aiOpened_(std::move(aiOpened)) {
   gtk_window_set_title(GTK_WINDOW(window_), std::string(AppIdentity::applicationTitle).c_str());
   gtk_window_set_default_size(GTK_WINDOW(window_), windowWidth, windowHeight);
@@ -110,11 +111,6 @@ DashboardWindow::DashboardWindow(GtkApplication* application, KeepAwake& keepAwa
                      static_cast<DashboardWindow*>(self)->unmapped();
                    }),
                    this);
-  for (const char* change : {"map", "unmap"}) {
-    g_signal_connect_swapped(
-        preferences_.window(), change,
-        G_CALLBACK(+[](gpointer self) { static_cast<DashboardWindow*>(self)->dump(); }), this);
-  }
   g_signal_connect_swapped(
       stack_, "notify::visible-child",
       G_CALLBACK(+[](gpointer self) { static_cast<DashboardWindow*>(self)->pageChanged(); }), this);
@@ -134,7 +130,7 @@ DashboardWindow::~DashboardWindow() {
   // Destroying unmaps: nothing of this object may run from here on.
   g_signal_handlers_disconnect_by_data(window_, this);
   g_signal_handlers_disconnect_by_data(stack_, this);
-  g_signal_handlers_disconnect_by_data(preferences_.window(), this);
+  if (preferences_) g_signal_handlers_disconnect_by_data(preferences_->window(), this);
   if (ticker_ != 0) g_source_remove(ticker_);
   gtk_widget_destroy(window_);
 }
@@ -148,12 +144,26 @@ void DashboardWindow::present(const DashboardDestination& destination) {
 }
 
 void DashboardWindow::presentPreferences(const std::string& page) {
-  preferences_.present(page);
+  preferences().present(page);
   dump();
 }
 
+PreferencesWindow& DashboardWindow::preferences() {
+  if (!preferences_) {
+    preferences_ =
+        std::make_unique<PreferencesWindow>(application_, GTK_WINDOW(window_), claudeChanged_);
+    for (const char* change : {"map", "unmap"}) {
+      g_signal_connect_swapped(
+          preferences_->window(), change,
+          G_CALLBACK(+[](gpointer self) { static_cast<DashboardWindow*>(self)->dump(); }), this);
+    }
+    preferences_->show(current_);
+  }
+  return *preferences_;
+}
+
 void DashboardWindow::close() {
-  gtk_window_close(GTK_WINDOW(preferences_.window()));
+  if (preferences_) gtk_window_close(GTK_WINDOW(preferences_->window()));
   gtk_window_close(GTK_WINDOW(window_));
 }
 
@@ -215,7 +225,7 @@ void DashboardWindow::reloadShared() {
 
 void DashboardWindow::reloadSettings() {
   current_ = settings_file::load(std::cerr);
-  preferences_.show(current_);
+  if (preferences_) preferences_->show(current_);
   awake_.refresh();
   if (mapped_) memory_.refresh(current_.memoryDisplayMode);
 }
@@ -249,8 +259,8 @@ void DashboardWindow::dump() const {
                            : nlohmann::ordered_json(nullptr);
   document["loginOffer"] = loginOffer_.shown();
   document["mapped"] = mapped_;
-  document["preferences"] = gtk_widget_get_mapped(preferences_.window())
-                                ? nlohmann::ordered_json(preferences_.page())
+  document["preferences"] = preferences_ && gtk_widget_get_mapped(preferences_->window())
+                                ? nlohmann::ordered_json(preferences_->page())
                                 : nlohmann::ordered_json(nullptr);
   const std::string temporary = std::string(file) + ".tmp";
   std::ofstream(temporary, std::ios::trunc) << document.dump() << '\n';

@@ -50,6 +50,7 @@ class DashboardWindow {
 
  private:
   void show(const char* page);
+  PreferencesWindow& preferences();
   void dump() const;
 
   GtkWidget* window_;
@@ -60,7 +61,11 @@ class DashboardWindow {
   AiPage ai_;
   MemoryPage memory_;
   AwakePage awake_;
-  PreferencesWindow preferences_;
+  // Built when first asked for: its folder chooser alone would make the dashboard's first showing
+  // slower by half.
+  std::unique_ptr<PreferencesWindow> preferences_;
+  GtkApplication* application_;
+  std::function<void()> claudeChanged_;
   Settings current_;
   std::optional<gtk::FileWatch> sharedWatch_;
   std::optional<gtk::FileWatch> settingsWatch_;
