@@ -136,6 +136,14 @@ std::optional<HistoryStore> HistoryStore::open(const std::filesystem::path& file
   return std::nullopt;
 }
 
+std::optional<HistoryStore> HistoryStore::openExisting(std::ostream& log, Date now,
+                                                       std::chrono::milliseconds patience) {
+  const auto file = location();
+  std::error_code error;
+  if (!file || !std::filesystem::exists(*file, error)) return std::nullopt;
+  return open(*file, log, now, patience);
+}
+
 bool HistoryStore::execute(const char* sql) const {
   return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }

@@ -46,6 +46,10 @@ class HistoryStore {
   static std::optional<HistoryStore> open(const std::filesystem::path& file, std::ostream& log,
                                           Date now, std::chrono::milliseconds patience);
 
+  // The history at location() when there is one; a reader never creates it.
+  static std::optional<HistoryStore> openExisting(std::ostream& log, Date now,
+                                                  std::chrono::milliseconds patience);
+
   // Records `rows` in one transaction. False when they cannot be (a full disk, a database locked
   // longer than the patience): they are skipped, nothing else changes.
   bool record(const std::vector<HistoryRow>& rows);
