@@ -29,10 +29,11 @@ std::optional<std::filesystem::path> location() {
 std::string document(const usage_alerts::Memory& memory) {
   nlohmann::ordered_json given = nlohmann::ordered_json::array();
   for (const auto& entry : memory.given) {
-    given.push_back({{"metric", entry.metric},
-                     {"resetsAt", entry.resetsAt ? nlohmann::ordered_json(entry.resetsAt->unixSeconds())
-                                                 : nlohmann::ordered_json(nullptr)},
-                     {"percent", entry.percent}});
+    given.push_back(
+        {{"metric", entry.metric},
+         {"resetsAt", entry.resetsAt ? nlohmann::ordered_json(entry.resetsAt->unixSeconds())
+                                     : nlohmann::ordered_json(nullptr)},
+         {"percent", entry.percent}});
   }
   return nlohmann::ordered_json{{"given", given}, {"hot", memory.hot}}.dump() + '\n';
 }
@@ -53,13 +54,14 @@ Decoded<usage_alerts::Memory> parse(std::string_view json) {
     for (const auto& entry : *given) {
       json_reader::expectObject(entry, "given");
       usage_alerts::Given item;
-      item.metric = json_reader::readString(json_reader::required(entry, "given", "metric"), "given.metric");
+      item.metric =
+          json_reader::readString(json_reader::required(entry, "given", "metric"), "given.metric");
       const auto* reset = json_reader::optional(entry, "resetsAt");
       if (reset != nullptr) {
         item.resetsAt = Date::fromUnixSeconds(json_reader::readNumber(*reset, "given.resetsAt"));
       }
-      const double percent =
-          json_reader::readNumber(json_reader::required(entry, "given", "percent"), "given.percent");
+      const double percent = json_reader::readNumber(
+          json_reader::required(entry, "given", "percent"), "given.percent");
       if (percent < 0 || percent > 100) throw json_reader::Failure{"given.percent must be 0–100"};
       item.percent = static_cast<int>(percent);
       memory.given.push_back(std::move(item));

@@ -10,16 +10,15 @@ namespace korvo::publication_alerts {
 
 usage_alerts::Readings readings(const WidgetSnapshot& snapshot, const HistoryStore* history) {
   usage_alerts::Readings found{{}, snapshot.temperature, snapshot.date};
-  for (const auto& [name, metric, state] :
-       {std::tuple{"Codex", "codex.", &snapshot.codex},
-        std::tuple{"Claude", "claude.", &snapshot.claude}}) {
+  for (const auto& [name, metric, state] : {std::tuple{"Codex", "codex.", &snapshot.codex},
+                                            std::tuple{"Claude", "claude.", &snapshot.claude}}) {
     if (!state->enabled || !state->snapshot) continue;
     for (const UsageWindow& window : state->snapshot->windows) {
       const std::string key = metric + window.title;
-      found.windows.push_back(
-          {name, key, window,
-           history != nullptr ? recentForecast(*history, key, window, snapshot.date)
-                              : std::nullopt});
+      found.windows.push_back({name, key, window,
+                               history != nullptr
+                                   ? recentForecast(*history, key, window, snapshot.date)
+                                   : std::nullopt});
     }
   }
   return found;
@@ -35,8 +34,8 @@ std::vector<usage_alerts::Alert> raise(const WidgetSnapshot& snapshot, const Set
           : HistoryStore::openExisting(notes, snapshot.date, publisher::historyPatience);
   auto memory = alert_state_file::load(notes);
   const auto before = memory;
-  auto alerts = usage_alerts::check(readings(snapshot, history ? &*history : nullptr), settings,
-                                    memory);
+  auto alerts =
+      usage_alerts::check(readings(snapshot, history ? &*history : nullptr), settings, memory);
   if (memory != before && !alert_state_file::save(memory)) {
     notes << "korvo: cannot keep the alerts given in korvo's state; they may be given again\n";
   }

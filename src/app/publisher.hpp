@@ -71,8 +71,8 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
 // std::runtime_error with a one-line message when the file has no place or cannot be written, or
 // when the lock is not had within lockPatience or before `stop` is requested. The snapshot
 // written.
-WidgetSnapshot publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop = {},
-             LiveAsk live = LiveAsk::whenDue);
+WidgetSnapshot publish(const Settings& settings, std::ostream& notes,
+                       const std::stop_token& stop = {}, LiveAsk live = LiveAsk::whenDue);
 
 // The bytes publish would write now, without writing anything.
 std::string preview(const Settings& settings);

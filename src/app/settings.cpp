@@ -200,7 +200,8 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   set(SettingKey::agentNotices, settings.agentNotices);
   set(SettingKey::alertPercents, settings.alertPercents);
   set(SettingKey::temperatureAlert, settings.temperatureAlert);
-  set(SettingKey::temperatureUnit, std::string(wordFor(temperatureUnitWords, settings.temperatureUnit)));
+  set(SettingKey::temperatureUnit,
+      std::string(wordFor(temperatureUnitWords, settings.temperatureUnit)));
   return document;
 }
 

@@ -88,8 +88,9 @@ Decoded<Settings> parseSettings(std::string_view json);
 nlohmann::ordered_json settingsDocument(const Settings& settings);
 
 // The JSON value of the setting `word` names, from a command-line text ("true", "90", "usedGB",
-// "/home/a/.codex", "80,95" for alertPercents, where "" is none); null for an empty codexHome (which removes it). Throws UsageError naming the
-// key and its valid values, or every key for a word that names none.
+// "/home/a/.codex", "80,95" for alertPercents, where "" is none); null for an empty codexHome
+// (which removes it). Throws UsageError naming the key and its valid values, or every key for a
+// word that names none.
 nlohmann::ordered_json settingValue(std::string_view word, std::string_view text);
 
 }  // namespace korvo

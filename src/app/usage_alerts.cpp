@@ -15,7 +15,8 @@ constexpr double resetSlackSeconds = 120;
 
 bool samePeriod(const Given& given, const WindowReading& reading) {
   const auto& reset = reading.window.resetsAt;
-  if (given.resetsAt && reset) return std::abs(reset->secondsSince(*given.resetsAt)) <= resetSlackSeconds;
+  if (given.resetsAt && reset)
+    return std::abs(reset->secondsSince(*given.resetsAt)) <= resetSlackSeconds;
   if (given.resetsAt || reset) return false;
   // Without a reset the period is over once the figure falls back below the threshold.
   return given.percent == 0 || reading.window.usedPercent >= given.percent;

@@ -311,7 +311,8 @@ void HostApplication::raise(const PublishLoop::Alerts& alerts) {
       if (graphical_) dashboard()->present({tab, std::nullopt});
     };
     const std::string title = _("Open ") + shortTitle(tab);
-    notifier_->send(alert.summary, alert.body, {{"open", title, openTab}, {"default", title, openTab}});
+    notifier_->send(alert.summary, alert.body,
+                    {{"open", title, openTab}, {"default", title, openTab}});
   }
 }
 

@@ -26,14 +26,13 @@ bool namesSettings(GFile* file) {
 }  // namespace
 
 PublishLoop::PublishLoop(std::ostream& log)
-    : PublishLoop(
-          [](std::ostream& out) { return settings_file::load(out); },
-          [](const Settings& settings, publisher::LiveAsk live, std::ostream& notes,
-             const std::stop_token& stop) {
-            const auto snapshot = publisher::publish(settings, notes, stop, live);
-            return publication_alerts::raise(snapshot, settings, notes);
-          },
-          log) {}
+    : PublishLoop([](std::ostream& out) { return settings_file::load(out); },
+                  [](const Settings& settings, publisher::LiveAsk live, std::ostream& notes,
+                     const std::stop_token& stop) {
+                    const auto snapshot = publisher::publish(settings, notes, stop, live);
+                    return publication_alerts::raise(snapshot, settings, notes);
+                  },
+                  log) {}
 
 PublishLoop::PublishLoop(LoadSettings load, Publish publish, std::ostream& log)
     : load_(std::move(load)), publish_(std::move(publish)), log_(log) {}

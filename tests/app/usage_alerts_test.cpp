@@ -21,9 +21,8 @@ const Date reset = now.addingSeconds(3 * 24 * 3600.0);
 
 Readings weekly(double used, std::optional<Date> resetsAt = reset,
                 std::optional<forecast::Forecast> found = std::nullopt) {
-  return {{{"Codex", "codex.Weekly", UsageWindow{"Weekly", used, resetsAt}, found}},
-          std::nullopt,
-          now};
+  return {
+      {{"Codex", "codex.Weekly", UsageWindow{"Weekly", used, resetsAt}, found}}, std::nullopt, now};
 }
 
 std::vector<std::string> summaries(const std::vector<Alert>& alerts) {
@@ -131,7 +130,8 @@ TEST(AlertStateFileTest, TheDocumentReadsBackAndABadOneNamesItsFault) {
   const auto read = alert_state_file::parse(alert_state_file::document(memory));
   ASSERT_TRUE(std::holds_alternative<Memory>(read));
   EXPECT_EQ(std::get<Memory>(read), memory);
-  const auto bad = alert_state_file::parse(R"({"given":[{"metric":"codex.Weekly","percent":"x"}]})");
+  const auto bad =
+      alert_state_file::parse(R"({"given":[{"metric":"codex.Weekly","percent":"x"}]})");
   ASSERT_TRUE(std::holds_alternative<DecodeFailure>(bad));
   EXPECT_THAT(std::get<DecodeFailure>(bad).reason, HasSubstr("percent"));
 }
