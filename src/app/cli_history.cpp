@@ -70,12 +70,8 @@ Json forecastJson(const std::optional<forecast::Forecast>& found) {
   return {{"usedAtReset", *found->usedAtReset}};
 }
 
-std::string forecastText(const std::optional<forecast::Forecast>& found, Date now) {
-  if (!found) return {};
-  if (found->exhaustsAt) {
-    return " · at this pace runs out " + shortTimeOrDateTime(*found->exhaustsAt, now);
-  }
-  return cFormat(" · at this pace %.0f%% used at the reset", *found->usedAtReset);
+std::string forecastPart(const std::optional<forecast::Forecast>& found, Date now) {
+  return found ? " · " + forecastText(*found, now) : std::string();
 }
 
 void printUsage(const WidgetSnapshot& snapshot, const std::optional<HistoryStore>& history,
@@ -101,7 +97,7 @@ void printUsage(const WidgetSnapshot& snapshot, const std::optional<HistoryStore
       windowEntry["forecast"] = forecastJson(found);
       entry["windows"].push_back(std::move(windowEntry));
       text += std::string(provider.name) + " · " + window.remainingSummary() + " · " +
-              window.resetText() + forecastText(found, now) + '\n';
+              window.resetText() + forecastPart(found, now) + '\n';
     }
     document["providers"].push_back(std::move(entry));
   }

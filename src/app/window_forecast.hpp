@@ -14,4 +14,7 @@ std::optional<forecast::Forecast> recentForecast(const HistoryStore& history,
                                                  const std::string& metric,
                                                  const UsageWindow& window, Date now);
 
+// "at this pace runs out 3:20 PM" or "at this pace 78% used at the reset".
+std::string forecastText(const forecast::Forecast& found, Date now);
+
 }  // namespace korvo
