@@ -13,6 +13,7 @@ struct DateTextFunctions {
   std::string (*shortTime)(Date moment);
   std::string (*abbreviatedDateShortTime)(Date moment);
   std::string (*relativeSpan)(Date dataMoment, Date now);
+  std::string (*weekday)(Date moment);
 };
 
 // The symbol the module exports: a function returning its DateTextFunctions.
