@@ -26,6 +26,34 @@ double ceiling(const Graph& graph, double floor) {
   return highest > floor ? std::ceil(highest / 10) * 10 : floor;
 }
 
+// At most `most` points: beyond that, the mean of each of `most` equal stretches of time, so a
+// day of readings a second draws in as many strokes as the graph has room for.
+std::vector<Point> thinned(std::vector<Point> points, double from, double to, std::size_t most) {
+  if (points.size() <= most || to <= from) return points;
+  std::vector<Point> kept;
+  const double stretch = (to - from) / static_cast<double>(most);
+  double sumTime = 0;
+  double sumValue = 0;
+  int count = 0;
+  double bucket = std::floor((points.front().time - from) / stretch);
+  for (const Point& point : points) {
+    const double at = std::floor((point.time - from) / stretch);
+    if (at != bucket && count > 0) {
+      kept.push_back({sumTime / count, sumValue / count});
+      sumTime = sumValue = 0;
+      count = 0;
+    }
+    bucket = at;
+    sumTime += point.time;
+    sumValue += point.value;
+    ++count;
+  }
+  if (count > 0) kept.push_back({sumTime / count, sumValue / count});
+  // The latest reading stays as it was: the summary and the line's end agree.
+  kept.back() = points.back();
+  return kept;
+}
+
 std::string spanWords(double seconds) {
   return seconds <= hourSeconds + 1 ? _("in the last hour") : _("in the last day");
 }
@@ -57,7 +85,7 @@ Graph usageGraph(const std::string& name, const UsageWindow& window,
   const auto length = windowSeconds(window.title);
   const double end = window.resetsAt ? window.resetsAt->unixSeconds() : now.unixSeconds();
   graph.to = std::max(end, now.unixSeconds());
-  graph.from = length ? end - *length
+  graph.from = length             ? end - *length
                : readings.empty() ? now.unixSeconds() - hourSeconds
                                   : readings.front().time.unixSeconds();
   Line used{{}, Tone::accent, false, true};
@@ -66,15 +94,16 @@ Graph usageGraph(const std::string& name, const UsageWindow& window,
     if (time >= graph.from && time <= now.unixSeconds()) used.points.push_back({time, row.value});
   }
   used.points.push_back({now.unixSeconds(), window.usedPercent});
+  used.points = thinned(std::move(used.points), graph.from, now.unixSeconds(), maxPoints);
   graph.lines.push_back(std::move(used));
 
   graph.summary = name + ": " + percentText(window.usedPercent) + _(" used");
   if (found && found->exhaustsAt) {
-    graph.lines.push_back({{{now.unixSeconds(), window.usedPercent},
-                            {found->exhaustsAt->unixSeconds(), 100}},
-                           Tone::limit,
-                           true,
-                           false});
+    graph.lines.push_back(
+        {{{now.unixSeconds(), window.usedPercent}, {found->exhaustsAt->unixSeconds(), 100}},
+         Tone::limit,
+         true,
+         false});
     graph.summary += _(", at this pace it runs out ") + dayText(*found->exhaustsAt, now) + " " +
                      _("at ") + shortTime(*found->exhaustsAt);
   } else if (found && found->usedAtReset && window.resetsAt) {
@@ -83,8 +112,8 @@ Graph usageGraph(const std::string& name, const UsageWindow& window,
                            Tone::accent,
                            true,
                            false});
-    graph.summary += _(", at this pace ") + percentText(*found->usedAtReset) +
-                     _(" at the reset ") + dayText(*window.resetsAt, now);
+    graph.summary += _(", at this pace ") + percentText(*found->usedAtReset) + _(" at the reset ") +
+                     dayText(*window.resetsAt, now);
   } else if (window.resetsAt) {
     graph.summary += _(", resets ") + dayText(*window.resetsAt, now) + " " + _("at ") +
                      shortTime(*window.resetsAt);
@@ -122,7 +151,8 @@ Graph figureGraph(Figure figure, const std::vector<Point>& readings, Date from, 
   const auto text = [&](double value) {
     switch (figure) {
       case Figure::memoryPressure:
-        return value >= 4 ? _("critical") : value >= 2 ? _("warning") : _("normal");
+        // The kernel's levels: 1 normal, 2 warning, 4 critical, named as the Mem tab names them.
+        return value >= 4 ? _("High") : value >= 2 ? _("Elevated") : _("Normal");
       case Figure::temperature:
         return cFormat("%.0f", value) + (unit == TemperatureUnit::fahrenheit ? "°F" : "°C");
       default:
@@ -152,11 +182,13 @@ Graph figureGraph(Figure figure, const std::vector<Point>& readings, Date from, 
   if (line.points.empty()) {
     graph.summary = graph.name + ": " + _("no readings ") + spanWords(span);
   } else {
+    // The highest reading, before thinning averages it away.
     double highest = line.points.front().value;
     for (const Point& point : line.points) highest = std::max(highest, point.value);
     graph.summary = graph.name + ": " + text(line.points.back().value) + _(", at most ") +
                     text(highest) + " " + spanWords(span);
   }
+  line.points = thinned(std::move(line.points), graph.from, graph.to, maxPoints);
   graph.lines.push_back(std::move(line));
   if (figure != Figure::memoryPressure) graph.high = ceiling(graph, graph.high);
   return graph;

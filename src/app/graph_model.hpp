@@ -47,6 +47,9 @@ struct Graph {
   friend bool operator==(const Graph&, const Graph&) = default;
 };
 
+// A line holds at most this many points: more are averaged over equal stretches of time.
+inline constexpr std::size_t maxPoints = 600;
+
 // How long a window titled `title` lasts: "5-hour", "N-hour", "Weekly", "Monthly", "Annual";
 // none for a title that does not say.
 std::optional<double> windowSeconds(const std::string& title);

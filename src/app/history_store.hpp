@@ -30,7 +30,7 @@ struct HistoryRow {
 // averagedDays, nothing older. Only figures ever enter it.
 class HistoryStore {
  public:
-  static constexpr int schemaVersion = 2;
+  static constexpr int schemaVersion = 3;
   static constexpr double rawDays = 7;
   static constexpr double averagedDays = 90;
   static constexpr double averageSeconds = 600;

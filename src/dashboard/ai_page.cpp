@@ -29,7 +29,7 @@ void openPage(GtkButton* button, gpointer) {
 
 }  // namespace
 
-AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
+AiPage::AiPage(const gtk::AppearanceWatch& appearance) : graphs_(appearance) {
   static const KorvoUsageWidget usage;
   static const WidgetConfiguration configuration = usage.body();
   GtkWidget* content = nullptr;
@@ -38,6 +38,7 @@ AiPage::AiPage(const gtk::AppearanceWatch& appearance) {
   gtk_box_pack_start(GTK_BOX(content), card_->widget(), FALSE, FALSE, 0);
   providers_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
   gtk_box_pack_start(GTK_BOX(content), providers_, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(content), graphs_.widget(), FALSE, FALSE, 0);
 }
 
 void AiPage::refresh() {
@@ -85,6 +86,7 @@ void AiPage::refresh() {
     gtk_box_pack_start(GTK_BOX(providers_), button, FALSE, FALSE, 0);
   }
   gtk_widget_show_all(providers_);
+  graphs_.show(snapshot);
 }
 
 void AiPage::tick() {

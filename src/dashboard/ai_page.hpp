@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "dashboard/usage_graph.hpp"
 #include "gtk/widget_card.hpp"
 #include "shared/usage_snapshot.hpp"
 #include "shared/usage_window.hpp"
@@ -28,6 +29,7 @@ class AiPage {
   GtkWidget* page_;
   GtkWidget* providers_;
   std::unique_ptr<WidgetCard> card_;
+  UsageGraphs graphs_;
   std::vector<std::pair<GtkWidget*, UsageWindow>> countdowns_;
   std::vector<std::pair<GtkWidget*, UsageSnapshot>> origins_;  // the figures' source and age
 };

@@ -48,10 +48,9 @@ TEST_F(GraphModelTest, AWindowIsDrawnFromItsStartWithTheForecastDashedToTheReset
   EXPECT_EQ(graph.high, 100);
   ASSERT_EQ(graph.lines.size(), 2U);
   // The reading of the last period is left out; the latest figure closes the line.
-  EXPECT_EQ(graph.lines[0].points,
-            (std::vector<Point>{{now.unixSeconds() - 86400, 20},
-                                {now.unixSeconds() - 3600, 40},
-                                {now.unixSeconds(), 41}}));
+  EXPECT_EQ(graph.lines[0].points, (std::vector<Point>{{now.unixSeconds() - 86400, 20},
+                                                       {now.unixSeconds() - 3600, 40},
+                                                       {now.unixSeconds(), 41}}));
   EXPECT_FALSE(graph.lines[0].dashed);
   EXPECT_TRUE(graph.lines[1].dashed);
   EXPECT_EQ(graph.lines[1].points,
@@ -78,18 +77,17 @@ TEST_F(GraphModelTest, AnOverrunRaisesTheScaleAndNoForecastSaysTheReset) {
 }
 
 TEST_F(GraphModelTest, AMachineFigureSaysItsLatestAndHighestOverItsSpan) {
-  const std::vector<Point> readings{{now.unixSeconds() - 7200, 99},
-                                    {now.unixSeconds() - 1800, 80},
-                                    {now.unixSeconds() - 60, 12}};
+  const std::vector<Point> readings{
+      {now.unixSeconds() - 7200, 99}, {now.unixSeconds() - 1800, 80}, {now.unixSeconds() - 60, 12}};
   const Graph load =
       graphs::figureGraph(Figure::cpuLoad, readings, now.addingSeconds(-3600), now, {});
   EXPECT_EQ(load.name, "CPU load");
   EXPECT_EQ(load.summary, "CPU load: 12 %, at most 80 % in the last hour");
   EXPECT_EQ(load.lines.front().points.size(), 2U);
 
-  const Graph heat = graphs::figureGraph(Figure::temperature, {{now.unixSeconds() - 60, 100}},
-                                         now.addingSeconds(-86400), now,
-                                         TemperatureUnit::fahrenheit);
+  const Graph heat =
+      graphs::figureGraph(Figure::temperature, {{now.unixSeconds() - 60, 100}},
+                          now.addingSeconds(-86400), now, TemperatureUnit::fahrenheit);
   EXPECT_EQ(heat.summary, "CPU temperature: 212°F, at most 212°F in the last day");
   EXPECT_EQ(heat.lines.front().points.front().value, 212);
   EXPECT_EQ(heat.high, 220);
@@ -97,6 +95,22 @@ TEST_F(GraphModelTest, AMachineFigureSaysItsLatestAndHighestOverItsSpan) {
   const Graph pressure =
       graphs::figureGraph(Figure::memoryPressure, {}, now.addingSeconds(-3600), now, {});
   EXPECT_EQ(pressure.summary, "Memory pressure: no readings in the last hour");
+}
+
+TEST_F(GraphModelTest, ADayOfReadingsASecondIsThinnedToWhatAGraphCanDrawEndingOnTheLatest) {
+  std::vector<Point> readings;
+  for (int second = 86400; second > 0; --second) {
+    readings.push_back({now.unixSeconds() - second, second % 2 == 0 ? 10.0 : 30.0});
+  }
+  readings.push_back({now.unixSeconds(), 25});
+  const Graph graph =
+      graphs::figureGraph(Figure::memoryUsed, readings, now.addingSeconds(-86400), now, {});
+  const auto& points = graph.lines.front().points;
+  EXPECT_LE(points.size(), graphs::maxPoints + 1);
+  EXPECT_GE(points.size(), graphs::maxPoints - 1);
+  EXPECT_NEAR(points[points.size() / 2].value, 20, 0.5) << "each stretch is its mean";
+  EXPECT_EQ(points.back(), (Point{now.unixSeconds(), 25}));
+  EXPECT_EQ(graph.summary, "Memory used: 25 %, at most 30 % in the last day");
 }
 
 }  // namespace

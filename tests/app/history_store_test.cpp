@@ -100,10 +100,23 @@ TEST_F(HistoryStoreTest, AHistoryOfTheFirstSchemaIsBroughtUpToDateWithItsRows) {
   sqlite3_close(database);
   auto store = open();
   ASSERT_TRUE(store);
-  EXPECT_EQ(scalar(file, "PRAGMA user_version;"), "2");
+  EXPECT_EQ(scalar(file, "PRAGMA user_version;"), std::to_string(HistoryStore::schemaVersion));
   EXPECT_EQ(store->rows(std::nullopt, std::nullopt),
             (std::vector<HistoryRow>{
                 {Date::fromUnixSeconds(1795600000), "temperature", 55, std::nullopt}}));
+}
+
+TEST_F(HistoryStoreTest, APublicationCompactsOnceRawRowsAreAnHourPastTheWeek) {
+  auto store = open();
+  ASSERT_TRUE(store);
+  const Date weekAndHalfAnHour = now.addingSeconds(-7 * 86400 - 1800);
+  ASSERT_TRUE(store->record(
+      {{weekAndHalfAnHour, "cpu.load", 10, std::nullopt}, {now, "cpu.load", 20, std::nullopt}}));
+  ASSERT_TRUE(store->compactIfDue(now));
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples WHERE averaged = 1;"), "0") << "not due";
+  ASSERT_TRUE(store->compactIfDue(now.addingSeconds(3600)));
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples WHERE averaged = 1;"), "1");
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples WHERE averaged = 0;"), "1");
 }
 
 TEST_F(HistoryStoreTest, AWeekOldRowsBecomeTenMinuteAveragesAndNinetyDayOldOnesGo) {
