@@ -34,8 +34,8 @@ HistoryRow window(const std::string& metric, double length, double pace, double 
 
 int main(int argc, char** argv) {
   double days = 0;
-  if (argc < 2 || std::from_chars(argv[1], argv[1] + std::string(argv[1]).size(), days).ec !=
-                      std::errc()) {
+  if (argc < 2 ||
+      std::from_chars(argv[1], argv[1] + std::string(argv[1]).size(), days).ec != std::errc()) {
     std::cerr << "usage: history_simulate DAYS [END]\n";
     return 2;
   }

@@ -85,7 +85,8 @@ Graph usageGraph(const std::string& name, const UsageWindow& window,
   const auto length = windowSeconds(window.title);
   const double end = window.resetsAt ? window.resetsAt->unixSeconds() : now.unixSeconds();
   graph.to = std::max(end, now.unixSeconds());
-  graph.from = length             ? end - *length
+  // A reset further off than the window is long (a stale reset) still shows now.
+  graph.from = length             ? std::min(end - *length, now.unixSeconds() - *length / 10)
                : readings.empty() ? now.unixSeconds() - hourSeconds
                                   : readings.front().time.unixSeconds();
   Line used{{}, Tone::accent, false, true};

@@ -65,10 +65,16 @@ void traceLine(cairo_t* cr, const Plot& plot, const graphs::Line& line) {
 void paint(cairo_t* cr, const graphs::Graph& graph, double width, double height,
            const ui::Palette& palette, double now) {
   cairo_save(cr);
+  // The card's base, a shade off the window's so the graph reads as a card of its own.
   roundedRectangle(cr, width, height);
   setColor(cr, palette.windowBackground);
   cairo_fill_preserve(cr);
-  cairo_clip(cr);
+  setColor(cr, palette.primary.opacity(0.04));
+  cairo_fill_preserve(cr);
+  cairo_clip_preserve(cr);
+  cairo_set_line_width(cr, 2);  // half of it inside the clip: one point
+  setColor(cr, palette.separator);
+  cairo_stroke(cr);
 
   const Plot plot{inset,      inset,    width - 2 * inset, height - 2 * inset,
                   graph.from, graph.to, graph.low,         graph.high};

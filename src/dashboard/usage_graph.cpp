@@ -20,13 +20,17 @@ constexpr std::chrono::milliseconds historyPatience{200};
 }  // namespace
 
 UsageGraphs::UsageGraphs(const gtk::AppearanceWatch& appearance) : appearance_(appearance) {
-  box_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
-  atk_object_set_name(gtk_widget_get_accessible(box_), _("Usage graphs").c_str());
-  atk_object_set_role(gtk_widget_get_accessible(box_), ATK_ROLE_PANEL);
+  box_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
+  gtk_box_pack_start(GTK_BOX(box_), dashboard_widgets::heading(_("Use over each window")), FALSE,
+                     FALSE, 0);
+  graphs_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 2);
+  atk_object_set_name(gtk_widget_get_accessible(graphs_), _("Usage graphs").c_str());
+  atk_object_set_role(gtk_widget_get_accessible(graphs_), ATK_ROLE_PANEL);
+  gtk_box_pack_start(GTK_BOX(box_), graphs_, FALSE, FALSE, 0);
 }
 
 void UsageGraphs::show(const std::optional<WidgetSnapshot>& snapshot) {
-  dashboard_widgets::clear(box_);
+  dashboard_widgets::clear(graphs_);
   views_.clear();
   if (!snapshot) return;
   const Date now = clock::now();
@@ -43,7 +47,7 @@ void UsageGraphs::show(const std::optional<WidgetSnapshot>& snapshot) {
       auto view = std::make_unique<GraphView>(appearance_);
       view->show(graphs::usageGraph(usage_alerts::windowName(name, window.title), window, readings,
                                     found, now));
-      view->packInto(box_);
+      view->packInto(graphs_);
       views_.push_back(std::move(view));
     }
   }

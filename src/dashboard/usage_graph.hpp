@@ -23,6 +23,7 @@ class UsageGraphs {
  private:
   const gtk::AppearanceWatch& appearance_;
   GtkWidget* box_;
+  GtkWidget* graphs_;
   std::vector<std::unique_ptr<GraphView>> views_;
 };
 
