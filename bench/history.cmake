@@ -5,3 +5,5 @@ if(TARGET korvo_dashboard)
   korvo_add_benchmark(usage_graph_bench SOURCES ${CMAKE_CURRENT_LIST_DIR}/usage_graph_bench.cpp
                       LIBRARIES korvo_dashboard)
 endif()
+korvo_add_benchmark(publish_bench SOURCES ${CMAKE_CURRENT_LIST_DIR}/publish_bench.cpp
+                    LIBRARIES korvo_app)

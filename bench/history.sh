@@ -5,7 +5,8 @@
 #   is skipped at once);
 # - `korvo usage` (forecasts from 90 days of history) against `korvo codex`;
 # and the history file's size after 90 days. The AI tab's graphs with 90 days of history against
-# none: bench/usage_graph_bench, run at the end.
+# none: bench/usage_graph_bench; the service's publications in one process (the history kept
+# open between them): bench/publish_bench. Both run at the end.
 #   bench/history.sh [BUILD]     (default build/dev)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -45,4 +46,11 @@ echo "the AI tab's graphs (4 windows: history read, forecast, model, Cairo at sc
 for kind in none ninety; do
   XDG_STATE_HOME="$scratch/$kind" "$build/bench/usage_graph_bench" --benchmark_min_time=0.5 2>/dev/null |
     grep BM_AiTabGraphs | sed "s/^/$kind: /"
+done
+echo
+echo "the service's publication in one process, one after another, no history / 90 days:"
+for kind in none ninety; do
+  XDG_STATE_HOME="$scratch/$kind" "$build/bench/publish_bench" --benchmark_min_time=2 \
+    --benchmark_repetitions=3 --benchmark_report_aggregates_only=true 2>/dev/null |
+    grep "_median" | sed "s/^/$kind: /"
 done

@@ -34,8 +34,7 @@ void BM_AiTabGraphs(benchmark::State& state) {
     const auto history = HistoryStore::openExisting(log, now, std::chrono::milliseconds(200));
     for (const auto& [metric, window] : windows) {
       const Date start = window.resetsAt->addingSeconds(-*graphs::windowSeconds(window.title));
-      const auto readings =
-          history ? history->rows(start, now, metric) : std::vector<HistoryRow>{};
+      const auto readings = history ? history->rows(start, now, metric) : std::vector<HistoryRow>{};
       points += readings.size();
       const auto graph = graphs::usageGraph(metric, window, readings,
                                             forecast::forecast(readings, window, now), now);

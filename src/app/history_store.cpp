@@ -219,26 +219,23 @@ bool HistoryStore::compact(Date now) {
 }
 
 std::vector<HistoryRow> HistoryStore::rows(std::optional<Date> since, std::optional<Date> until,
-                                           const std::string& prefix) const {
-  // The metrics beginning with the prefix, as a range the index by metric and time can walk:
-  // the graphs read one window's week among the figures of every other metric.
-  const std::string beyond = prefix + '\xff';
-  const Statement query(database_.get(), prefix.empty()
-                                             ? "SELECT time, metric, value, resets_at FROM samples "
-                                               "WHERE time >= ?1 AND time <= ?2 AND metric >= ?3 "
-                                               "AND metric < ?4 ORDER BY time, rowid;"
-                                             : "SELECT time, metric, value, resets_at FROM samples "
-                                               "INDEXED BY samples_by_metric "
-                                               "WHERE time >= ?1 AND time <= ?2 AND metric >= ?3 "
-                                               "AND metric < ?4 ORDER BY time, rowid;");
+                                           const std::string& metric) const {
+  // One metric's rows walk the index by metric and time: the graphs read a window's week among
+  // the figures of every other metric.
+  const Statement query(database_.get(),
+                        metric.empty() ? "SELECT time, metric, value, resets_at FROM samples "
+                                         "WHERE time >= ?1 AND time <= ?2 ORDER BY time, rowid;"
+                                       : "SELECT time, metric, value, resets_at FROM samples "
+                                         "WHERE metric = ?3 AND time >= ?1 AND time <= ?2 "
+                                         "ORDER BY time, rowid;");
   std::vector<HistoryRow> found;
   if (!query.ok()) return found;
   sqlite3_bind_double(query.get(), 1, since ? since->unixSeconds() : -HUGE_VAL);
   sqlite3_bind_double(query.get(), 2, until ? until->unixSeconds() : HUGE_VAL);
-  sqlite3_bind_text(query.get(), 3, prefix.c_str(), static_cast<int>(prefix.size()),
-                    SQLITE_TRANSIENT);
-  sqlite3_bind_text(query.get(), 4, beyond.c_str(), static_cast<int>(beyond.size()),
-                    SQLITE_TRANSIENT);
+  if (!metric.empty()) {
+    sqlite3_bind_text(query.get(), 3, metric.c_str(), static_cast<int>(metric.size()),
+                      SQLITE_TRANSIENT);
+  }
   while (sqlite3_step(query.get()) == SQLITE_ROW) {
     HistoryRow row;
     row.time = Date::fromUnixSeconds(sqlite3_column_double(query.get(), 0));

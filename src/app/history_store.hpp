@@ -60,10 +60,10 @@ class HistoryStore {
   // Compacts when raw rows have been over rawDays old for an hour.
   bool compactIfDue(Date now);
 
-  // The rows from `since` to `until` (inclusive), oldest first; only metrics beginning with
-  // `prefix`.
+  // The rows from `since` to `until` (inclusive), oldest first; only those of `metric` when it
+  // is not empty.
   std::vector<HistoryRow> rows(std::optional<Date> since, std::optional<Date> until,
-                               const std::string& prefix = {}) const;
+                               const std::string& metric = {}) const;
 
  private:
   struct Close {

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "app/alert_state_file.hpp"
+#include "app/history_figures.hpp"
 #include "app/publisher.hpp"
 #include "app/window_forecast.hpp"
 
@@ -27,15 +28,17 @@ usage_alerts::Readings readings(const WidgetSnapshot& snapshot, const HistorySto
 std::vector<usage_alerts::Alert> raise(const WidgetSnapshot& snapshot, const Settings& settings,
                                        std::ostream& notes) {
   if (settings.alertPercents.empty() && settings.temperatureAlert == 0) return {};
-  // Forecasts only matter to the runs-out notice, which needs thresholds.
-  const auto history =
-      settings.alertPercents.empty()
-          ? std::nullopt
-          : HistoryStore::openExisting(notes, snapshot.date, publisher::historyPatience);
+  // Forecasts only matter to the runs-out notice, which needs thresholds; the publication has
+  // just written the history, which stays open for this.
+  usage_alerts::Readings found = readings(snapshot, nullptr);
+  if (!settings.alertPercents.empty()) {
+    history_figures::withHistory(
+        snapshot.date, notes, publisher::historyPatience,
+        [&](HistoryStore& history) { found = readings(snapshot, &history); });
+  }
   auto memory = alert_state_file::load(notes);
   const auto before = memory;
-  auto alerts =
-      usage_alerts::check(readings(snapshot, history ? &*history : nullptr), settings, memory);
+  auto alerts = usage_alerts::check(found, settings, memory);
   if (memory != before && !alert_state_file::save(memory)) {
     notes << "korvo: cannot keep the alerts given in korvo's state; they may be given again\n";
   }
