@@ -7,8 +7,10 @@
 #include <cmath>
 #include <sstream>
 
+#include "app/history_figures.hpp"
 #include "shared/moment_text.hpp"
 #include "support/files.hpp"
+#include "support/scoped_environment.hpp"
 #include "support/temporary_directory.hpp"
 
 namespace korvo {
@@ -178,6 +180,26 @@ TEST_F(HistoryStoreTest, AHistoryOfALaterKorvoIsLeftAsItIs) {
   EXPECT_FALSE(open());
   EXPECT_EQ(scalar(file, "PRAGMA user_version;"), "9");
   EXPECT_EQ(log.str(), "korvo: cannot open the history " + file.string() + "\n");
+}
+
+TEST_F(HistoryStoreTest, APublicationsKeptHistoryFollowsTheFileMovedAsideOrAnotherPlace) {
+  testing_support::ScopedEnvironment state("XDG_STATE_HOME", (folder.path() / "state").string());
+  const auto recorded = [&](double value) {
+    return history_figures::record({{now, "cpu.load", value, std::nullopt}}, now, log, 200ms);
+  };
+  ASSERT_TRUE(recorded(1));
+  ASSERT_TRUE(recorded(2));
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples;"), "2");
+  // Moved aside as a corrupt file is: the next rows start a new history, not the moved one.
+  std::filesystem::rename(file, folder.path() / "aside.sqlite3");
+  ASSERT_TRUE(recorded(3));
+  EXPECT_EQ(scalar(file, "SELECT group_concat(value) FROM samples;"), "3.0");
+  const testing_support::ScopedEnvironment other("XDG_STATE_HOME",
+                                                 (folder.path() / "other").string());
+  ASSERT_TRUE(recorded(4));
+  EXPECT_EQ(scalar(folder.path() / "other/korvo/history.sqlite3", "SELECT COUNT(*) FROM samples;"),
+            "1");
+  EXPECT_EQ(log.str(), "");
 }
 
 }  // namespace
