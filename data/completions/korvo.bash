@@ -34,11 +34,13 @@ _korvo() {
             if ((cword == 2)); then
                 COMPREPLY=($(compgen -W "temperature codex claude codexHome publishSeconds
                     awakeMinutes memoryDisplayMode waybarSignal awakeWhileAgentsWork agentIdleMinutes
-                    agentNotices" -- "$cur"))
+                    agentNotices alertPercents temperatureAlert temperatureUnit" -- "$cur"))
             elif ((cword == 3)); then
                 case ${words[2]} in
                     temperature | codex | claude | awakeWhileAgentsWork | agentNotices)
                         COMPREPLY=($(compgen -W "true false" -- "$cur")) ;;
+                    temperatureUnit)
+                        COMPREPLY=($(compgen -W "C F" -- "$cur")) ;;
                     memoryDisplayMode)
                         COMPREPLY=($(compgen -W "usedPercent usedGB availablePercent availableGB
                             usedOfTotal" -- "$cur"))

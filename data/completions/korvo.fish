@@ -21,7 +21,8 @@ complete -c korvo -n "__fish_seen_subcommand_from claude-statusline" -l install
 complete -c korvo -n "__fish_seen_subcommand_from claude-statusline" -l uninstall
 complete -c korvo -n "__fish_seen_subcommand_from awake; and not __fish_seen_subcommand_from start extend stop status" -a "start extend stop status"
 complete -c korvo -n "__fish_seen_subcommand_from start extend" -a "15m 1h 2h 4h indefinitely"
-complete -c korvo -n "__fish_seen_subcommand_from settings; and not __fish_seen_subcommand_from temperature codex claude codexHome publishSeconds awakeMinutes memoryDisplayMode waybarSignal awakeWhileAgentsWork agentIdleMinutes agentNotices" -a "temperature codex claude codexHome publishSeconds awakeMinutes memoryDisplayMode waybarSignal awakeWhileAgentsWork agentIdleMinutes agentNotices"
+complete -c korvo -n "__fish_seen_subcommand_from settings; and not __fish_seen_subcommand_from temperature codex claude codexHome publishSeconds awakeMinutes memoryDisplayMode waybarSignal awakeWhileAgentsWork agentIdleMinutes agentNotices alertPercents temperatureAlert temperatureUnit" -a "temperature codex claude codexHome publishSeconds awakeMinutes memoryDisplayMode waybarSignal awakeWhileAgentsWork agentIdleMinutes agentNotices alertPercents temperatureAlert temperatureUnit"
 complete -c korvo -n "__fish_seen_subcommand_from settings; and __fish_seen_subcommand_from temperature codex claude awakeWhileAgentsWork agentNotices" -a "true false"
 complete -c korvo -n "__fish_seen_subcommand_from settings; and __fish_seen_subcommand_from memoryDisplayMode" -a "usedPercent usedGB availablePercent availableGB usedOfTotal"
 complete -c korvo -l help -d "Explain the command"
+complete -c korvo -n "__fish_seen_subcommand_from settings; and __fish_seen_subcommand_from temperatureUnit" -a "C F"

@@ -4,6 +4,7 @@
 #include "app/forecast.hpp"
 #include "app/history_store.hpp"
 #include "app/shared_file.hpp"
+#include "app/window_forecast.hpp"
 #include "base/c_format.hpp"
 #include "base/clock.hpp"
 #include "base/command_line_words.hpp"
@@ -28,12 +29,8 @@ Date momentOption(const std::string& name, const std::string& text) {
   return *moment;
 }
 
-// The history when there is one; a command that only reads never creates it.
 std::optional<HistoryStore> existingHistory(Date now) {
-  const auto file = HistoryStore::location();
-  std::error_code error;
-  if (!file || !std::filesystem::exists(*file, error)) return std::nullopt;
-  return HistoryStore::open(*file, std::cerr, now, std::chrono::seconds(2));
+  return HistoryStore::openExisting(std::cerr, now, std::chrono::seconds(2));
 }
 
 std::string csvText(const std::vector<HistoryRow>& rows) {
@@ -73,12 +70,8 @@ Json forecastJson(const std::optional<forecast::Forecast>& found) {
   return {{"usedAtReset", *found->usedAtReset}};
 }
 
-std::string forecastText(const std::optional<forecast::Forecast>& found, Date now) {
-  if (!found) return {};
-  if (found->exhaustsAt) {
-    return " · at this pace runs out " + shortTimeOrDateTime(*found->exhaustsAt, now);
-  }
-  return cFormat(" · at this pace %.0f%% used at the reset", *found->usedAtReset);
+std::string forecastPart(const std::optional<forecast::Forecast>& found, Date now) {
+  return found ? " · " + forecastText(*found, now) : std::string();
 }
 
 void printUsage(const WidgetSnapshot& snapshot, const std::optional<HistoryStore>& history,
@@ -97,16 +90,14 @@ void printUsage(const WidgetSnapshot& snapshot, const std::optional<HistoryStore
     for (const UsageWindow& window : figures->windows) {
       std::optional<forecast::Forecast> found;
       if (history) {
-        const auto readings = history->rows(now.addingSeconds(-2 * forecast::paceSeconds), now,
-                                            provider.metric + window.title);
-        found = forecast::forecast(readings, window, now);
+        found = recentForecast(*history, provider.metric + window.title, window, now);
       }
       Json windowEntry{{"title", window.title}, {"usedPercent", window.usedPercent}};
       windowEntry["resetsAt"] = window.resetsAt ? Json(isoMoment(*window.resetsAt)) : Json(nullptr);
       windowEntry["forecast"] = forecastJson(found);
       entry["windows"].push_back(std::move(windowEntry));
       text += std::string(provider.name) + " · " + window.remainingSummary() + " · " +
-              window.resetText() + forecastText(found, now) + '\n';
+              window.resetText() + forecastPart(found, now) + '\n';
     }
     document["providers"].push_back(std::move(entry));
   }

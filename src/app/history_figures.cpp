@@ -1,10 +1,13 @@
 #include "app/history_figures.hpp"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <mutex>
 #include <ostream>
 
 #include "base/display_text.hpp"
@@ -63,19 +66,49 @@ std::vector<HistoryRow> publicationRows(const WidgetSnapshot& snapshot, Date now
   return rows;
 }
 
-bool record(const std::vector<HistoryRow>& rows, Date now, std::ostream& notes,
-            std::chrono::milliseconds patience) {
+bool withHistory(Date now, std::ostream& notes, std::chrono::milliseconds patience,
+                 const std::function<void(HistoryStore&)>& use) {
+  struct Kept {
+    std::optional<HistoryStore> store;
+    std::filesystem::path file;
+    int descriptor = -1;  // held open, so the file's inode cannot pass to another file
+  };
+  static std::mutex guard;
+  static Kept kept;
+  const std::lock_guard lock(guard);
   const auto file = HistoryStore::location();
   if (!file) return false;
-  auto store = HistoryStore::open(*file, notes, now, patience);
-  if (!store) return false;
-  if (!store->record(rows)) {
-    notes << "korvo: the history " << displayText(file->string())
-          << " is busy or its disk full; these figures are not recorded in it\n";
-    return false;
+  struct stat named {};
+  struct stat held {};
+  const bool same = kept.store && kept.file == *file && ::stat(file->c_str(), &named) == 0 &&
+                    ::fstat(kept.descriptor, &held) == 0 && named.st_ino == held.st_ino &&
+                    named.st_dev == held.st_dev;
+  if (!same) {
+    // Moved aside, removed or another place: what was kept is not the history any more.
+    kept.store.reset();
+    if (kept.descriptor >= 0) ::close(kept.descriptor);
+    kept.descriptor = -1;
+    kept.store = HistoryStore::open(*file, notes, now, patience);
+    if (!kept.store) return false;
+    kept.file = *file;
+    kept.descriptor = ::open(file->c_str(), O_RDONLY | O_CLOEXEC);
   }
-  store->compactIfDue(now);
+  use(*kept.store);
   return true;
+}
+
+bool record(const std::vector<HistoryRow>& rows, Date now, std::ostream& notes,
+            std::chrono::milliseconds patience) {
+  bool recorded = false;
+  const bool had = withHistory(now, notes, patience, [&](HistoryStore& store) {
+    recorded = store.record(rows);
+    if (recorded) store.compactIfDue(now);
+  });
+  if (had && !recorded) {
+    notes << "korvo: the history " << displayText(HistoryStore::location()->string())
+          << " is busy or its disk full; these figures are not recorded in it\n";
+  }
+  return recorded;
 }
 
 }  // namespace korvo::history_figures

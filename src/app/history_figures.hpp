@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string_view>
@@ -26,6 +27,13 @@ std::optional<double> cpuLoadPercent(const std::filesystem::path& root);
 // read under `root`.
 std::vector<HistoryRow> publicationRows(const WidgetSnapshot& snapshot, Date now,
                                         const std::filesystem::path& root);
+
+// Runs `use` with the history at its location (created when missing), waiting at most
+// `patience` for another writer; false, with one line to `notes`, when none can be had. The
+// connection is kept for the process's next call while the file stays the same file, so a
+// service publishing every minute does not open it each time; calls take turns.
+bool withHistory(Date now, std::ostream& notes, std::chrono::milliseconds patience,
+                 const std::function<void(HistoryStore&)>& use);
 
 // Records `rows` in the history at `now` (compacting it when due), waiting at most `patience`
 // for another writer. A history that is busy, full or cannot be had skips them with one line to

@@ -15,13 +15,15 @@ namespace {
 constexpr double daySeconds = 24 * 3600;
 
 // Each version's step from the one before: version 1 kept figures, version 2 added a window's
-// reset and the index the graphs read by.
+// reset and the index the graphs read by, version 3 an index of the raw rows alone, so that a
+// publication asking whether any is due for averaging does not walk months of averages.
 constexpr const char* migrations[] = {
     "CREATE TABLE samples(time REAL NOT NULL, metric TEXT NOT NULL, value REAL NOT NULL);",
     "ALTER TABLE samples ADD COLUMN resets_at REAL;"
     "ALTER TABLE samples ADD COLUMN averaged INTEGER NOT NULL DEFAULT 0;"
     "CREATE INDEX samples_by_metric ON samples(metric, time);"
     "CREATE INDEX samples_by_time ON samples(time);",
+    "CREATE INDEX samples_raw_by_time ON samples(time) WHERE averaged = 0;",
 };
 static_assert(std::size(migrations) == HistoryStore::schemaVersion);
 
@@ -136,6 +138,14 @@ std::optional<HistoryStore> HistoryStore::open(const std::filesystem::path& file
   return std::nullopt;
 }
 
+std::optional<HistoryStore> HistoryStore::openExisting(std::ostream& log, Date now,
+                                                       std::chrono::milliseconds patience) {
+  const auto file = location();
+  std::error_code error;
+  if (!file || !std::filesystem::exists(*file, error)) return std::nullopt;
+  return open(*file, log, now, patience);
+}
+
 bool HistoryStore::execute(const char* sql) const {
   return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
@@ -173,8 +183,10 @@ bool HistoryStore::compactIfDue(Date now) {
                       "SELECT 1 FROM samples WHERE time < ? AND averaged = 0 LIMIT 1;");
   if (!due.ok()) return false;
   sqlite3_bind_double(due.get(), 1, now.unixSeconds() - rawDays * daySeconds - 3600);
-  if (sqlite3_step(due.get()) != SQLITE_ROW) return true;
-  return compact(now);
+  const bool isDue = sqlite3_step(due.get()) == SQLITE_ROW;
+  // A statement still reading the table would keep compact's DROP TABLE from running.
+  sqlite3_reset(due.get());
+  return !isDue || compact(now);
 }
 
 bool HistoryStore::compact(Date now) {
@@ -207,18 +219,23 @@ bool HistoryStore::compact(Date now) {
 }
 
 std::vector<HistoryRow> HistoryStore::rows(std::optional<Date> since, std::optional<Date> until,
-                                           const std::string& prefix) const {
+                                           const std::string& metric) const {
+  // One metric's rows walk the index by metric and time: the graphs read a window's week among
+  // the figures of every other metric.
   const Statement query(database_.get(),
-                        "SELECT time, metric, value, resets_at FROM samples "
-                        "WHERE time >= ? AND time <= ? AND substr(metric, 1, ?) = ? "
-                        "ORDER BY time, rowid;");
+                        metric.empty() ? "SELECT time, metric, value, resets_at FROM samples "
+                                         "WHERE time >= ?1 AND time <= ?2 ORDER BY time, rowid;"
+                                       : "SELECT time, metric, value, resets_at FROM samples "
+                                         "WHERE metric = ?3 AND time >= ?1 AND time <= ?2 "
+                                         "ORDER BY time, rowid;");
   std::vector<HistoryRow> found;
   if (!query.ok()) return found;
   sqlite3_bind_double(query.get(), 1, since ? since->unixSeconds() : -HUGE_VAL);
   sqlite3_bind_double(query.get(), 2, until ? until->unixSeconds() : HUGE_VAL);
-  sqlite3_bind_int(query.get(), 3, static_cast<int>(prefix.size()));
-  sqlite3_bind_text(query.get(), 4, prefix.c_str(), static_cast<int>(prefix.size()),
-                    SQLITE_TRANSIENT);
+  if (!metric.empty()) {
+    sqlite3_bind_text(query.get(), 3, metric.c_str(), static_cast<int>(metric.size()),
+                      SQLITE_TRANSIENT);
+  }
   while (sqlite3_step(query.get()) == SQLITE_ROW) {
     HistoryRow row;
     row.time = Date::fromUnixSeconds(sqlite3_column_double(query.get(), 0));

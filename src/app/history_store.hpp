@@ -30,7 +30,7 @@ struct HistoryRow {
 // averagedDays, nothing older. Only figures ever enter it.
 class HistoryStore {
  public:
-  static constexpr int schemaVersion = 2;
+  static constexpr int schemaVersion = 3;
   static constexpr double rawDays = 7;
   static constexpr double averagedDays = 90;
   static constexpr double averageSeconds = 600;
@@ -46,6 +46,10 @@ class HistoryStore {
   static std::optional<HistoryStore> open(const std::filesystem::path& file, std::ostream& log,
                                           Date now, std::chrono::milliseconds patience);
 
+  // The history at location() when there is one; a reader never creates it.
+  static std::optional<HistoryStore> openExisting(std::ostream& log, Date now,
+                                                  std::chrono::milliseconds patience);
+
   // Records `rows` in one transaction. False when they cannot be (a full disk, a database locked
   // longer than the patience): they are skipped, nothing else changes.
   bool record(const std::vector<HistoryRow>& rows);
@@ -56,10 +60,10 @@ class HistoryStore {
   // Compacts when raw rows have been over rawDays old for an hour.
   bool compactIfDue(Date now);
 
-  // The rows from `since` to `until` (inclusive), oldest first; only metrics beginning with
-  // `prefix`.
+  // The rows from `since` to `until` (inclusive), oldest first; only those of `metric` when it
+  // is not empty.
   std::vector<HistoryRow> rows(std::optional<Date> since, std::optional<Date> until,
-                               const std::string& prefix = {}) const;
+                               const std::string& metric = {}) const;
 
  private:
   struct Close {

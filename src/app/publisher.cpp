@@ -112,8 +112,8 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
   return snapshot;
 }
 
-void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop,
-             LiveAsk live) {
+WidgetSnapshot publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop,
+                       LiveAsk live) {
   const auto file = shared_file::path();
   const Collected collected = collect(settings, live);
   const Date now = clock::now();
@@ -138,6 +138,7 @@ void publish(const Settings& settings, std::ostream& notes, const std::stop_toke
   // After the lock: a status line waiting for it need not wait for the history too.
   history_figures::record(history_figures::publicationRows(snapshot, now, systemRoot()), now, notes,
                           historyPatience);
+  return snapshot;
 }
 
 std::string preview(const Settings& settings) {

@@ -69,9 +69,10 @@ WidgetSnapshot compose(const WidgetSnapshotParts& current, const Settings& setti
 // app-server's answer) in korvo's own state (codex_state_file). What went wrong without stopping
 // the publication (an app-server that did not answer) goes to `notes`, a line each. Throws
 // std::runtime_error with a one-line message when the file has no place or cannot be written, or
-// when the lock is not had within lockPatience or before `stop` is requested.
-void publish(const Settings& settings, std::ostream& notes, const std::stop_token& stop = {},
-             LiveAsk live = LiveAsk::whenDue);
+// when the lock is not had within lockPatience or before `stop` is requested. The snapshot
+// written.
+WidgetSnapshot publish(const Settings& settings, std::ostream& notes,
+                       const std::stop_token& stop = {}, LiveAsk live = LiveAsk::whenDue);
 
 // The bytes publish would write now, without writing anything.
 std::string preview(const Settings& settings);

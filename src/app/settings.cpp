@@ -1,5 +1,6 @@
 #include "app/settings.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
@@ -22,6 +23,9 @@ constexpr Range agentIdleMinutesRange{1, 240};
 // Waybar's module signals count from SIGRTMIN; Linux has 30 of them above it.
 constexpr Range waybarSignalRange{0, 30};
 constexpr Range codexLiveMinutesRange{1, 1440};
+// 0 turns the alert off; the sensors' own range ends at 150 °C.
+constexpr Range temperatureAlertRange{0, 150};
+constexpr Range alertPercentRange{1, 100};
 
 std::string rangeText(Range range) {
   return std::to_string(range.low) + "–" + std::to_string(range.high);
@@ -53,6 +57,8 @@ std::optional<Range> wholeRange(SettingKey key) {
       return codexLiveMinutesRange;
     case SettingKey::agentIdleMinutes:
       return agentIdleMinutesRange;
+    case SettingKey::temperatureAlert:
+      return temperatureAlertRange;
     default:
       return std::nullopt;
   }
@@ -69,6 +75,36 @@ int wholeValue(const std::string& name, std::string_view text, Range range) {
                      displayText(text) + "\"");
   }
   return number;
+}
+
+// Thresholds are kept in rising order, each once, so "the first" and "the last" mean the lowest and
+// the highest whatever order the user wrote them in.
+std::vector<int> tidiedPercents(std::vector<int> percents) {
+  std::sort(percents.begin(), percents.end());
+  percents.erase(std::unique(percents.begin(), percents.end()), percents.end());
+  return percents;
+}
+
+std::vector<int> readPercents(const Json& value, const std::string& key) {
+  if (!value.is_array()) {
+    throw json_reader::Failure{key + " must be an array of whole numbers in " +
+                               rangeText(alertPercentRange)};
+  }
+  std::vector<int> percents;
+  for (const Json& item : value) percents.push_back(readWhole(item, key, alertPercentRange));
+  return tidiedPercents(std::move(percents));
+}
+
+// "80,95" as [80, 95]; "" as none.
+nlohmann::ordered_json percentsValue(const std::string& name, std::string_view text) {
+  std::vector<int> percents;
+  std::size_t start = 0;
+  while (!text.empty() && start <= text.size()) {
+    const std::size_t comma = std::min(text.find(',', start), text.size());
+    percents.push_back(wholeValue(name, text.substr(start, comma - start), alertPercentRange));
+    start = comma + 1;
+  }
+  return tidiedPercents(std::move(percents));
 }
 
 }  // namespace
@@ -115,6 +151,19 @@ Decoded<Settings> parseSettings(std::string_view json) {
     boolean(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
     whole(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
     boolean(SettingKey::agentNotices, settings.agentNotices);
+    if (const Json* value = member(SettingKey::alertPercents)) {
+      settings.alertPercents = readPercents(*value, keyText(SettingKey::alertPercents));
+    }
+    whole(SettingKey::temperatureAlert, settings.temperatureAlert);
+    if (const Json* value = member(SettingKey::temperatureUnit)) {
+      const auto raw = json_reader::readString(*value, keyText(SettingKey::temperatureUnit));
+      const auto unit = valueNamed(temperatureUnitWords, raw);
+      if (!unit) {
+        throw json_reader::Failure{keyText(SettingKey::temperatureUnit) + " must be one of " +
+                                   wordList(temperatureUnitWords)};
+      }
+      settings.temperatureUnit = *unit;
+    }
     if (const Json* value = member(SettingKey::memoryDisplayMode)) {
       const auto raw = json_reader::readString(*value, keyText(SettingKey::memoryDisplayMode));
       const auto mode = displayModeFromRaw(raw);
@@ -149,6 +198,10 @@ nlohmann::ordered_json settingsDocument(const Settings& settings) {
   set(SettingKey::awakeWhileAgentsWork, settings.awakeWhileAgentsWork);
   set(SettingKey::agentIdleMinutes, settings.agentIdleMinutes);
   set(SettingKey::agentNotices, settings.agentNotices);
+  set(SettingKey::alertPercents, settings.alertPercents);
+  set(SettingKey::temperatureAlert, settings.temperatureAlert);
+  set(SettingKey::temperatureUnit,
+      std::string(wordFor(temperatureUnitWords, settings.temperatureUnit)));
   return document;
 }
 
@@ -182,6 +235,14 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
                          "\"; valid: " + wordList(displayModeWords));
       }
       return std::string(text);
+    case SettingKey::alertPercents:
+      return percentsValue(name, text);
+    case SettingKey::temperatureUnit:
+      if (!valueNamed(temperatureUnitWords, text)) {
+        throw UsageError(name + ": unknown unit \"" + displayText(text) +
+                         "\"; valid: " + wordList(temperatureUnitWords));
+      }
+      return std::string(text);
     case SettingKey::temperature:
     case SettingKey::codex:
     case SettingKey::claude:
@@ -196,6 +257,7 @@ nlohmann::ordered_json settingValue(std::string_view word, std::string_view text
     case SettingKey::waybarSignal:
     case SettingKey::codexLiveMinutes:
     case SettingKey::agentIdleMinutes:
+    case SettingKey::temperatureAlert:
       return wholeValue(name, text, *wholeRange(*key));
   }
   return nullptr;

@@ -4,7 +4,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "base/temperature_text.hpp"
 #include "base/words.hpp"
 #include "sampling/display_mode.hpp"
 #include "shared/decode_result.hpp"
@@ -27,6 +29,9 @@ struct Settings {
   bool awakeWhileAgentsWork = true;    // keep the machine awake while Codex or Claude Code writes
   int agentIdleMinutes = 5;  // minutes without a write after which an agent counts as done
   bool agentNotices = true;  // notify when the agents' hold starts and ends
+  std::vector<int> alertPercents{80, 95};  // used percentages (1–100, rising) that notify
+  int temperatureAlert = 95;               // °C above which a notification says so; 0 says nothing
+  TemperatureUnit temperatureUnit = TemperatureUnit::celsius;  // korvo's own temperature texts
 
   friend bool operator==(const Settings&, const Settings&) = default;
 };
@@ -45,11 +50,14 @@ enum class SettingKey {
   codexCommand,
   awakeWhileAgentsWork,
   agentIdleMinutes,
-  agentNotices
+  agentNotices,
+  alertPercents,
+  temperatureAlert,
+  temperatureUnit
 };
 
 // The keys of the settings file, in the order they are listed.
-inline constexpr Words<SettingKey, 14> settingKeyWords{{
+inline constexpr Words<SettingKey, 17> settingKeyWords{{
     {"temperature", SettingKey::temperature},
     {"codex", SettingKey::codex},
     {"claude", SettingKey::claude},
@@ -64,6 +72,9 @@ inline constexpr Words<SettingKey, 14> settingKeyWords{{
     {"awakeWhileAgentsWork", SettingKey::awakeWhileAgentsWork},
     {"agentIdleMinutes", SettingKey::agentIdleMinutes},
     {"agentNotices", SettingKey::agentNotices},
+    {"alertPercents", SettingKey::alertPercents},
+    {"temperatureAlert", SettingKey::temperatureAlert},
+    {"temperatureUnit", SettingKey::temperatureUnit},
 }};
 
 // The key as the settings file writes it.
@@ -77,8 +88,9 @@ Decoded<Settings> parseSettings(std::string_view json);
 nlohmann::ordered_json settingsDocument(const Settings& settings);
 
 // The JSON value of the setting `word` names, from a command-line text ("true", "90", "usedGB",
-// "/home/a/.codex"); null for an empty codexHome (which removes it). Throws UsageError naming the
-// key and its valid values, or every key for a word that names none.
+// "/home/a/.codex", "80,95" for alertPercents, where "" is none); null for an empty codexHome
+// (which removes it). Throws UsageError naming the key and its valid values, or every key for a
+// word that names none.
 nlohmann::ordered_json settingValue(std::string_view word, std::string_view text);
 
 }  // namespace korvo

@@ -8,6 +8,7 @@
 
 #include "base/date_text_module.hpp"
 #include "base/module.hpp"
+#include "base/text.hpp"
 
 namespace korvo {
 namespace {
@@ -36,7 +37,7 @@ std::string noSpan(Date, Date) {
 // date text is empty rather than the program failing.
 const DateTextFunctions& functions() {
   static const DateTextFunctions* loaded = [] {
-    static constexpr DateTextFunctions none{noText, noText, noSpan, noText};
+    static constexpr DateTextFunctions none{noText, noText, noSpan, noText, noText};
     void* entry = loadModuleEntry(KORVO_DATE_TEXT_MODULE_INSTALLED, KORVO_DATE_TEXT_MODULE_BUILT,
                                   dateTextEntryPoint);
     return entry == nullptr ? &none : reinterpret_cast<DateTextEntryPoint>(entry)();
@@ -95,6 +96,15 @@ std::string dateTimeWithinYear(Date moment, Date now) {
   const auto today = localDay(now);
   const bool sameYear = day && today && std::get<0>(*day) == std::get<0>(*today);
   return sameYear ? functions().monthDayShortTime(moment) : abbreviatedDateShortTime(moment);
+}
+
+std::string dayText(Date moment, Date now) {
+  const auto day = localDay(moment);
+  if (day && day == localDay(now)) return _("today");
+  if (day && day == localDay(now.addingSeconds(secondsPerDay))) return _("tomorrow");
+  const double ahead = moment.secondsSince(now);
+  if (ahead > 0 && ahead < 6 * secondsPerDay) return _("on ") + functions().weekday(moment);
+  return _("on ") + abbreviatedDateShortTime(moment);
 }
 
 }  // namespace korvo

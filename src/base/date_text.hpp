@@ -27,4 +27,8 @@ std::string relativeSpan(Date dataMoment, Date now);
 // repaints only then. A non-finite age never changes (infinitely far date).
 Date nextRelativeSpanChange(Date dataMoment, Date now);
 
+// When `moment` falls, as the end of a sentence: "today", "tomorrow", "on Friday" within the
+// coming week, else "on Nov 27, 2026, 9:00 AM".
+std::string dayText(Date moment, Date now);
+
 }  // namespace korvo

@@ -67,6 +67,13 @@ std::string monthDayShortTime(Date moment) {
   return formatWith(format.get(), moment);
 }
 
+std::string weekday(Date moment) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createInstanceForSkeleton(
+      icu::UnicodeString("EEEE"), icu::Locale::getDefault(), status));
+  return U_FAILURE(status) ? std::string() : formatWith(format.get(), moment);
+}
+
 enum class SpanUnit { second, minute, hour, day };
 
 icu::MeasureUnit measureUnit(SpanUnit unit) {
@@ -168,6 +175,6 @@ extern "C" __attribute__((visibility("default"))) const korvo::DateTextFunctions
 korvo_date_text_functions() {
   static constexpr korvo::DateTextFunctions functions{
       korvo::shortTime, korvo::abbreviatedDateShortTime, korvo::relativeSpan,
-      korvo::monthDayShortTime};
+      korvo::monthDayShortTime, korvo::weekday};
   return &functions;
 }

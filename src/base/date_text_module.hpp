@@ -14,6 +14,7 @@ struct DateTextFunctions {
   std::string (*abbreviatedDateShortTime)(Date moment);
   std::string (*relativeSpan)(Date dataMoment, Date now);
   std::string (*monthDayShortTime)(Date moment);
+  std::string (*weekday)(Date moment);
 };
 
 // The symbol the module exports: a function returning its DateTextFunctions.

@@ -3,6 +3,9 @@
 #include <memory>
 #include <optional>
 
+#include "app/history_store.hpp"
+#include "app/settings_file.hpp"
+#include "app/window_forecast.hpp"
 #include "cli/commands.hpp"
 #include "cli/status_line.hpp"
 #include "cli/widgets.hpp"
@@ -36,6 +39,33 @@ MonitorEntry monitorEntry() {
   return *entry;
 }
 
+// korvo's settings, for the choices its status texts follow; a bad file is named on standard
+// error and the defaults count.
+Settings korvoSettings() {
+  return settings_file::load(std::cerr);
+}
+
+// The user's thresholds, and with the tooltip each window's forecast from korvo's history.
+StatusLine::UsageOutlook usageOutlook(const MonitorEntry& entry, StatusLine::Tooltip tooltip) {
+  StatusLine::UsageOutlook outlook{korvoSettings().alertPercents, {}};
+  if (tooltip == StatusLine::Tooltip::leftOut || !entry.snapshot) return outlook;
+  // A status bar must not wait behind a publication writing the history.
+  const auto history =
+      HistoryStore::openExisting(std::cerr, entry.date, std::chrono::milliseconds(200));
+  if (!history) return outlook;
+  for (const auto& [name, state] :
+       {std::pair{"codex", &entry.snapshot->codex}, std::pair{"claude", &entry.snapshot->claude}}) {
+    if (!state->enabled || !state->snapshot) continue;
+    for (const UsageWindow& window : state->snapshot->windows) {
+      const std::string metric = std::string(name) + "." + window.title;
+      if (const auto found = recentForecast(*history, metric, window, entry.date)) {
+        outlook.forecasts[metric] = forecastText(*found, entry.date);
+      }
+    }
+  }
+  return outlook;
+}
+
 struct StatusKind {
   WidgetKind kind;
   StatusLine::Line (*line)(DisplayMode mode, StatusLine::Tooltip tooltip);
@@ -45,11 +75,13 @@ constexpr std::array statusKinds{
     StatusKind{WidgetKind::memory, memoryLine},
     StatusKind{WidgetKind::usage,
                [](DisplayMode, StatusLine::Tooltip tooltip) {
-                 return StatusLine::usage(monitorEntry(), tooltip);
+                 const MonitorEntry entry = monitorEntry();
+                 return StatusLine::usage(entry, tooltip, usageOutlook(entry, tooltip));
                }},
     StatusKind{WidgetKind::temperature,
                [](DisplayMode, StatusLine::Tooltip tooltip) {
-                 return StatusLine::temperature(monitorEntry(), tooltip);
+                 return StatusLine::temperature(monitorEntry(), tooltip,
+                                                korvoSettings().temperatureUnit);
                }},
 };
 

@@ -31,19 +31,39 @@ int wholePercent(double percent) {
   return static_cast<int>(std::nearbyint(std::clamp(percent, 0.0, 100.0)));
 }
 
-std::string windowLine(const UsageWindow& window, Date now) {
-  return window.remainingSummary() + " · " + window.resetCountdown(now);
+std::string windowLine(const UsageWindow& window, Date now, const UsageOutlook& outlook,
+                       UsageProvider provider) {
+  std::string line = window.remainingSummary() + " · " + window.resetCountdown(now);
+  const auto found = outlook.forecasts.find(std::string(rawValue(provider)) + "." + window.title);
+  if (found != outlook.forecasts.end()) line += " · " + found->second;
+  return line;
+}
+
+// "critical" at or past the last threshold, "warning" at or past the first.
+std::string alertClass(double used, const std::vector<int>& percents) {
+  if (percents.empty()) return {};
+  if (used >= percents.back()) return "critical";
+  if (used >= percents.front()) return "warning";
+  return {};
+}
+
+std::string worseAlert(const std::string& one, const std::string& other) {
+  if (one == "critical" || other == "critical") return "critical";
+  return one.empty() ? other : one;
 }
 
 }  // namespace
 
 Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip) {
   if (!entry.memory) {
-    return {noFigure(), _("Memory") + std::string(": ") + _("Unavailable"), "unavailable", 0};
+    return {noFigure(), _("Memory") + std::string(": ") + _("Unavailable"), "unavailable", 0, {}};
   }
   const MemorySnapshot& reading = *entry.memory;
-  Line line{MemoryFormat::modeText(reading, mode), "", std::string(rawValue(reading.pressure)),
-            wholePercent(reading.usedFraction() * 100)};
+  Line line{MemoryFormat::modeText(reading, mode),
+            "",
+            std::string(rawValue(reading.pressure)),
+            wholePercent(reading.usedFraction() * 100),
+            {}};
   if (tooltip == Tooltip::leftOut) return line;
   const auto figure = [](const std::string& title, std::uint64_t bytes) {
     return title + " " + MemoryFormat::compactSize(bytes);
@@ -62,13 +82,14 @@ Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip) {
   return line;
 }
 
-Line usage(const MonitorEntry& entry, Tooltip tooltip) {
-  if (!entry.snapshot) return {noFigure(), _("Usage unavailable"), "unavailable", 0};
+Line usage(const MonitorEntry& entry, Tooltip tooltip, const UsageOutlook& outlook) {
+  if (!entry.snapshot) return {noFigure(), _("Usage unavailable"), "unavailable", 0, {}};
   std::vector<std::string> figures;
   std::vector<std::string> details;
   std::optional<double> lowest;
   bool anyEnabled = false;
   bool stale = false;
+  std::string alert;
   const bool withDetails = tooltip == Tooltip::included;
   for (const UsageProvider provider : allCases<UsageProvider>()) {
     const UsageState state = UsageContent::state(entry, provider);
@@ -76,35 +97,45 @@ Line usage(const MonitorEntry& entry, Tooltip tooltip) {
     if (!state.enabled) continue;
     anyEnabled = true;
     stale = stale || state.isStale();
+    if (state.snapshot) {
+      for (const UsageWindow& window : state.snapshot->windows) {
+        alert = worseAlert(alert, alertClass(window.usedPercent, outlook.alertPercents));
+      }
+    }
     const std::optional<UsageWindow> weekly = UsageWindows::weekly(state);
     figures.push_back(shortName(provider) + " " +
                       (weekly ? UsageWindows::remainingText(*weekly) : noFigure()));
     if (weekly) {
       const double remaining = UsageWindows::remainingPercent(*weekly);
       lowest = lowest ? std::min(*lowest, remaining) : remaining;
-      if (withDetails) details.push_back(windowLine(*weekly, entry.date));
+      if (withDetails) details.push_back(windowLine(*weekly, entry.date, outlook, provider));
     }
     if (withDetails && state.snapshot) {
       if (const auto fiveHour = UsageWindows::fiveHour(*state.snapshot)) {
-        details.push_back(windowLine(*fiveHour, entry.date));
+        details.push_back(windowLine(*fiveHour, entry.date, outlook, provider));
       }
     }
   }
-  if (!anyEnabled) return {noFigure(), joined(details, "\n"), "disabled", 0};
+  if (!anyEnabled) return {noFigure(), joined(details, "\n"), "disabled", 0, {}};
   const std::string cssClass = !lowest ? "unavailable" : stale ? "stale" : "";
   return {joined(figures, " · "), joined(details, "\n"), cssClass,
-          lowest ? wholePercent(*lowest) : 0};
+          lowest ? wholePercent(*lowest) : 0, alert};
 }
 
-Line temperature(const MonitorEntry& entry, Tooltip tooltip) {
+Line temperature(const MonitorEntry& entry, Tooltip tooltip, TemperatureUnit unit) {
   switch (TemperatureContent::state(entry.snapshot)) {
     case TemperatureContent::State::disabled:
       return {noFigure(),
               _("Enable in Korvo") + std::string(": ") + _("Settings → Monitors → CPU temperature"),
-              "disabled", 0};
+              "disabled",
+              0,
+              {}};
     case TemperatureContent::State::unavailable:
-      return {noFigure(), _("CPU temperature") + std::string(": ") + _("Unavailable"),
-              "unavailable", 0};
+      return {noFigure(),
+              _("CPU temperature") + std::string(": ") + _("Unavailable"),
+              "unavailable",
+              0,
+              {}};
     case TemperatureContent::State::reading:
       break;
   }
@@ -120,15 +151,23 @@ Line temperature(const MonitorEntry& entry, Tooltip tooltip) {
           "\n" + (stale ? _("Stale ·") : _("Updated")) + " " + shortTime(*snapshot.temperatureDate);
     }
   }
-  return {TemperatureContent::degreesText(celsius),
-          tooltip == Tooltip::included ? details : std::string(), stale ? "stale" : "",
-          wholePercent(celsius)};
+  return {degreesText(celsius, unit),
+          tooltip == Tooltip::included ? details : std::string(),
+          stale ? "stale" : "",
+          wholePercent(celsius),
+          {}};
 }
 
 std::string waybarJson(const Line& line) {
+  nlohmann::ordered_json classes = line.cssClass;
+  if (!line.alertClass.empty()) {
+    classes = line.cssClass.empty()
+                  ? nlohmann::ordered_json(line.alertClass)
+                  : nlohmann::ordered_json::array({line.cssClass, line.alertClass});
+  }
   nlohmann::ordered_json document{{"text", line.text},
                                   {"tooltip", line.tooltip},
-                                  {"class", line.cssClass},
+                                  {"class", classes},
                                   {"percentage", line.percentage}};
   return documentText(document);
 }

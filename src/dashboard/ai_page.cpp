@@ -96,7 +96,7 @@ GtkWidget* AiPage::meter(UsageProvider provider, double usedPercent) const {
 }
 
 AiPage::AiPage(const gtk::AppearanceWatch& appearance, std::function<void()> claudeChanged)
-    : claudeChanged_(std::move(claudeChanged)) {
+    : claudeChanged_(std::move(claudeChanged)), graphs_(appearance) {
   static const KorvoUsageWidget usage;
   static const WidgetConfiguration configuration = usage.body();
   GtkWidget* content = nullptr;
@@ -105,6 +105,7 @@ AiPage::AiPage(const gtk::AppearanceWatch& appearance, std::function<void()> cla
   gtk_box_pack_start(GTK_BOX(content), card_->widget(), FALSE, FALSE, 0);
   providers_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
   gtk_box_pack_start(GTK_BOX(content), providers_, FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(content), graphs_.widget(), FALSE, FALSE, 0);
 }
 
 void AiPage::refresh() {
@@ -169,6 +170,7 @@ void AiPage::refresh() {
     gtk_box_pack_start(GTK_BOX(providers_), button, FALSE, FALSE, 0);
   }
   gtk_widget_show_all(providers_);
+  graphs_.show(snapshot);
   if (focused) focusButton(providers_, *focused);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dashboard/claude_connection.hpp"
+#include "dashboard/usage_graph.hpp"
 #include "gtk/widget_card.hpp"
 #include "shared/usage_provider.hpp"
 #include "shared/usage_snapshot.hpp"
@@ -37,6 +38,7 @@ class AiPage {
   std::function<void()> claudeChanged_;
   std::unique_ptr<ClaudeConnection> claudeConnection_;  // shown while Claude has no figures
   std::unique_ptr<WidgetCard> card_;
+  UsageGraphs graphs_;
   std::vector<std::pair<GtkWidget*, UsageWindow>> countdowns_;
   std::vector<std::pair<GtkWidget*, UsageSnapshot>> origins_;  // the figures' source and age
 };

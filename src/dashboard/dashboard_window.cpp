@@ -225,6 +225,7 @@ void DashboardWindow::reloadShared() {
 
 void DashboardWindow::reloadSettings() {
   current_ = settings_file::load(std::cerr);
+  memory_.setTemperatureUnit(current_.temperatureUnit);
   if (preferences_) preferences_->show(current_);
   awake_.refresh();
   if (mapped_) memory_.refresh(current_.memoryDisplayMode);

@@ -137,6 +137,7 @@ void HostApplication::startup() {
     keepAwake_->watchAgents(settings);
     showAwake();
   });
+  publishing_->onAlerts([this](const PublishLoop::Alerts& alerts) { raise(alerts); });
   publishing_->start();
   if (!graphical_) return;
   tray_ = std::make_unique<TrayIndicator>(TrayIndicator::Actions{
@@ -357,6 +358,18 @@ void HostApplication::agentsHold(bool started, const std::vector<Agent>& agents)
     notifier_->send(agentsQuietText(agents),
                     _("Nothing written for ") + std::to_string(settings_.agentIdleMinutes) +
                         _(" min: this machine may sleep again when it is idle."));
+  }
+}
+
+void HostApplication::raise(const PublishLoop::Alerts& alerts) {
+  for (const auto& alert : alerts) {
+    const DashboardTab tab = alert.tab;
+    const auto openTab = [this, tab] {
+      if (graphical_) dashboard()->present({tab, std::nullopt});
+    };
+    const std::string title = _("Open ") + shortTitle(tab);
+    notifier_->send(alert.summary, alert.body,
+                    {{"open", title, openTab}, {"default", title, openTab}});
   }
 }
 

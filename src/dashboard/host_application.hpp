@@ -51,6 +51,8 @@ class HostApplication {
   void sessionRanOut();
   void agentsHold(bool started, const std::vector<Agent>& agents);
   void showFigure();
+  // Each notice a publication called for, with an action that opens its tab.
+  void raise(const PublishLoop::Alerts& alerts);
 
   GApplication* application_;
   bool graphical_;

@@ -20,7 +20,7 @@ std::string percentText(double fraction) {
 }  // namespace
 
 MemoryPage::MemoryPage(const gtk::AppearanceWatch& appearance)
-    : sampler_(SystemSampler::fromEnvironment()) {
+    : sampler_(SystemSampler::fromEnvironment()), graphs_(appearance) {
   static const KorvoMemoryWidget memory;
   static const WidgetConfiguration configuration = memory.body();
   GtkWidget* content = nullptr;
@@ -30,6 +30,7 @@ MemoryPage::MemoryPage(const gtk::AppearanceWatch& appearance)
   headline_ = label("");
   gtk_box_pack_start(GTK_BOX(content), headline_, FALSE, FALSE, 0);
   gtk_box_pack_start(GTK_BOX(content), figures_.widget(), FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(content), graphs_.widget(), FALSE, FALSE, 0);
   sampler_.readCPU();  // the first reading only sets the baseline
 }
 
@@ -63,15 +64,19 @@ void MemoryPage::refresh(DisplayMode mode) {
   }
   const auto cpu = sampler_.readCPU();
   figures.push_back({_("CPU load"), cpu ? percentText(*cpu) : _("Measuring…")});
-  if (const auto temperature = readCpuTemperature(systemRoot())) {
+  const auto temperature = readCpuTemperature(systemRoot());
+  if (temperature) {
     const std::string sensor =
         temperature->chip + (temperature->label.empty() ? "" : " · " + temperature->label);
-    figures.push_back({_("CPU temperature"), cFormat("%.0f°C", temperature->celsius)});
+    figures.push_back({_("CPU temperature"), degreesText(temperature->celsius, unit_)});
     figures.push_back({_("Sensor"), sensor});
   } else {
     figures.push_back({_("CPU temperature"), _("No CPU sensor found")});
   }
   figures_.show(figures);
+  graphs_.sample({reading, cpu, temperature ? std::optional(temperature->celsius) : std::nullopt,
+                  readCpuSensors(systemRoot())},
+                 unit_);
 }
 
 }  // namespace korvo

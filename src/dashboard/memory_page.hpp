@@ -6,6 +6,7 @@
 #include <string>
 
 #include "dashboard/figure_grid.hpp"
+#include "dashboard/history_graph.hpp"
 #include "gtk/widget_card.hpp"
 #include "sampling/display_mode.hpp"
 #include "sampling/system_sampler.hpp"
@@ -21,6 +22,8 @@ class MemoryPage {
   GtkWidget* widget() const { return page_; }
   // Takes a new reading with `mode` as the headline's form.
   void refresh(DisplayMode mode);
+  // The unit the page writes temperatures in, from the next refresh on.
+  void setTemperatureUnit(TemperatureUnit unit) { unit_ = unit; }
 
  private:
   GtkWidget* page_;
@@ -29,6 +32,8 @@ class MemoryPage {
   FigureGrid figures_;
   std::unique_ptr<WidgetCard> card_;
   SystemSampler sampler_;
+  HistoryGraphs graphs_;
+  TemperatureUnit unit_ = TemperatureUnit::celsius;
 };
 
 }  // namespace korvo

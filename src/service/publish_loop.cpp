@@ -4,6 +4,7 @@
 #include <sstream>
 #include <utility>
 
+#include "app/publication_alerts.hpp"
 #include "app/publisher.hpp"
 #include "app/settings_file.hpp"
 #include "shared/atomic_file.hpp"
@@ -25,11 +26,13 @@ bool namesSettings(GFile* file) {
 }  // namespace
 
 PublishLoop::PublishLoop(std::ostream& log)
-    : PublishLoop(
-          [](std::ostream& out) { return settings_file::load(out); },
-          [](const Settings& settings, publisher::LiveAsk live, std::ostream& notes,
-             const std::stop_token& stop) { publisher::publish(settings, notes, stop, live); },
-          log) {}
+    : PublishLoop([](std::ostream& out) { return settings_file::load(out); },
+                  [](const Settings& settings, publisher::LiveAsk live, std::ostream& notes,
+                     const std::stop_token& stop) {
+                    const auto snapshot = publisher::publish(settings, notes, stop, live);
+                    return publication_alerts::raise(snapshot, settings, notes);
+                  },
+                  log) {}
 
 PublishLoop::PublishLoop(LoadSettings load, Publish publish, std::ostream& log)
     : load_(std::move(load)), publish_(std::move(publish)), log_(log) {}
@@ -97,9 +100,9 @@ void PublishLoop::askCodexNow() {
 
 void PublishLoop::work(const std::stop_token& stop, publisher::LiveAsk live) {
   std::ostringstream log;
-  Outcome outcome{load_(log), {}};
+  Outcome outcome{load_(log), {}, {}};
   try {
-    publish_(outcome.settings, live, log, stop);
+    outcome.alerts = publish_(outcome.settings, live, log, stop);
   } catch (const std::exception& error) {
     if (!stop.stop_requested()) log << "korvo service: " << error.what() << '\n';
   }
@@ -127,6 +130,7 @@ gboolean PublishLoop::onFinished(gpointer self) {
   loop->settings_ = std::move(outcome.settings);
   loop->log_ << outcome.log << std::flush;
   if (loop->settingsRead_) loop->settingsRead_(loop->settings_);
+  if (loop->alertsRaised_ && !outcome.alerts.empty()) loop->alertsRaised_(outcome.alerts);
   loop->publishing_ = false;
   if (loop->again_) {
     loop->again_ = false;

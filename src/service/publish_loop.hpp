@@ -12,6 +12,7 @@
 
 #include "app/publisher.hpp"
 #include "app/settings.hpp"
+#include "app/usage_alerts.hpp"
 
 namespace korvo {
 
@@ -23,10 +24,12 @@ namespace korvo {
 class PublishLoop {
  public:
   // Reads the settings, telling what is wrong with them to the stream; and publishes with them
-  // until the token asks to stop, telling what went wrong on the way to the stream.
+  // until the token asks to stop, telling what went wrong on the way to the stream, and answers
+  // the notices the figures it published call for.
   using LoadSettings = std::function<Settings(std::ostream& log)>;
-  using Publish = std::function<void(const Settings&, publisher::LiveAsk, std::ostream& log,
-                                     const std::stop_token&)>;
+  using Alerts = std::vector<usage_alerts::Alert>;
+  using Publish = std::function<Alerts(const Settings&, publisher::LiveAsk, std::ostream& log,
+                                       const std::stop_token&)>;
 
   // Publishes with the app's publisher and settings file; failures go to `log` as one line each.
   explicit PublishLoop(std::ostream& log);
@@ -44,6 +47,8 @@ class PublishLoop {
   void onSettingsRead(std::function<void(const Settings&)> read) {
     settingsRead_ = std::move(read);
   }
+  // `raise` gets the notices each publication calls for, on the main context, after it.
+  void onAlerts(std::function<void(const Alerts&)> raise) { alertsRaised_ = std::move(raise); }
   // Publishes now, asking Codex's app-server whenever it was last asked (the AI tab opened).
   void askCodexNow();
   // Publishes now (Claude's status line was connected or disconnected).
@@ -54,6 +59,7 @@ class PublishLoop {
   struct Outcome {
     Settings settings;
     std::string log;  // the lines for the log, each ending in a newline
+    Alerts alerts;
   };
 
   static gboolean onTimer(gpointer self);
@@ -68,6 +74,7 @@ class PublishLoop {
   Publish publish_;
   std::ostream& log_;
   std::function<void(const Settings&)> settingsRead_;
+  std::function<void(const Alerts&)> alertsRaised_;
   Settings settings_;
   guint timer_ = 0;
   guint settle_ = 0;

@@ -79,4 +79,20 @@ std::optional<CpuTemperature> choose(std::span<const Candidate> candidates) {
   return best->reading;
 }
 
+std::vector<CpuTemperature> family(std::span<const Candidate> candidates) {
+  std::vector<const Candidate*> members;
+  for (const Candidate& candidate : candidates) {
+    if (!members.empty() && candidate.family > members.front()->family) continue;
+    if (!members.empty() && candidate.family < members.front()->family) members.clear();
+    members.push_back(&candidate);
+  }
+  std::stable_sort(
+      members.begin(), members.end(),
+      [](const Candidate* one, const Candidate* other) { return one->rank < other->rank; });
+  std::vector<CpuTemperature> readings;
+  readings.reserve(members.size());
+  for (const Candidate* member : members) readings.push_back(member->reading);
+  return readings;
+}
+
 }  // namespace korvo::cpu_sensor

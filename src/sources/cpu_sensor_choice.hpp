@@ -3,6 +3,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "sources/cpu_temperature.hpp"
 
@@ -43,5 +44,9 @@ struct Candidate {
 
 // The first family present, its best rank present, and of those the hottest reading.
 std::optional<CpuTemperature> choose(std::span<const Candidate> candidates);
+
+// Every reading of the first family present, by rank (packages before cores), then in the order
+// the system lists them.
+std::vector<CpuTemperature> family(std::span<const Candidate> candidates);
 
 }  // namespace korvo::cpu_sensor

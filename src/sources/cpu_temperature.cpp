@@ -95,7 +95,9 @@ void addZone(const std::filesystem::path& root, const std::string& zone,
 
 }  // namespace
 
-std::optional<CpuTemperature> readCpuTemperature(const std::filesystem::path& root) {
+namespace {
+
+std::vector<Candidate> candidatesUnder(const std::filesystem::path& root) {
   std::vector<Candidate> candidates;
   for (const std::string& hwmon : namesStartingWith(root / "sys/class/hwmon", "hwmon")) {
     addChip(root, hwmon, candidates);
@@ -103,7 +105,17 @@ std::optional<CpuTemperature> readCpuTemperature(const std::filesystem::path& ro
   for (const std::string& zone : namesStartingWith(root / "sys/class/thermal", "thermal_zone")) {
     addZone(root, zone, candidates);
   }
-  return cpu_sensor::choose(candidates);
+  return candidates;
+}
+
+}  // namespace
+
+std::optional<CpuTemperature> readCpuTemperature(const std::filesystem::path& root) {
+  return cpu_sensor::choose(candidatesUnder(root));
+}
+
+std::vector<CpuTemperature> readCpuSensors(const std::filesystem::path& root) {
+  return cpu_sensor::family(candidatesUnder(root));
 }
 
 }  // namespace korvo

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace korvo {
 
@@ -19,5 +20,9 @@ struct CpuTemperature {
 // Reads every hwmon chip and thermal zone under `root` (/sys/class/hwmon, /sys/class/thermal) and
 // picks the reading as the family order says; none when no CPU sensor gives a usable reading.
 std::optional<CpuTemperature> readCpuTemperature(const std::filesystem::path& root);
+
+// Every sensor of the family that counts on this machine (each package, then each core), read
+// as readCpuTemperature reads them; empty when none gives a usable reading.
+std::vector<CpuTemperature> readCpuSensors(const std::filesystem::path& root);
 
 }  // namespace korvo

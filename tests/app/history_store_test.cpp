@@ -7,8 +7,10 @@
 #include <cmath>
 #include <sstream>
 
+#include "app/history_figures.hpp"
 #include "shared/moment_text.hpp"
 #include "support/files.hpp"
+#include "support/scoped_environment.hpp"
 #include "support/temporary_directory.hpp"
 
 namespace korvo {
@@ -100,10 +102,23 @@ TEST_F(HistoryStoreTest, AHistoryOfTheFirstSchemaIsBroughtUpToDateWithItsRows) {
   sqlite3_close(database);
   auto store = open();
   ASSERT_TRUE(store);
-  EXPECT_EQ(scalar(file, "PRAGMA user_version;"), "2");
+  EXPECT_EQ(scalar(file, "PRAGMA user_version;"), std::to_string(HistoryStore::schemaVersion));
   EXPECT_EQ(store->rows(std::nullopt, std::nullopt),
             (std::vector<HistoryRow>{
                 {Date::fromUnixSeconds(1795600000), "temperature", 55, std::nullopt}}));
+}
+
+TEST_F(HistoryStoreTest, APublicationCompactsOnceRawRowsAreAnHourPastTheWeek) {
+  auto store = open();
+  ASSERT_TRUE(store);
+  const Date weekAndHalfAnHour = now.addingSeconds(-7 * 86400 - 1800);
+  ASSERT_TRUE(store->record(
+      {{weekAndHalfAnHour, "cpu.load", 10, std::nullopt}, {now, "cpu.load", 20, std::nullopt}}));
+  ASSERT_TRUE(store->compactIfDue(now));
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples WHERE averaged = 1;"), "0") << "not due";
+  ASSERT_TRUE(store->compactIfDue(now.addingSeconds(3600)));
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples WHERE averaged = 1;"), "1");
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples WHERE averaged = 0;"), "1");
 }
 
 TEST_F(HistoryStoreTest, AWeekOldRowsBecomeTenMinuteAveragesAndNinetyDayOldOnesGo) {
@@ -165,6 +180,26 @@ TEST_F(HistoryStoreTest, AHistoryOfALaterKorvoIsLeftAsItIs) {
   EXPECT_FALSE(open());
   EXPECT_EQ(scalar(file, "PRAGMA user_version;"), "9");
   EXPECT_EQ(log.str(), "korvo: cannot open the history " + file.string() + "\n");
+}
+
+TEST_F(HistoryStoreTest, APublicationsKeptHistoryFollowsTheFileMovedAsideOrAnotherPlace) {
+  testing_support::ScopedEnvironment state("XDG_STATE_HOME", (folder.path() / "state").string());
+  const auto recorded = [&](double value) {
+    return history_figures::record({{now, "cpu.load", value, std::nullopt}}, now, log, 200ms);
+  };
+  ASSERT_TRUE(recorded(1));
+  ASSERT_TRUE(recorded(2));
+  EXPECT_EQ(scalar(file, "SELECT COUNT(*) FROM samples;"), "2");
+  // Moved aside as a corrupt file is: the next rows start a new history, not the moved one.
+  std::filesystem::rename(file, folder.path() / "aside.sqlite3");
+  ASSERT_TRUE(recorded(3));
+  EXPECT_EQ(scalar(file, "SELECT group_concat(value) FROM samples;"), "3.0");
+  const testing_support::ScopedEnvironment other("XDG_STATE_HOME",
+                                                 (folder.path() / "other").string());
+  ASSERT_TRUE(recorded(4));
+  EXPECT_EQ(scalar(folder.path() / "other/korvo/history.sqlite3", "SELECT COUNT(*) FROM samples;"),
+            "1");
+  EXPECT_EQ(log.str(), "");
 }
 
 }  // namespace

@@ -71,7 +71,8 @@ TEST(KorvoMessagesTest, AnEmptyValueIsRefusedNotTakenForNone) {
            "korvo: unknown setting \"\"; valid: temperature, codex, claude, codexHome, "
            "publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, codexLive, "
            "codexLiveMinutes, codexCommand, "
-           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
+           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices, alertPercents, "
+           "temperatureAlert, temperatureUnit\n"},
           {{"open", ""},
            "korvo: not a korvo:// link: \"\"; valid: korvo://usage, korvo://ai, "
            "korvo://resources, korvo://memory, korvo://awake\n"},
@@ -98,7 +99,8 @@ TEST(KorvoMessagesTest, ValuesEchoedAreEscapedOntoOneLine) {
            "korvo: unknown setting \"col\\x1Bour\"; valid: temperature, codex, claude, "
            "codexHome, publishSeconds, awakeMinutes, memoryDisplayMode, waybarSignal, codexLive, "
            "codexLiveMinutes, codexCommand, "
-           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices\n"},
+           "awakeWhileAgentsWork, agentIdleMinutes, agentNotices, alertPercents, "
+           "temperatureAlert, temperatureUnit\n"},
           {{"settings", "codexHome", "relative\r"},
            "korvo: codexHome: not an absolute path: \"relative\\r\"\n"},
           {{"publish", "--now", "noon\n"},

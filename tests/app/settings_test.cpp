@@ -19,6 +19,13 @@ TEST(SettingsTest, MissingKeysTakeTheirDefaultsAndUnknownKeysAreIgnored) {
   EXPECT_EQ(Settings{}.agentIdleMinutes, 5);
   EXPECT_TRUE(Settings{}.awakeWhileAgentsWork && Settings{}.agentNotices);
   EXPECT_TRUE(Settings{}.temperature && Settings{}.codex && Settings{}.claude);
+  EXPECT_EQ(Settings{}.alertPercents, (std::vector<int>{80, 95}));
+  EXPECT_EQ(Settings{}.temperatureAlert, 95);
+  EXPECT_EQ(Settings{}.temperatureUnit, TemperatureUnit::celsius);
+}
+
+TEST(SettingsTest, AnEmptyListOfThresholdsMeansNoUsageAlerts) {
+  EXPECT_TRUE(std::get<Settings>(parseSettings(R"({"alertPercents":[]})")).alertPercents.empty());
 }
 
 TEST(SettingsTest, EveryKeyIsRead) {
@@ -27,10 +34,25 @@ TEST(SettingsTest, EveryKeyIsRead) {
                     R"("publishSeconds":5,"awakeMinutes":90,"memoryDisplayMode":"usedGB",)"
                     R"("waybarSignal":8,"codexLive":false,"codexLiveMinutes":1440,)"
                     R"("codexCommand":"/opt/codex/bin/codex","awakeWhileAgentsWork":false,)"
-                    R"("agentIdleMinutes":240,"agentNotices":false})");
-  const Settings expected{
-      false, false, false, "/srv/codex",           5,     90,  DisplayMode::usedGB,
-      8,     false, 1440,  "/opt/codex/bin/codex", false, 240, false};
+                    R"("agentIdleMinutes":240,"agentNotices":false,"alertPercents":[95,50,95],)"
+                    R"("temperatureAlert":0,"temperatureUnit":"F"})");
+  const Settings expected{false,
+                          false,
+                          false,
+                          "/srv/codex",
+                          5,
+                          90,
+                          DisplayMode::usedGB,
+                          8,
+                          false,
+                          1440,
+                          "/opt/codex/bin/codex",
+                          false,
+                          240,
+                          false,
+                          {50, 95},
+                          0,
+                          TemperatureUnit::fahrenheit};
   EXPECT_EQ(std::get<Settings>(settings), expected);
 }
 
@@ -58,6 +80,12 @@ TEST(SettingsTest, BadDocumentsNameTheirFault) {
       {R"({"codexLiveMinutes":1441})", "codexLiveMinutes"},
       {R"({"codexCommand":""})", "codexCommand must not be empty"},
       {R"({"codexCommand":7})", "codexCommand"},
+      {R"({"alertPercents":80})", "alertPercents must be an array of whole numbers in 1–100"},
+      {R"({"alertPercents":[0]})", "alertPercents must be a whole number in 1–100"},
+      {R"({"alertPercents":[101]})", "alertPercents"},
+      {R"({"alertPercents":["80"]})", "alertPercents"},
+      {R"({"temperatureAlert":151})", "temperatureAlert must be a whole number in 0–150"},
+      {R"({"temperatureUnit":"K"})", "temperatureUnit must be one of C, F"},
   };
   for (const auto& [document, fault] : cases) {
     const auto settings = parseSettings(document);
@@ -80,6 +108,10 @@ TEST(SettingsTest, CommandLineValuesBecomeJsonValuesOfTheirKey) {
   EXPECT_EQ(settingValue("codexLive", "false"), false);
   EXPECT_EQ(settingValue("codexLiveMinutes", "30"), 30);
   EXPECT_EQ(settingValue("codexCommand", "/opt/codex/bin/codex"), "/opt/codex/bin/codex");
+  EXPECT_EQ(settingValue("alertPercents", "95,70"), nlohmann::json::array({70, 95}));
+  EXPECT_EQ(settingValue("alertPercents", ""), nlohmann::json::array());
+  EXPECT_EQ(settingValue("temperatureAlert", "0"), 0);
+  EXPECT_EQ(settingValue("temperatureUnit", "F"), "F");
 }
 
 TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
@@ -95,6 +127,10 @@ TEST(SettingsTest, BadCommandLineValuesAreUsageErrorsNamingTheValidValues) {
       {"codexLiveMinutes", "0", "1–1440"},
       {"codexLive", "1", "valid: true, false"},
       {"codexCommand", "", "not a program name or path"},
+      {"alertPercents", "80,", "1–100"},
+      {"alertPercents", "0", "1–100"},
+      {"temperatureAlert", "200", "0–150"},
+      {"temperatureUnit", "kelvin", "valid: C, F"},
       {"colour", "red", "valid: temperature, codex, claude, codexHome, publishSeconds"},
   };
   for (const auto& [key, value, hint] : cases) {
@@ -112,7 +148,8 @@ TEST(SettingsTest, TheDocumentListsEveryKeyInOrder) {
             R"({"temperature":true,"codex":true,"claude":true,"publishSeconds":60,)"
             R"("awakeMinutes":60,"memoryDisplayMode":"usedPercent","waybarSignal":0,)"
             R"("codexLive":true,"codexLiveMinutes":5,"codexCommand":"codex",)"
-            R"("awakeWhileAgentsWork":true,"agentIdleMinutes":5,"agentNotices":true})");
+            R"("awakeWhileAgentsWork":true,"agentIdleMinutes":5,"agentNotices":true,)"
+            R"("alertPercents":[80,95],"temperatureAlert":95,"temperatureUnit":"C"})");
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
+#include "app/history_store.hpp"
 #include "cli_fixture.hpp"
 
 namespace korvo {
@@ -142,8 +144,8 @@ TEST_F(Status, UsageWithMissingStaleOrDisabledDataIsClassedForTheBar) {
       {"an hour old", sharedFile(enabledProvider(42, 28, 3600), disabledProvider), "Codex 58%",
        "stale", 58},
       {"no weekly window", sharedFile(noWeekly, disabledProvider), "Codex —", "unavailable", 0},
-      {"lowest weekly wins", sharedFile(enabledProvider(10, 0), enabledProvider(95, 0)),
-       "Codex 90% · Claude 5%", "", 5},
+      {"lowest weekly wins", sharedFile(enabledProvider(10, 0), enabledProvider(70, 0)),
+       "Codex 90% · Claude 30%", "", 30},
   };
   for (const auto& [name, file, expectedText, expectedClass, expectedPercentage] : cases) {
     std::filesystem::remove(sharedFilePath());
@@ -189,6 +191,81 @@ TEST_F(Status, TemperatureWithoutAFreshReadingSaysWhy) {
     EXPECT_EQ(line["class"], expectedClass) << name;
     EXPECT_EQ(text("temperature"), std::string(expectedText) + "\n") << name;
   }
+}
+
+TEST_F(Status, TemperatureFollowsKorvosUnitWhileTheGaugeStaysInCelsius) {
+  writeSharedFile(sharedFile(disabledProvider, disabledProvider, true, 37.0));
+  dataHome.write(".config/korvo/settings.json", R"({"temperatureUnit":"F"})");
+  EXPECT_EQ(text("temperature"), "99°F\n");
+  const json line = waybar("temperature");
+  EXPECT_EQ(line["text"], "99°F");
+  EXPECT_EQ(line["percentage"], 37);
+  dataHome.write(".config/korvo/settings.json", R"({"temperatureUnit":"C"})");
+  EXPECT_EQ(text("temperature"), "37°C\n");
+}
+
+TEST_F(Status, ABadSettingsFileIsNamedOnceAndTheDefaultsCount) {
+  writeSharedFile(sharedFile(disabledProvider, disabledProvider, true, 37.0));
+  dataHome.write(".config/korvo/settings.json", R"({"temperatureUnit":"K"})");
+  const ProcessResult result = run({"status", "temperature", "--now", nowISO});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "37°C\n");
+  EXPECT_NE(result.err.find("settings.json"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("temperatureUnit"), std::string::npos) << result.err;
+  EXPECT_EQ(testing_support::lines(result.err), 1u) << result.err;
+}
+
+struct AlertClassCase {
+  const char* name;
+  const char* settings;  // korvo's settings file; "" for none
+  std::string file;
+  json cssClass;
+};
+
+TEST_F(Status, UsageWindowsPastTheThresholdsClassTheLineWarningOrCritical) {
+  const AlertClassCase cases[] = {
+      {"below the first", "", sharedFile(enabledProvider(42, 79), disabledProvider), ""},
+      {"a weekly window at the first", "", sharedFile(enabledProvider(80, 10), disabledProvider),
+       "warning"},
+      {"a 5-hour window at the last", "",
+       sharedFile(enabledProvider(10, 0), enabledProvider(20, 95)), "critical"},
+      {"stale and past the first", "", sharedFile(enabledProvider(85, 0, 3600), disabledProvider),
+       json::array({"stale", "warning"})},
+      {"no thresholds", R"({"alertPercents":[]})",
+       sharedFile(enabledProvider(99, 99), disabledProvider), ""},
+      {"one threshold is the last", R"({"alertPercents":[60]})",
+       sharedFile(enabledProvider(61, 0), disabledProvider), "critical"},
+      {"the user's order does not matter", R"({"alertPercents":[90,50]})",
+       sharedFile(enabledProvider(55, 0), disabledProvider), "warning"},
+  };
+  for (const auto& [name, settings, file, expectedClass] : cases) {
+    std::filesystem::remove(dataHome.path() / ".config/korvo/settings.json");
+    if (*settings != '\0') dataHome.write(".config/korvo/settings.json", settings);
+    writeSharedFile(file);
+    EXPECT_EQ(waybar("usage")["class"], expectedClass) << name;
+  }
+}
+
+TEST_F(Status, TheUsageTooltipCarriesEachWindowsForecastFromKorvosHistory) {
+  writeSharedFile(sharedFile(enabledProvider(40, 28), disabledProvider));
+  const Date now = Date{nowReference};
+  std::ostringstream log;
+  auto history = HistoryStore::open(dataHome.path() / ".local/state/korvo/history.sqlite3", log,
+                                    now, std::chrono::seconds(1));
+  ASSERT_TRUE(history) << log.str();
+  // The weekly window rose 10 points in the last hour: its 60 left last six hours, not the two days
+  // to its reset.
+  std::vector<HistoryRow> rows;
+  for (int minute = 60; minute >= 0; minute -= 10) {
+    rows.push_back({now.addingSeconds(-60.0 * minute), "codex.Weekly", 40 - minute / 6.0,
+                    Date{nowReference + 172800}});
+  }
+  ASSERT_TRUE(history->record(rows));
+  const std::string tooltip = waybar("usage")["tooltip"];
+  EXPECT_NE(tooltip.find("Weekly · 60% left · Resets in 2d 0h · at this pace runs out 7:45 AM"),
+            std::string::npos)
+      << tooltip;
+  EXPECT_NE(tooltip.find("5-hour · 72% left · Resets in 2h 0m\n"), std::string::npos) << tooltip;
 }
 
 struct RefusalCase {

@@ -132,5 +132,17 @@ TEST_F(CpuTemperatureTreeTest, AnUnreadableTreeIsNoReadingForAnUnprivilegedUser)
   EXPECT_EQ(seen, "none");
 }
 
+TEST(CpuTemperatureTest, EverySensorOfTheFamilyIsListedPackagesFirstAndNoOtherChip) {
+  const auto sensors = readCpuSensors(fixtures / "coretemp_two_packages");
+  std::vector<std::string> named;
+  for (const CpuTemperature& sensor : sensors) {
+    named.push_back(sensor.file.parent_path().filename().string() + " " + sensor.label + " " +
+                    std::to_string(static_cast<int>(sensor.celsius)));
+  }
+  EXPECT_EQ(named, (std::vector<std::string>{"hwmon0 Package id 0 50", "hwmon1 Package id 1 62",
+                                             "hwmon0 Core 0 70", "hwmon1 Core 0 80"}));
+  EXPECT_TRUE(readCpuSensors(fixtures / "nvme_and_amdgpu_only").empty());
+}
+
 }  // namespace
 }  // namespace korvo

@@ -60,6 +60,9 @@ def element(accessible):
         "bounds": {"x": bounds.x, "y": bounds.y, "width": bounds.width, "height": bounds.height},
         "actions": actions(accessible),
     }
+    description = accessible.get_description()
+    if description:
+        described["description"] = description
     if "Value" in accessible.get_interfaces():
         described["value"] = Atspi.Value.get_current_value(accessible)
         described["valueText"] = Atspi.Value.get_text(accessible) or ""
