@@ -96,12 +96,22 @@ std::vector<int> readPercents(const Json& value, const std::string& key) {
 }
 
 // "80,95" as [80, 95]; "" as none.
+// `text` without the spaces around it.
+std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+// "80,95", also written "80, 95" as lists are in prose; "" for none.
 nlohmann::ordered_json percentsValue(const std::string& name, std::string_view text) {
   std::vector<int> percents;
+  text = trimmed(text);
   std::size_t start = 0;
   while (!text.empty() && start <= text.size()) {
     const std::size_t comma = std::min(text.find(',', start), text.size());
-    percents.push_back(wholeValue(name, text.substr(start, comma - start), alertPercentRange));
+    percents.push_back(
+        wholeValue(name, trimmed(text.substr(start, comma - start)), alertPercentRange));
     start = comma + 1;
   }
   return tidiedPercents(std::move(percents));

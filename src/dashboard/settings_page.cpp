@@ -55,6 +55,23 @@ SettingsPage::SettingsPage(std::function<void()> claudeChanged)
   GtkWidget* content = nullptr;
   monitors_ = scrolledPage(&content);
   temperature_ = row(content, _("CPU temperature"), toggle(*this, SettingKey::temperature));
+  temperatureUnit_ = row(content, _("Temperature unit"), gtk_combo_box_text_new());
+  gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(temperatureUnit_), "C", _("Celsius (°C)").c_str());
+  gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(temperatureUnit_), "F",
+                            _("Fahrenheit (°F)").c_str());
+  g_signal_connect(temperatureUnit_, "changed", G_CALLBACK(+[](GtkComboBox* combo, gpointer data) {
+                     if (const char* unit = gtk_combo_box_get_active_id(combo)) {
+                       pageOf(data).write(SettingKey::temperatureUnit, unit);
+                     }
+                   }),
+                   this);
+  temperatureAlert_ = row(content, _("Notify above this many °C (0: never)"),
+                          gtk_spin_button_new_with_range(0, 150, 1));
+  g_signal_connect(
+      temperatureAlert_, "value-changed", G_CALLBACK(+[](GtkSpinButton* spin, gpointer data) {
+        pageOf(data).write(SettingKey::temperatureAlert, gtk_spin_button_get_value_as_int(spin));
+      }),
+      this);
   displayMode_ = row(content, _("Memory figure"), gtk_combo_box_text_new());
   for (const DisplayMode mode : allDisplayModes) {
     gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(displayMode_), std::string(rawValue(mode)).c_str(),
@@ -86,6 +103,22 @@ SettingsPage::SettingsPage(std::function<void()> claudeChanged)
   gtk_box_pack_start(GTK_BOX(content), heading(_("Claude")), FALSE, FALSE, 0);
   claude_ = row(content, _("Show Claude's usage"), toggle(*this, SettingKey::claude));
   gtk_box_pack_start(GTK_BOX(content), claudeConnection_.widget(), FALSE, FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(content), heading(_("Alerts")), FALSE, FALSE, 0);
+  alertPercents_ = row(content, _("Notify at these percentages used"), gtk_entry_new());
+  gtk_entry_set_placeholder_text(GTK_ENTRY(alertPercents_), _("none").c_str());
+  gtk_entry_set_width_chars(GTK_ENTRY(alertPercents_), 10);
+  // Written when the user is done with it, not at every key.
+  g_signal_connect(alertPercents_, "activate", G_CALLBACK(+[](GtkEntry* entry, gpointer data) {
+                     pageOf(data).writeText(SettingKey::alertPercents, gtk_entry_get_text(entry));
+                   }),
+                   this);
+  g_signal_connect(alertPercents_, "focus-out-event",
+                   G_CALLBACK(+[](GtkWidget* entry, GdkEvent*, gpointer data) {
+                     pageOf(data).writeText(SettingKey::alertPercents,
+                                            gtk_entry_get_text(GTK_ENTRY(entry)));
+                     return FALSE;
+                   }),
+                   this);
   messages_[1] = message(content);
 
   awake_ = scrolledPage(&content);
@@ -126,8 +159,26 @@ void SettingsPage::show(const Settings& settings) {
   gtk_combo_box_set_active_id(GTK_COMBO_BOX(displayMode_),
                               std::string(rawValue(settings.memoryDisplayMode)).c_str());
   gtk_switch_set_active(GTK_SWITCH(codexLive_), gtk::glibBool(settings.codexLive));
+  gtk_combo_box_set_active_id(
+      GTK_COMBO_BOX(temperatureUnit_),
+      std::string(wordFor(temperatureUnitWords, settings.temperatureUnit)).c_str());
+  gtk_spin_button_set_value(GTK_SPIN_BUTTON(temperatureAlert_), settings.temperatureAlert);
+  std::string percents;
+  for (const int percent : settings.alertPercents) {
+    percents += (percents.empty() ? "" : ", ") + std::to_string(percent);
+  }
+  gtk_entry_set_text(GTK_ENTRY(alertPercents_), percents.c_str());
   claudeConnection_.show();
   showing_ = false;
+}
+
+void SettingsPage::writeText(SettingKey key, std::string_view text) {
+  if (showing_) return;
+  try {
+    write(key, settingValue(settingKeyWord(key), text));
+  } catch (const std::exception& error) {
+    for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), error.what());
+  }
 }
 
 void SettingsPage::write(SettingKey key, const nlohmann::ordered_json& value) {

@@ -11,11 +11,11 @@
 
 namespace korvo {
 
-// The preferences kept in the settings file, on three pages: Monitors (CPU temperature, the
-// memory figure's form), AI (Codex on or off, its sessions folder and live reading; Claude on or
-// off and its status line connected or not) and Keep Awake (the default length, the hold while
-// agents work, its notices). Every change is written to the settings file at once (the service
-// republishes on the change).
+// The preferences kept in the settings file, on three pages: Monitors (CPU temperature, its unit
+// and alert, the memory figure's form), AI (Codex on or off, its sessions folder and live
+// reading; Claude on or off and its status line connected or not; the usage alerts) and Keep Awake
+// (the default length, the hold while agents work, its notices). Every change is written to the
+// settings file at once (the service republishes on the change).
 class SettingsPage {
  public:
   // `claudeChanged` runs after Claude's status line was connected or disconnected.
@@ -28,12 +28,18 @@ class SettingsPage {
 
   // Writes one key; a failure is shown on the page.
   void write(SettingKey key, const nlohmann::ordered_json& value);
+  // Writes one key from its text as the command line takes it ("80, 95" for alertPercents); a
+  // text that is no value of the key is shown on the page and writes nothing.
+  void writeText(SettingKey key, std::string_view text);
 
  private:
   GtkWidget* monitors_;
   GtkWidget* ai_;
   GtkWidget* awake_;
   GtkWidget* temperature_;
+  GtkWidget* temperatureUnit_;
+  GtkWidget* temperatureAlert_;
+  GtkWidget* alertPercents_;
   GtkWidget* codex_;
   GtkWidget* codexHome_;
   GtkWidget* codexLive_;

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <functional>
+
 #include "app/settings_file.hpp"
 #include "support/desktop_harness.hpp"
 #include "support/korvo_process.hpp"
@@ -38,6 +40,20 @@ std::vector<GtkSwitch*> switchesOf(const SettingsPage& page) {
   for (GtkWidget* each : {page.monitorsPage(), page.aiPage(), page.awakePage()}) {
     const auto inner = switchesOf(each);
     found.insert(found.end(), inner.begin(), inner.end());
+  }
+  return found;
+}
+
+// The first control of GTK type `type` under `widget`, depth first.
+GtkWidget* firstOf(GtkWidget* widget, GType type) {
+  if (G_TYPE_CHECK_INSTANCE_TYPE(widget, type)) return widget;
+  GtkWidget* found = nullptr;
+  if (GTK_IS_CONTAINER(widget)) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+    for (GList* child = children; child != nullptr && found == nullptr; child = child->next) {
+      found = firstOf(GTK_WIDGET(child->data), type);
+    }
+    g_list_free(children);
   }
   return found;
 }
@@ -119,6 +135,54 @@ TEST_F(SettingsPageTest, ShowingTheSettingsWritesNothing) {
   SettingsPage page;
   page.show(Settings{});
   EXPECT_FALSE(std::filesystem::exists(world.settingsFile()));
+  destroyPages(page);
+}
+
+TEST_F(SettingsPageTest, TheTemperatureUnitAndTheAlertsAreWrittenAndABadListIsSaidNotWritten) {
+  SettingsPage page;
+  page.show(Settings{});
+  GtkWidget* unit = firstOf(page.monitorsPage(), GTK_TYPE_COMBO_BOX);
+  GtkWidget* alert = firstOf(page.monitorsPage(), GTK_TYPE_SPIN_BUTTON);
+  GtkWidget* percents = firstOf(page.aiPage(), GTK_TYPE_ENTRY);
+  ASSERT_NE(unit, nullptr);
+  ASSERT_NE(alert, nullptr);
+  ASSERT_NE(percents, nullptr);
+  EXPECT_STREQ(gtk_combo_box_get_active_id(GTK_COMBO_BOX(unit)), "C");
+  EXPECT_EQ(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(alert)), 95);
+  EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(percents)), "80, 95");
+
+  gtk_combo_box_set_active_id(GTK_COMBO_BOX(unit), "F");
+  EXPECT_EQ(settings_file::load(std::cerr).temperatureUnit, TemperatureUnit::fahrenheit);
+  gtk_spin_button_set_value(GTK_SPIN_BUTTON(alert), 0);
+  EXPECT_EQ(settings_file::load(std::cerr).temperatureAlert, 0);
+  gtk_entry_set_text(GTK_ENTRY(percents), "50, 90");
+  g_signal_emit_by_name(percents, "activate");
+  EXPECT_EQ(settings_file::load(std::cerr).alertPercents, (std::vector<int>{50, 90}));
+
+  // A list the setting cannot take is said on the page; the file keeps the last good one.
+  gtk_entry_set_text(GTK_ENTRY(percents), "50, lots");
+  g_signal_emit_by_name(percents, "activate");
+  EXPECT_EQ(settings_file::load(std::cerr).alertPercents, (std::vector<int>{50, 90}));
+  GtkWidget* said = nullptr;
+  std::vector<GtkWidget*> labels;
+  std::function<void(GtkWidget*)> collect = [&](GtkWidget* widget) {
+    if (GTK_IS_LABEL(widget)) labels.push_back(widget);
+    if (GTK_IS_CONTAINER(widget)) {
+      GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+      for (GList* child = children; child != nullptr; child = child->next) {
+        collect(GTK_WIDGET(child->data));
+      }
+      g_list_free(children);
+    }
+  };
+  collect(page.aiPage());
+  for (GtkWidget* each : labels) {
+    if (std::string(gtk_label_get_text(GTK_LABEL(each))).find("alertPercents") !=
+        std::string::npos) {
+      said = each;
+    }
+  }
+  EXPECT_NE(said, nullptr) << "no line on the page names the setting";
   destroyPages(page);
 }
 
