@@ -212,14 +212,27 @@ void DashboardWindow::pageChanged() {
   if (name != nullptr && std::string_view(name) == rawValue(DashboardTab::memory)) {
     memory_.refresh(current_.memoryDisplayMode);
   }
-  // Rollouts change only while Codex works: the app-server says the figures of this moment.
-  if (name != nullptr && std::string_view(name) == rawValue(DashboardTab::ai) && aiOpened_) {
-    aiOpened_();
+  if (name != nullptr && std::string_view(name) == rawValue(DashboardTab::ai)) {
+    refreshAiIfShown();
+    // Rollouts change only while Codex works: the app-server says the figures of this moment.
+    if (aiOpened_) aiOpened_();
   }
   dump();
 }
 
 void DashboardWindow::reloadShared() {
+  aiStale_ = true;
+  refreshAiIfShown();
+}
+
+void DashboardWindow::refreshAiIfShown() {
+  // The AI page reads the history for its graphs: a hidden page need not, every minute.
+  const char* name = gtk_stack_get_visible_child_name(GTK_STACK(stack_));
+  if (!aiStale_ || !mapped_ || name == nullptr ||
+      std::string_view(name) != rawValue(DashboardTab::ai)) {
+    return;
+  }
+  aiStale_ = false;
   ai_.refresh();
 }
 

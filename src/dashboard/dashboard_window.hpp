@@ -50,6 +50,8 @@ class DashboardWindow {
 
  private:
   void show(const char* page);
+  // Builds the AI page anew when the shared file changed since and the page is in view.
+  void refreshAiIfShown();
   PreferencesWindow& preferences();
   void dump() const;
 
@@ -72,6 +74,7 @@ class DashboardWindow {
   std::function<void()> aiOpened_;
   guint ticker_ = 0;
   bool mapped_ = false;
+  bool aiStale_ = true;  // the shared file changed since the AI page was built
 };
 
 }  // namespace korvo
