@@ -82,6 +82,16 @@ Line memory(const MemoryEntry& entry, DisplayMode mode, Tooltip tooltip) {
   return line;
 }
 
+// The worse class of a provider's windows.
+std::string providerAlert(const UsageState& state, const std::vector<int>& percents) {
+  std::string alert;
+  if (!state.snapshot) return alert;
+  for (const UsageWindow& window : state.snapshot->windows) {
+    alert = worseAlert(alert, alertClass(window.usedPercent, percents));
+  }
+  return alert;
+}
+
 Line usage(const MonitorEntry& entry, Tooltip tooltip, const UsageOutlook& outlook) {
   if (!entry.snapshot) return {noFigure(), _("Usage unavailable"), "unavailable", 0, {}};
   std::vector<std::string> figures;
@@ -97,11 +107,7 @@ Line usage(const MonitorEntry& entry, Tooltip tooltip, const UsageOutlook& outlo
     if (!state.enabled) continue;
     anyEnabled = true;
     stale = stale || state.isStale();
-    if (state.snapshot) {
-      for (const UsageWindow& window : state.snapshot->windows) {
-        alert = worseAlert(alert, alertClass(window.usedPercent, outlook.alertPercents));
-      }
-    }
+    alert = worseAlert(alert, providerAlert(state, outlook.alertPercents));
     const std::optional<UsageWindow> weekly = UsageWindows::weekly(state);
     figures.push_back(shortName(provider) + " " +
                       (weekly ? UsageWindows::remainingText(*weekly) : noFigure()));

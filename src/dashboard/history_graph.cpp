@@ -105,6 +105,7 @@ void HistoryGraphs::draw() {
 
 void HistoryGraphs::showSensors(const std::vector<CpuTemperature>& sensors) {
   std::vector<std::string> lines;
+  lines.reserve(sensors.size() + 1);
   for (const CpuTemperature& sensor : sensors) {
     lines.push_back(sensor.chip + (sensor.label.empty() ? "" : " · " + sensor.label) + "  " +
                     degreesText(sensor.celsius, unit_));

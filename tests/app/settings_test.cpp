@@ -108,11 +108,11 @@ TEST(SettingsTest, CommandLineValuesBecomeJsonValuesOfTheirKey) {
   EXPECT_EQ(settingValue("codexLive", "false"), false);
   EXPECT_EQ(settingValue("codexLiveMinutes", "30"), 30);
   EXPECT_EQ(settingValue("codexCommand", "/opt/codex/bin/codex"), "/opt/codex/bin/codex");
-  EXPECT_EQ(settingValue("alertPercents", "95,70"), nlohmann::json::array({70, 95}));
-  EXPECT_EQ(settingValue("alertPercents", ""), nlohmann::json::array());
+  EXPECT_EQ(settingValue("alertPercents", "95,70"), nlohmann::ordered_json::array({70, 95}));
+  EXPECT_EQ(settingValue("alertPercents", ""), nlohmann::ordered_json::array());
   // As a list is written in prose, and as the preferences show it.
-  EXPECT_EQ(settingValue("alertPercents", " 80, 95 "), nlohmann::json::array({80, 95}));
-  EXPECT_EQ(settingValue("alertPercents", "  "), nlohmann::json::array());
+  EXPECT_EQ(settingValue("alertPercents", " 80, 95 "), nlohmann::ordered_json::array({80, 95}));
+  EXPECT_EQ(settingValue("alertPercents", "  "), nlohmann::ordered_json::array());
   EXPECT_EQ(settingValue("temperatureAlert", "0"), 0);
   EXPECT_EQ(settingValue("temperatureUnit", "F"), "F");
 }
