@@ -56,6 +56,21 @@ class HomeInstall : public testing::Test {
             {"TZ", "UTC"}};
   }
 
+  // The user's graphical session on `server` and `bus`, the dashboard's state kept in
+  // work/dashboard.json.
+  static Environment desktopSession(const fs::path& work, const XServer& server,
+                                    const bus_test::PrivateBus& bus) {
+    Environment environment = session();
+    environment["DISPLAY"] = server.display();
+    environment["GDK_BACKEND"] = "x11";
+    environment["NO_AT_BRIDGE"] = "1";
+    environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (work / "no-bus").string();
+    environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/proc/desktop-zram";
+    environment["KORVO_DASHBOARD_DUMP"] = (work / "dashboard.json").string();
+    return environment;
+  }
+
   static inline TemporaryDirectory* folder_ = nullptr;
   static inline CommandResult* install_ = nullptr;
 };
@@ -98,14 +113,7 @@ TEST_F(HomeInstall, XdgOpenOfAnAwakeLinkShowsTheInstalledDashboardAtTheAwakeTab)
   fs::create_directories(work);
   XServer server(1600, 1000, work);
   bus_test::PrivateBus bus(work, "session");
-  Environment environment = session();
-  environment["DISPLAY"] = server.display();
-  environment["GDK_BACKEND"] = "x11";
-  environment["NO_AT_BRIDGE"] = "1";
-  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (work / "no-bus").string();
-  environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/proc/desktop-zram";
-  environment["KORVO_DASHBOARD_DUMP"] = (work / "dashboard.json").string();
+  const Environment environment = desktopSession(work, server, bus);
   Process opener({"/usr/bin/xdg-open", "korvo://awake"}, environment, work / "open.out",
                  work / "open.err");
   const auto page = [&] {
@@ -127,14 +135,7 @@ TEST_F(HomeInstall, TheFirstDashboardOffersStartAtLoginAndTheAnswerTurnsItOn) {
   fs::create_directories(work);
   XServer server(1600, 1000, work);
   bus_test::PrivateBus bus(work, "session");
-  Environment environment = session();
-  environment["DISPLAY"] = server.display();
-  environment["GDK_BACKEND"] = "x11";
-  environment["NO_AT_BRIDGE"] = "1";
-  environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (work / "no-bus").string();
-  environment["KORVO_SYSROOT"] = KORVO_FIXTURES_DIR "/proc/desktop-zram";
-  environment["KORVO_DASHBOARD_DUMP"] = (work / "dashboard.json").string();
+  const Environment environment = desktopSession(work, server, bus);
   const auto state = [&] {
     const std::string text = readFile(work / "dashboard.json");
     return text.empty() ? nlohmann::json::object() : nlohmann::json::parse(text);
