@@ -94,8 +94,10 @@ TEST_F(AgentsAwakeTest, AClaudeTranscriptHoldsWithItsOwnReason) {
   appendLine(transcript());
   EXPECT_TRUE(waitFor([&] { return held("Claude Code is working"); })) << logindInhibitors();
   EXPECT_EQ(status()["agents"], nlohmann::json::array({"Claude Code"}));
-  appendLine(rollout());
-  EXPECT_TRUE(waitFor([&] { return held("Codex and Claude Code are working"); }));
+  // Codex at work, writing on: a new day folder's first line is the previous test's case.
+  const Writer codex(rollout());
+  EXPECT_TRUE(waitFor([&] { return held("Codex and Claude Code are working"); }))
+      << logindInhibitors();
   EXPECT_FALSE(held("Claude Code is working")) << "the old inhibitor is given back";
   EXPECT_EQ(status()["agents"], nlohmann::json::array({"Codex", "Claude Code"}));
 }
