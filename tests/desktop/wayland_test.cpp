@@ -475,9 +475,10 @@ TEST_F(WaylandHost, TwoOutputsTakeTheirWidgetsAndAnUnpluggedOneLosesNone) {
 
   // Unplugged: its widget comes over to the other output, which now has the outer's whole width.
   ASSERT_TRUE(sway_->unplug("WL-2"));
+  // The one output left is laid out again as its outer window takes the whole width.
   ASSERT_TRUE(waitFor([&] {
     outputs = sway_->outputs();
-    return outputs.size() == 1;
+    return outputs.size() == 1 && outputs[0].width == 2 * outputWidth;
   })) << sway_->log();
   const Expected awakeHere{"awake moved to WL-1",
                            {outputs[0].width - 16 - 170, outputs[0].y + 16, 170, 170}};
