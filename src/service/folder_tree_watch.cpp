@@ -81,6 +81,9 @@ void FolderTreeWatch::approach() {
   if (!isFolder(above)) return;
   watchFolder(above);
   approaching_ = true;
+  // A folder on the way made between the look and the watch sends the watch no event: look again.
+  const auto step = root_.lexically_relative(above);
+  if (!step.empty() && isFolder(above / *step.begin())) approach();
 }
 
 void FolderTreeWatch::watchTree(const std::filesystem::path& folder,
