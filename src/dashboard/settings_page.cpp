@@ -177,7 +177,7 @@ void SettingsPage::writeText(SettingKey key, std::string_view text) {
   try {
     write(key, settingValue(settingKeyWord(key), text));
   } catch (const std::exception& error) {
-    for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), error.what());
+    say(error.what());
   }
 }
 
@@ -185,11 +185,15 @@ void SettingsPage::write(SettingKey key, const nlohmann::ordered_json& value) {
   if (showing_) return;
   try {
     settings_file::set(settingKeyWord(key), value);
-    for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), "");
+    say("");
   } catch (const std::exception& error) {
-    // Said on every page: the control may be on any of them.
-    for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), error.what());
+    say(error.what());
   }
+}
+
+void SettingsPage::say(const char* text) {
+  // Said on every page: the control may be on any of them.
+  for (GtkWidget* line : messages_) gtk_label_set_text(GTK_LABEL(line), text);
 }
 
 }  // namespace korvo

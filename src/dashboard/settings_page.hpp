@@ -33,6 +33,9 @@ class SettingsPage {
   void writeText(SettingKey key, std::string_view text);
 
  private:
+  // Shows a failed write's line on every page, or clears it ("").
+  void say(const char* text);
+
   GtkWidget* monitors_;
   GtkWidget* ai_;
   GtkWidget* awake_;
